@@ -1,0 +1,124 @@
+#include "mapper.hpp"
+
+#include "c_memory.hpp"
+#include "call.hpp"
+#include "morvath.h"
+#include "process_bus.hpp"
+#include "reply_reader.hpp"
+
+#include <cstring>
+#include <iterator>
+#include <string>
+#include <utility>
+
+namespace morvath
+{
+namespace
+{
+
+constexpr auto mapperService = "xyz.openbmc_project.ObjectMapper";
+constexpr auto mapperPath = "/xyz/openbmc_project/object_mapper";
+constexpr auto mapperInterface = "xyz.openbmc_project.ObjectMapper";
+constexpr auto subTreeMember = "GetSubTree";
+constexpr int32_t anyDepth = 0;
+
+const char* readFirstOwner(ReplyReader& reader)
+{
+    const char* service = "";
+    reader.enter('a', "{sas}");
+    if (!reader.atEnd())
+    {
+        reader.enter('e', "sas");
+        service = reader.text();
+        reader.skip("as");
+        reader.leave();
+    }
+    while (!reader.atEnd())
+    {
+        reader.skip("{sas}");
+    }
+    reader.leave();
+    return service;
+}
+
+std::vector<MappedObject> readObjects(const sdbusplus::message_t& reply)
+{
+    std::vector<MappedObject> objects;
+    ReplyReader reader(reply);
+    reader.enter('a', "{sa{sas}}");
+    while (!reader.atEnd())
+    {
+        reader.enter('e', "sa{sas}");
+        const char* path = reader.text();
+        objects.push_back({path, readFirstOwner(reader)});
+        reader.leave();
+    }
+    reader.leave();
+    return objects;
+}
+
+} // namespace
+
+sdbusplus::message_t newMapperCall(const char* member, const char* root,
+                                   const char* interface)
+{
+    auto request = processBus.new_method_call(mapperService, mapperPath,
+                                              mapperInterface, member);
+    request.append(root, anyDepth, std::vector<std::string>{interface});
+    return request;
+}
+
+int32_t ObjectList::query(const char* root, const char* interface)
+{
+    auto request = newMapperCall(subTreeMember, root, interface);
+    return statusOf([&] {
+        auto answer = processBus.call(request);
+        objects = readObjects(answer);
+        reply = std::move(answer);
+    });
+}
+
+} // namespace morvath
+
+using namespace morvath;
+
+int32_t getSubTree(const char* root, const char* interface, SubTree* result)
+{
+    auto request = newMapperCall(subTreeMember, root, interface);
+    return statusOf([&] {
+        SubTree added;
+        processBus.call(request).read(added);
+        result->insert(result->end(), std::move_iterator(added.begin()),
+                       std::move_iterator(added.end()));
+    });
+}
+
+int32_t getDbusInterface(const char* prefix, const char* root,
+                         const char* interface, char*** paths, uint32_t* count)
+{
+    ObjectList objects;
+    if (const auto code = objects.query(root, interface))
+    {
+        return code;
+    }
+
+    std::vector<const char*> kept;
+    const auto prefixLength = std::strlen(prefix);
+    for (const auto& object : objects)
+    {
+        if (std::strncmp(prefix, object.service, prefixLength) == 0)
+        {
+            kept.push_back(object.path);
+        }
+    }
+
+    TextArray copies(kept.size());
+    for (std::size_t index = 0; index < kept.size(); ++index)
+    {
+        copies.set(index, copyText(kept[index]));
+    }
+    *paths = copies.release();
+    // Added to and never reset: callers set it to 0 first.
+    *count += static_cast<uint32_t>(kept.size());
+    return success;
+}

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "c_memory.hpp"
+#include "reply_reader.hpp"
+
+#include <cstddef>
+#include <span>
+#include <vector>
+
+namespace morvath
+{
+
+/**
+ * From the names of the requested properties to the columns of a row. It is
+ * made once for a table; the values of an object go straight into its row.
+ */
+class PropertyMap
+{
+  public:
+    /** A null name raises std::logic_error. The names are not copied. */
+    explicit PropertyMap(std::span<const char* const> names);
+
+    /** The row of the object at path, from the reply of "GetAll". */
+    TextArray readRow(ReplyReader reply, const char* path) const;
+
+  private:
+    struct Entry
+    {
+        const char* name;
+        std::size_t column;
+    };
+
+    void readProperties(ReplyReader& reply, TextArray& row) const;
+    std::span<const Entry> columnsOf(const char* name) const;
+
+    std::span<const char* const> names;
+    /** In byte order of the names; a name asked for twice has two entries. */
+    std::vector<Entry> entries;
+};
+
+} // namespace morvath

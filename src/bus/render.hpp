@@ -1,0 +1,12 @@
+#pragma once
+
+#include "c_memory.hpp"
+#include "reply_reader.hpp"
+
+namespace morvath
+{
+
+/** The text of a table cell; empty for what is not rendered. */
+CText renderPropertyValue(const BasicValue& value);
+
+} // namespace morvath

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <sdbusplus/message.hpp>
+
+#include <cstdint>
+
+namespace morvath
+{
+
+/** A basic value where it lies in its message; texts are not copied. */
+struct BasicValue
+{
+    /** The D-Bus type, or other for all that is not told apart further. */
+    char type;
+    union
+    {
+        const char* text;
+        int64_t int64;
+        uint64_t uint64;
+        double real;
+        int32_t int32;
+        uint32_t uint32;
+        uint16_t uint16;
+        uint8_t byte;
+        int boolean;
+    };
+
+    static constexpr char other = '\0';
+};
+
+/**
+ * Walks a reply in place. Each step raises SdBusError, with the name of the
+ * sd-bus function, when the reply does not have what is asked for.
+ */
+class ReplyReader
+{
+  public:
+    explicit ReplyReader(const sdbusplus::message_t& reply) :
+        message(reply.get())
+    {}
+
+    void enter(char type, const char* contents);
+    void leave();
+    bool atEnd();
+    void skip(const char* types);
+
+    /** Valid as long as the reply. */
+    const char* text();
+
+    /** The value in a variant; skipped when it is not a basic one. */
+    BasicValue variant();
+
+  private:
+    sd_bus_message* message;
+};
+
+} // namespace morvath

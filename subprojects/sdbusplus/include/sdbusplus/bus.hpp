@@ -1,0 +1,62 @@
+#pragma once
+
+#include <sdbusplus/exception.hpp>
+#include <sdbusplus/message.hpp>
+#include <sdbusplus/sdbus.hpp>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <type_traits>
+
+namespace sdbusplus
+{
+namespace bus
+{
+namespace details
+{
+
+struct release
+{
+    bool closes = false;
+
+    void operator()(sd_bus* bus) const
+    {
+        closes ? sdbus_impl.sd_bus_flush_close_unref(bus)
+               : sdbus_impl.sd_bus_unref(bus);
+    }
+};
+
+} // namespace details
+
+/** A bus connection; the one reference that it was given. */
+class bus
+{
+  public:
+    /** Takes the reference over and asks for the unique name at once. */
+    bus(sd_bus* connection, std::false_type);
+
+    /** Whether the destructor also flushes and closes the connection. */
+    void set_should_close(bool closes)
+    {
+        connection.get_deleter().closes = closes;
+    }
+
+    std::string get_unique_name();
+
+    message_t new_method_call(const char* service, const char* path,
+                              const char* interface, const char* member);
+
+    /** Without a time-out the connection's own holds. */
+    message_t call(message_t& request,
+                   std::optional<SdBusDuration> timeout = std::nullopt);
+
+  private:
+    std::unique_ptr<sd_bus, details::release> connection;
+};
+
+} // namespace bus
+
+using bus_t = bus::bus;
+
+} // namespace sdbusplus

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <systemd/sd-bus.h>
+#include <systemd/sd-event.h>
+
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+namespace morvath::sim
+{
+
+template <auto Release>
+struct Releaser
+{
+    void operator()(auto* resource) const noexcept
+    {
+        Release(resource);
+    }
+};
+
+using Bus = std::unique_ptr<sd_bus, Releaser<sd_bus_flush_close_unref>>;
+using Message = std::unique_ptr<sd_bus_message, Releaser<sd_bus_message_unref>>;
+using Event = std::unique_ptr<sd_event, Releaser<sd_event_unref>>;
+using EventSource =
+    std::unique_ptr<sd_event_source, Releaser<sd_event_source_disable_unref>>;
+
+/** An answer in the form of a D-Bus error. */
+class BusError : public std::runtime_error
+{
+  public:
+    BusError(std::string name, const std::string& message) :
+        std::runtime_error(message),
+        name_(std::move(name))
+    {}
+
+    const std::string& name() const noexcept
+    {
+        return name_;
+    }
+
+  private:
+    std::string name_;
+};
+
+/**
+ * Throws std::system_error with the name of the operation when the result of
+ * a libsystemd call is negative, otherwise returns the result.
+ */
+int check(int result, const char* operation);
+
+Message newReply(sd_bus_message* call);
+
+} // namespace morvath::sim

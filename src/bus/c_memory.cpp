@@ -1,4 +1,4 @@
-#include "c_memory.hpp"
+#include "bus/c_memory.hpp"
 
 #include <cstring>
 #include <new>

@@ -1,10 +1,10 @@
-#include "mapper.hpp"
+#include "bus/mapper.hpp"
 
-#include "c_memory.hpp"
-#include "call.hpp"
+#include "bus/c_memory.hpp"
+#include "bus/call.hpp"
+#include "bus/process_bus.hpp"
+#include "bus/reply_reader.hpp"
 #include "morvath.h"
-#include "process_bus.hpp"
-#include "reply_reader.hpp"
 
 #include <cstring>
 #include <iterator>

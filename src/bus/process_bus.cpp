@@ -1,4 +1,4 @@
-#include "process_bus.hpp"
+#include "bus/process_bus.hpp"
 
 #include <systemd/sd-bus.h>
 

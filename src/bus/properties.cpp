@@ -1,10 +1,10 @@
-#include "properties.hpp"
+#include "bus/properties.hpp"
 
-#include "c_memory.hpp"
-#include "call.hpp"
-#include "mapper.hpp"
+#include "bus/c_memory.hpp"
+#include "bus/call.hpp"
+#include "bus/mapper.hpp"
+#include "bus/process_bus.hpp"
 #include "morvath.h"
-#include "process_bus.hpp"
 
 #include <string>
 #include <utility>

@@ -1,6 +1,6 @@
-#include "property_map.hpp"
+#include "bus/property_map.hpp"
 
-#include "render.hpp"
+#include "bus/render.hpp"
 
 #include <sdbusplus/message/native_types.hpp>
 #include <strings.h>
@@ -93,9 +93,14 @@ void PropertyMap::readProperties(ReplyReader& reply, TextArray& row) const
 std::span<const PropertyMap::Entry>
 PropertyMap::columnsOf(const char* name) const
 {
-    const auto range =
-        std::ranges::equal_range(entries, name, isLess, &Entry::name);
-    return {range.begin(), range.end()};
+    const auto first =
+        std::ranges::lower_bound(entries, name, isLess, &Entry::name);
+    auto last = first;
+    while (last != entries.end() && std::strcmp(last->name, name) == 0)
+    {
+        ++last;
+    }
+    return {first, last};
 }
 
 } // namespace morvath

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "c_memory.hpp"
-#include "reply_reader.hpp"
+#include "bus/c_memory.hpp"
+#include "bus/reply_reader.hpp"
 
 #include <cstddef>
 #include <span>

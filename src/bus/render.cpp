@@ -1,4 +1,4 @@
-#include "render.hpp"
+#include "bus/render.hpp"
 
 #include <systemd/sd-bus.h>
 

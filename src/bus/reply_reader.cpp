@@ -1,4 +1,4 @@
-#include "reply_reader.hpp"
+#include "bus/reply_reader.hpp"
 
 #include <sdbusplus/exception.hpp>
 #include <systemd/sd-bus.h>

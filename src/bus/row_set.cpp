@@ -1,4 +1,4 @@
-#include "row_set.hpp"
+#include "bus/row_set.hpp"
 
 #include "morvath.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "c_memory.hpp"
+#include "bus/c_memory.hpp"
 
 #include <cstddef>
 #include <cstdint>

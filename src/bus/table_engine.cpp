@@ -1,9 +1,9 @@
-#include "call.hpp"
-#include "mapper.hpp"
+#include "bus/call.hpp"
+#include "bus/mapper.hpp"
+#include "bus/process_bus.hpp"
+#include "bus/properties.hpp"
+#include "bus/property_map.hpp"
 #include "morvath.h"
-#include "process_bus.hpp"
-#include "properties.hpp"
-#include "property_map.hpp"
 
 #include <algorithm>
 

@@ -1,5 +1,5 @@
 #include "morvath.h"
-#include "table.hpp"
+#include "tables/table.hpp"
 
 #include <array>
 

@@ -1,4 +1,4 @@
-#include "table.hpp"
+#include "tables/table.hpp"
 
 #include <algorithm>
 #include <string>
@@ -44,11 +44,16 @@ int32_t readRows(const Table& table, RowSet& rows)
     return rows.read({table.root, table.interface, names});
 }
 
+void* allocateRecords(int32_t count, std::size_t recordSize)
+{
+    return count < 0 ? nullptr : std::calloc(count, recordSize);
+}
+
 void fillRecords(const Table& table, const RowSet& rows, void* records,
-                 std::size_t recordSize, std::size_t recordCount)
+                 std::size_t recordSize, int32_t recordCount)
 {
     auto* record = static_cast<std::byte*>(records);
-    const auto count = std::min(rows.size(), recordCount);
+    const auto count = std::min<std::size_t>(rows.size(), recordCount);
     for (std::size_t index = 0; index < count; ++index)
     {
         fillRecord(table, rows[index], record);

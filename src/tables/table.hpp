@@ -1,8 +1,8 @@
 #pragma once
 
-#include "../bus/c_memory.hpp"
-#include "../bus/call.hpp"
-#include "../bus/row_set.hpp"
+#include "bus/c_memory.hpp"
+#include "bus/call.hpp"
+#include "bus/row_set.hpp"
 
 #include <cstddef>
 #include <cstdint>
@@ -64,9 +64,12 @@ constexpr auto finishWith = [](void* record, Row row) {
 /** Runs the table's query; the engine's code. */
 int32_t readRows(const Table& table, RowSet& rows);
 
+/** Zeroed records; null when there is no memory, or for less than none. */
+void* allocateRecords(int32_t count, std::size_t recordSize);
+
 /** Moves the rows into the first records; further records stay zero. */
 void fillRecords(const Table& table, const RowSet& rows, void* records,
-                 std::size_t recordSize, std::size_t recordCount);
+                 std::size_t recordSize, int32_t recordCount);
 
 /** A whole table getter. */
 template <typename Record>
@@ -79,13 +82,13 @@ int32_t getTable(const Table& table, Record** outArray, int32_t* outCount)
     }
     // The counter and not the number of rows gives the records, and the array
     // is the caller's from here on, also when a conversion raises.
-    const auto count = static_cast<std::size_t>(*outCount);
-    *outArray = static_cast<Record*>(std::calloc(count, sizeof(Record)));
-    if (!*outArray && count != 0)
+    *outArray =
+        static_cast<Record*>(allocateRecords(*outCount, sizeof(Record)));
+    if (!*outArray && *outCount != 0)
     {
         return outOfMemory;
     }
-    fillRecords(table, rows, *outArray, sizeof(Record), count);
+    fillRecords(table, rows, *outArray, sizeof(Record), *outCount);
     return success;
 }
 

@@ -33,7 +33,7 @@ message_t bus::new_method_call(const char* service, const char* path,
 
 message_t bus::call(message_t& request, std::optional<SdBusDuration> timeout)
 {
-    sd_bus_error error = SD_BUS_ERROR_NULL;
+    sd_bus_error error{};
     sd_bus_message* reply = nullptr;
     const int result = sdbus_impl.sd_bus_call(
         connection.get(), request.get(),

@@ -43,7 +43,7 @@ class SdBusError final : public internal_exception
   private:
     void compose(const char* prefix);
 
-    sd_bus_error error = SD_BUS_ERROR_NULL;
+    sd_bus_error error{};
     std::string text;
 };
 

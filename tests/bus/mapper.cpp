@@ -1,0 +1,157 @@
+#include "morvath.h"
+#include "support/machine.hpp"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+namespace morvath::tests
+{
+namespace
+{
+
+constexpr auto wanted = "com.example.Wanted";
+const Json wantedOnly{{wanted, Json::object()}};
+
+Machine fans()
+{
+    return Machine()
+        .owns("/fans/b", "com.example.B", wantedOnly)
+        .owns("/fans/a10", "com.example.Fans.Two", wantedOnly)
+        .owns("/fans/a2", "com.example.Fans.Two", wantedOnly)
+        .owns("/fans/a2", "com.example.A",
+              {{wanted, Json::object()}, {"com.example.Also", Json::object()}})
+        .owns("/fans/c", "com.example.Other",
+              {{"com.example.Other", Json::object()}});
+}
+
+/** The paths that were found. */
+struct Paths
+{
+    char** paths = nullptr;
+    uint32_t count = 0;
+
+    ~Paths()
+    {
+        for (const auto& path : list())
+        {
+            std::free(const_cast<char*>(path));
+        }
+        std::free(paths);
+    }
+
+    std::vector<const char*> list() const
+    {
+        return {paths, paths + count};
+    }
+
+    int32_t find(const char* prefix, const char* root = "/")
+    {
+        return getDbusInterface(prefix, root, wanted, &paths, &count);
+    }
+};
+
+TEST(FindObjects, MatchesTheFirstOwnerAgainstThePrefix)
+{
+    sim::Platform platform(fans().scenario());
+    const std::pair<const char*, std::vector<std::string>> cases[]{
+        {"", {"/fans/a10", "/fans/a2", "/fans/b"}},
+        {"com.example.Fans", {"/fans/a10"}},
+        {"com.example.A", {"/fans/a2"}},
+        {"com.example.Fans.Two.More", {}},
+    };
+    for (const auto& [prefix, expected] : cases)
+    {
+        Paths found;
+        EXPECT_EQ(found.find(prefix), 0);
+        EXPECT_NE(found.paths, nullptr);
+        EXPECT_EQ(
+            std::vector<std::string>(found.paths, found.paths + found.count),
+            expected)
+            << prefix;
+    }
+}
+
+TEST(FindObjects, AddsToTheCounter)
+{
+    sim::Platform platform(fans().scenario());
+    char** paths = nullptr;
+    uint32_t count = 5;
+    EXPECT_EQ(getDbusInterface("", "/fans", wanted, &paths, &count), 0);
+    EXPECT_EQ(count, 8u);
+    for (auto index : {0, 1, 2})
+    {
+        std::free(paths[index]);
+    }
+    std::free(paths);
+}
+
+TEST(ListObjects, AddsAllOwnersInOrder)
+{
+    sim::Platform platform(fans().scenario());
+    SubTree tree{{"/before", {}}};
+    EXPECT_EQ(getSubTree("/fans", wanted, &tree), 0);
+    ASSERT_EQ(tree.size(), 4u);
+    EXPECT_EQ(tree[0].first, "/before");
+    EXPECT_EQ(tree[1].first, "/fans/a10");
+    EXPECT_EQ(tree[2].first, "/fans/a2");
+    ASSERT_EQ(tree[2].second.size(), 2u);
+    EXPECT_EQ(tree[2].second[0].first, "com.example.A");
+    const std::vector<std::string> interfaces{
+        "com.example.Also",
+        "com.example.Wanted",
+        "org.freedesktop.DBus.Introspectable",
+        "org.freedesktop.DBus.Peer",
+        "org.freedesktop.DBus.Properties",
+    };
+    EXPECT_EQ(tree[2].second[0].second, interfaces);
+
+    const auto calls = platform.calls();
+    ASSERT_EQ(calls.size(), 1u);
+    EXPECT_EQ(calls[0].service, "xyz.openbmc_project.ObjectMapper");
+    EXPECT_EQ(calls[0].path, "/xyz/openbmc_project/object_mapper");
+    EXPECT_EQ(calls[0].interface, "xyz.openbmc_project.ObjectMapper");
+    EXPECT_EQ(calls[0].member, "GetSubTree");
+    EXPECT_EQ(calls[0].arguments, Json({"/fans", 0, Json::array({wanted})}));
+}
+
+TEST(ListObjects, GivesMinusOneWithoutAReadableAnswer)
+{
+    const Json asked{{"member", "GetSubTree"}};
+    const std::pair<const char*, Machine> cases[]{
+        {"unknown root", fans()},
+        {"no mapper", fans().withoutMapper()},
+        {"other type", fans().fault(asked, {{"reply", text("no")}})},
+        {"nothing", fans().fault(asked, {{"reply", {{"type", ""}}}})},
+    };
+    for (const auto& [name, machine] : cases)
+    {
+        sim::Platform platform(machine.scenario());
+        SubTree tree;
+        EXPECT_EQ(getSubTree("/unknown", wanted, &tree), -1) << name;
+        EXPECT_TRUE(tree.empty()) << name;
+        Paths found;
+        EXPECT_EQ(found.find("", "/unknown"), -1) << name;
+        EXPECT_EQ(found.paths, nullptr) << name;
+        EXPECT_EQ(found.count, 0u) << name;
+    }
+}
+
+TEST(FindObjects, TakesAnObjectWithoutOwnersAsOneWithoutName)
+{
+    sim::Platform platform(
+        Machine()
+            .fault({{"member", "GetSubTree"}},
+                   {{"reply",
+                     property("a{sa{sas}}", {{"/orphan", Json::object()}})}})
+            .scenario());
+    Paths any;
+    EXPECT_EQ(any.find(""), 0);
+    EXPECT_EQ(any.count, 1u);
+    Paths named;
+    EXPECT_EQ(named.find("com"), 0);
+    EXPECT_EQ(named.count, 0u);
+}
+
+} // namespace
+} // namespace morvath::tests

@@ -1,0 +1,47 @@
+#include "connection.hpp"
+
+#include <systemd/sd-bus.h>
+
+#include <memory>
+#include <system_error>
+
+namespace morvath::tools
+{
+namespace
+{
+
+struct Unref
+{
+    void operator()(sd_bus* bus) const
+    {
+        sd_bus_unref(bus);
+    }
+};
+
+/** On the thread that loaded the library this is the library's own. */
+std::unique_ptr<sd_bus, Unref> openBus()
+{
+    sd_bus* bus = nullptr;
+    const int result = sd_bus_default(&bus);
+    if (result < 0)
+    {
+        throw std::system_error(-result, std::generic_category(),
+                                "cannot connect to the bus");
+    }
+    return std::unique_ptr<sd_bus, Unref>(bus);
+}
+
+} // namespace
+
+void useBus(std::optional<Timeout> timeout)
+{
+    const auto bus = openBus();
+    if (timeout)
+    {
+        using Microseconds = std::chrono::duration<uint64_t, std::micro>;
+        const auto limit = std::chrono::duration_cast<Microseconds>(*timeout);
+        sd_bus_set_method_call_timeout(bus.get(), limit.count());
+    }
+}
+
+} // namespace morvath::tools

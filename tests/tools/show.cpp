@@ -1,0 +1,146 @@
+#include "support/machine.hpp"
+#include "support/program.hpp"
+
+#include <gtest/gtest.h>
+
+namespace morvath::tests
+{
+namespace
+{
+
+const std::string root = "/xyz/openbmc_project/inventory/system/powersupply/";
+constexpr auto service = "xyz.openbmc_project.Inventory.Manager";
+constexpr auto supply = "xyz.openbmc_project.Inventory.Item.PowerSupply";
+
+Outcome morvath(const std::string& arguments)
+{
+    return run("MORVATH", arguments);
+}
+
+Machine twoSupplies()
+{
+    return Machine()
+        .owns(root + "a", service,
+              {{supply,
+                {{"Name", text("Größe\n\x1b[31m")},
+                 {"Manufacturer", text("")},
+                 {"FirmwareVersion", text("1")}}}})
+        .owns(root + "b", service,
+              {{supply, {{"Manufacturer", text("long enough")}}}});
+}
+
+TEST(Show, AlignsColumnsToTheirContent)
+{
+    sim::Platform platform(twoSupplies().scenario());
+    const auto all = morvath("show power-supplies");
+    EXPECT_EQ(all.status, 0);
+    EXPECT_EQ(all.errors, "");
+    EXPECT_EQ(all.output,
+              "NAME         MANUFACTURER  PART NUMBER  SERIAL NUMBER  "
+              "RATING [W]  FIRMWARE\n"
+              "Größe??[31m                n/a          n/a            "
+              "800         1\n"
+              "b            long enough   n/a          n/a            "
+              "800         n/a\n");
+    EXPECT_EQ(morvath("show power-supplies --no-legend").output,
+              "Größe??[31m               n/a  n/a  800  1\n"
+              "b            long enough  n/a  n/a  800  n/a\n");
+}
+
+TEST(Show, PrintsOneJsonDocument)
+{
+    sim::Platform platform(twoSupplies().scenario());
+    const auto all = morvath("show power-supplies --json");
+    EXPECT_EQ(all.status, 0);
+    const auto expected = R"({
+        "formatVersion": 1,
+        "tables": {"power-supplies": [
+            {"name": "Größe\n\u001b[31m", "manufacturer": "",
+             "partNumber": null, "serialNumber": null,
+             "ratingWatts": "800", "firmwareVersion": "1"},
+            {"name": "b", "manufacturer": "long enough",
+             "partNumber": null, "serialNumber": null,
+             "ratingWatts": "800", "firmwareVersion": null}
+        ]},
+        "errors": []
+    })";
+    EXPECT_EQ(Json::parse(all.output), Json::parse(expected));
+}
+
+TEST(Show, TellsWhatCouldNotBeRead)
+{
+    struct
+    {
+        const char* what;
+        Machine machine;
+        const char* arguments;
+        const char* error;
+    } const cases[]{
+        {"nothing there", Machine(), "",
+         "morvath: power-supplies: the platform does not answer, or has "
+         "nothing of this kind\n"},
+        {"an object is gone",
+         twoSupplies().fault({{"path", root + "b"}}, {{"vanished", true}}), "",
+         "morvath: power-supplies: sd_bus_call: "
+         "org.freedesktop.DBus.Error.UnknownObject: "},
+        {"a service is silent",
+         twoSupplies().fault({{"member", "GetAll"}}, {{"silent", true}}),
+         "--timeout 0.05",
+         "morvath: power-supplies: sd_bus_call: "
+         "org.freedesktop.DBus.Error.Timeout: "},
+    };
+    for (const auto& one : cases)
+    {
+        sim::Platform platform(one.machine.scenario());
+        const auto json =
+            morvath(std::string("show power-supplies --json ") + one.arguments);
+        EXPECT_EQ(json.status, 1) << one.what;
+        EXPECT_TRUE(json.errors.starts_with(one.error)) << json.errors;
+        const auto document = Json::parse(json.output);
+        EXPECT_EQ(document["tables"], Json({{"power-supplies", nullptr}}));
+        EXPECT_EQ(document["errors"].at(0).at("table"), "power-supplies");
+        EXPECT_EQ(
+            morvath(std::string("show power-supplies ") + one.arguments).output,
+            "");
+    }
+}
+
+TEST(Show, NeedsABus)
+{
+    const auto none = run("env DBUS_SESSION_BUS_ADDRESS=unix:path=/none "
+                          "MORVATH",
+                          "show power-supplies");
+    EXPECT_EQ(none.status, 1);
+    EXPECT_EQ(none.errors,
+              "morvath: power-supplies: cannot connect to the bus: No such "
+              "file or directory\n");
+}
+
+TEST(Usage, IsToldOnTheRightStream)
+{
+    for (const auto* arguments : {"--help", "-h", "show -h", "--version"})
+    {
+        const auto help = morvath(arguments);
+        EXPECT_EQ(help.status, 0) << arguments;
+        EXPECT_NE(help.output, "") << arguments;
+        EXPECT_EQ(help.errors, "") << arguments;
+    }
+    for (const auto* arguments :
+         {"", "show", "show nothing", "show power-supplies --timeout 0",
+          "show power-supplies --unknown"})
+    {
+        const auto misuse = morvath(arguments);
+        EXPECT_EQ(misuse.status, 2) << arguments;
+        EXPECT_EQ(misuse.output, "") << arguments;
+        EXPECT_TRUE(misuse.errors.starts_with("morvath: ")) << misuse.errors;
+    }
+}
+
+TEST(Show, NoticesThatItsOutputIsLost)
+{
+    sim::Platform platform(twoSupplies().scenario());
+    EXPECT_EQ(morvath("show power-supplies >/dev/full").status, 1);
+}
+
+} // namespace
+} // namespace morvath::tests

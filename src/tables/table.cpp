@@ -44,11 +44,6 @@ int32_t readRows(const Table& table, RowSet& rows)
     return rows.read({table.root, table.interface, names});
 }
 
-void* allocateRecords(int32_t count, std::size_t recordSize)
-{
-    return count < 0 ? nullptr : std::calloc(count, recordSize);
-}
-
 void fillRecords(const Table& table, const RowSet& rows, void* records,
                  std::size_t recordSize, int32_t recordCount)
 {

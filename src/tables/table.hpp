@@ -2,11 +2,11 @@
 
 #include "bus/c_memory.hpp"
 #include "bus/call.hpp"
+#include "bus/records.hpp"
 #include "bus/row_set.hpp"
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <span>
 
 /*
@@ -64,9 +64,6 @@ constexpr auto finishWith = [](void* record, Row row) {
 /** Runs the table's query; the engine's code. */
 int32_t readRows(const Table& table, RowSet& rows);
 
-/** Zeroed records; null when there is no memory, or for less than none. */
-void* allocateRecords(int32_t count, std::size_t recordSize);
-
 /** Moves the rows into the first records; further records stay zero. */
 void fillRecords(const Table& table, const RowSet& rows, void* records,
                  std::size_t recordSize, int32_t recordCount);
@@ -90,16 +87,6 @@ int32_t getTable(const Table& table, Record** outArray, int32_t* outCount)
     }
     fillRecords(table, rows, *outArray, sizeof(Record), *outCount);
     return success;
-}
-
-/** Releases the texts of a record and sets them to null. */
-template <typename Record, typename... Texts>
-void releaseFields(Record* record, Texts... texts)
-{
-    if (record)
-    {
-        ((std::free(record->*texts), record->*texts = nullptr), ...);
-    }
 }
 
 } // namespace morvath

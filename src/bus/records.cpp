@@ -1,0 +1,11 @@
+#include "bus/records.hpp"
+
+namespace morvath
+{
+
+void* allocateRecords(int32_t count, std::size_t recordSize)
+{
+    return count < 0 ? nullptr : std::calloc(count, recordSize);
+}
+
+} // namespace morvath

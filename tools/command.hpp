@@ -1,0 +1,16 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+#include <functional>
+
+namespace morvath::tools
+{
+
+/** What a command does when it was chosen; whether it could do all of it. */
+using Action = std::function<bool()>;
+
+// Each adds one command to the program; the one chosen sets the action.
+void addShow(CLI::App& app, Action& chosen);
+
+} // namespace morvath::tools

@@ -103,8 +103,7 @@ Verdict FaultTable::judge(const Request& request, const Node* node)
             continue;
         }
         counted.calls++;
-        const bool isDue = when.call == 0 || when.call == counted.calls;
-        if (!isDue || verdict.effect != nullptr)
+        if (when.call != 0 && when.call != counted.calls)
         {
             continue;
         }
@@ -112,7 +111,7 @@ Verdict FaultTable::judge(const Request& request, const Node* node)
         {
             verdict.missing.add(when);
         }
-        else
+        else if (verdict.effect == nullptr)
         {
             verdict.effect = &counted.fault.then;
         }

@@ -39,7 +39,7 @@ class FaultTable
     explicit FaultTable(const std::vector<Fault>& faults);
 
     /**
-     * Missing properties add up; of the other faults the first decides.
+     * All missing properties count; of the other faults the first decides.
      * @param[in] node  the node of the path, nullptr when there is none
      */
     Verdict judge(const Request& request, const Node* node);

@@ -1,0 +1,66 @@
+#pragma once
+
+#include "sim/sd_bus.hpp"
+#include "sim/value.hpp"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace morvath::tests
+{
+
+using sim::Json;
+using sim::Value;
+
+struct Reply
+{
+    /** The error's name and text; empty after success. */
+    std::string error;
+    std::string message;
+    std::vector<Value> values;
+
+    /** The first value, or the error's name. */
+    Json shown() const;
+
+    /** The names in a dictionary, in the order of the reply. */
+    std::vector<std::string> names() const;
+};
+
+constexpr std::uint64_t patience = 20'000'000;
+
+/** A bus client of its own, the library not involved. */
+class Client
+{
+  public:
+    Client();
+
+    Reply call(const std::string& service, const std::string& path,
+               const std::string& interface, const std::string& member,
+               const std::vector<Value>& arguments = {},
+               std::uint64_t timeout = patience);
+
+    Reply get(const std::string& service, const std::string& path,
+              const std::string& interface, const std::string& name);
+    Reply getAll(const std::string& service, const std::string& path,
+                 const std::string& interface);
+    Reply set(const std::string& service, const std::string& path,
+              const std::string& interface, const std::string& name,
+              const Value& value);
+    Reply mapper(const std::string& member,
+                 const std::vector<Value>& arguments);
+
+    sd_bus* bus()
+    {
+        return bus_.get();
+    }
+
+  private:
+    sim::Bus bus_;
+};
+
+Value text(const std::string& text);
+Value number(std::int32_t number);
+Value texts(const std::vector<std::string>& texts);
+
+} // namespace morvath::tests

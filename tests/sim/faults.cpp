@@ -1,0 +1,174 @@
+#include "client.hpp"
+#include "sim/platform.hpp"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <string>
+#include <vector>
+
+namespace morvath::tests
+{
+
+namespace
+{
+
+constexpr const char* objects = R"([
+{"path": "/a", "services": [{"name": "x.S", "interfaces": {
+  "x.I": {"P": {"type": "s", "value": "one"}, "Q": {"type": "i", "value": 2},
+          "H": {"type": "i", "value": 3, "hidden": true}},
+  "x.J": {"P": {"type": "s", "value": "other"}}}}]},
+{"path": "/b", "services": [{"name": "x.S", "interfaces": {
+  "x.I": {"P": {"type": "s", "value": "b"}}}}]}])";
+
+sim::Scenario withFaults(const std::string& faults)
+{
+    return sim::Scenario::parse(R"({"format": 1, "objects": )" +
+                                    std::string(objects) + R"(, "faults": [)" +
+                                    faults + "]}",
+                                "faults");
+}
+
+using Clock = std::chrono::steady_clock;
+
+} // namespace
+
+/** What Get P, Get Q and GetAll of x.I on /a and Get P on /b answer. */
+TEST(Faults, ReachExactlyTheCallsTheyDescribe)
+{
+    struct Case
+    {
+        std::string faults;
+        std::vector<std::string> answers;
+    };
+    const std::string all = R"({"P":{"type":"s","value":"one"},)"
+                            R"("Q":{"type":"i","value":2}})";
+    const std::string onlyQ = R"({"Q":{"type":"i","value":2}})";
+    const std::string gone = "\"org.freedesktop.DBus.Error.UnknownObject\"";
+    const std::string unknown =
+        "\"org.freedesktop.DBus.Error.UnknownProperty\"";
+    const std::vector<Case> cases{
+        {R"({"when": {"path": "/none"}, "then": {"error": "x.E"}})",
+         {"\"one\"", "2", all, "\"b\""}},
+        {R"({"when": {"property": "P"}, "then": {"error": "x.E"}})",
+         {"\"x.E\"", "2", "\"x.E\"", "\"x.E\""}},
+        {R"({"when": {"path": "/a", "property": "Q", "member": "GetAll"},
+             "then": {"error": "x.E"}})",
+         {"\"one\"", "2", "\"x.E\"", "\"b\""}},
+        {R"({"when": {"property": "H"}, "then": {"error": "x.E"}})",
+         {"\"one\"", "2", all, "\"b\""}},
+        {R"({"when": {"interface": "x.J", "property": "P"},
+             "then": {"error": "x.E"}})",
+         {"\"one\"", "2", all, "\"b\""}},
+        {R"({"when": {"interface": "org.freedesktop.DBus.Properties",
+                      "property": "Q"}, "then": {"error": "x.E"}})",
+         {"\"one\"", "\"x.E\"", "\"x.E\"", "\"b\""}},
+        {R"({"when": {"path": "/a", "call": 2}, "then": {"error": "x.E"}})",
+         {"\"one\"", "\"x.E\"", all, "\"b\""}},
+        {R"({"when": {"path": "/a"}, "then": {"error": "x.First"}},
+            {"when": {}, "then": {"error": "x.Second"}})",
+         {"\"x.First\"", "\"x.First\"", "\"x.First\"", "\"x.Second\""}},
+        {R"({"when": {"path": "/a", "property": "P"},
+             "then": {"missing": true}})",
+         {unknown, "2", onlyQ, "\"b\""}},
+        {R"({"when": {"path": "/a", "property": "P"},
+             "then": {"missing": true}},
+            {"when": {"path": "/a", "property": "Q"},
+             "then": {"missing": true}})",
+         {unknown, unknown, "{}", "\"b\""}},
+        {R"({"when": {"path": "/a"}, "then": {"vanished": true}})",
+         {gone, gone, gone, "\"b\""}},
+        {R"({"when": {"path": "/b"}, "then":
+             {"reply": {"type": "v", "value": {"type": "u", "value": 9}}}})",
+         {"\"one\"", "2", all, "9"}},
+    };
+    for (const Case& c : cases)
+    {
+        const sim::Platform platform(withFaults(c.faults));
+        Client client;
+        const std::vector<std::string> answers{
+            client.get("x.S", "/a", "x.I", "P").shown().dump(),
+            client.get("x.S", "/a", "x.I", "Q").shown().dump(),
+            client.getAll("x.S", "/a", "x.I").shown().dump(),
+            client.get("x.S", "/b", "x.I", "P").shown().dump()};
+        EXPECT_EQ(answers, c.answers) << c.faults;
+    }
+}
+
+TEST(Faults, ErrorCarriesItsText)
+{
+    const sim::Platform platform(withFaults(
+        R"({"when": {}, "then": {"error": "x.E", "message": "no, thanks"}})"));
+    Client client;
+    EXPECT_EQ(client.getAll("x.S", "/a", "").message, "no, thanks");
+    EXPECT_EQ(client.mapper("GetObject", {text("/a"), texts({})}).error, "x.E");
+}
+
+TEST(Faults, EmptyReplyHasNoBody)
+{
+    const sim::Platform platform(
+        withFaults(R"({"when": {}, "then": {"reply": {"type": ""}}})"));
+    const Reply reply = Client().getAll("x.S", "/a", "");
+    EXPECT_EQ(reply.error, "");
+    EXPECT_TRUE(reply.values.empty());
+}
+
+TEST(Faults, DelayedCallIsAnsweredLate)
+{
+    const sim::Platform platform(withFaults(
+        R"({"when": {"path": "/a"}, "then": {"delayMs": 60}},
+           {"when": {"path": "/a", "property": "P"},
+            "then": {"missing": true}})"));
+    Client client;
+    const auto start = Clock::now();
+    EXPECT_EQ(client.get("x.S", "/a", "x.I", "Q").shown(), 2);
+    EXPECT_GE(Clock::now() - start, std::chrono::milliseconds(60));
+    EXPECT_EQ(client.get("x.S", "/a", "x.I", "P").shown(),
+              "org.freedesktop.DBus.Error.UnknownProperty");
+}
+
+TEST(Faults, SilentServiceNeverAnswers)
+{
+    const sim::Platform platform(
+        withFaults(R"({"when": {"path": "/a"}, "then": {"silent": true}})"));
+    Client client;
+    const Reply reply = client.call("x.S", "/a", "org.freedesktop.DBus.Peer",
+                                    "Ping", {}, 50'000);
+    EXPECT_EQ(reply.error, "org.freedesktop.DBus.Error.Timeout");
+    EXPECT_EQ(client.get("x.S", "/b", "x.I", "P").shown(), "b");
+}
+
+TEST(Faults, DeadServiceLeavesTheBus)
+{
+    const sim::Platform platform(withFaults(
+        R"({"when": {"path": "/b", "call": 2}, "then": {"die": true}})"));
+    Client client;
+    EXPECT_EQ(client.get("x.S", "/b", "x.I", "P").shown(), "b");
+    EXPECT_EQ(client.get("x.S", "/b", "x.I", "P").error,
+              "org.freedesktop.DBus.Error.NoReply");
+    EXPECT_EQ(client.get("x.S", "/a", "x.I", "P").error,
+              "org.freedesktop.DBus.Error.ServiceUnknown");
+}
+
+TEST(Faults, MapperCanBeAbsent)
+{
+    const sim::Platform platform(
+        sim::Scenario::parse(R"({"format": 1, "mapper": false, "objects": )" +
+                                 std::string(objects) + "}",
+                             "machine"));
+    Client client;
+    EXPECT_EQ(client.mapper("GetObject", {text("/a"), texts({})}).error,
+              "org.freedesktop.DBus.Error.ServiceUnknown");
+    EXPECT_EQ(client.get("x.S", "/b", "x.I", "P").shown(), "b");
+}
+
+TEST(Platform, NamesAreFreeForTheNextOne)
+{
+    for (int round = 0; round < 20; round++)
+    {
+        const sim::Platform platform(withFaults(""));
+        EXPECT_THROW(sim::Platform(withFaults("")), std::system_error);
+    }
+}
+
+} // namespace morvath::tests

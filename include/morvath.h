@@ -337,6 +337,12 @@ int32_t getSubTree(const char* root, const char* interface, SubTree* result);
 
 } // extern "C"
 
+/**
+ * The last part of a dotted enumeration value of the platform.
+ * @return what follows the last dot; "Unknown" for a text without one
+ */
+std::string getLastStr(const std::string& text);
+
 #if defined(__GNUC__)
 #pragma GCC visibility pop
 #endif

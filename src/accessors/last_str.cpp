@@ -1,0 +1,7 @@
+#include "morvath.h"
+
+std::string getLastStr(const std::string& text)
+{
+    const auto dot = text.rfind('.');
+    return dot == std::string::npos ? "Unknown" : text.substr(dot + 1);
+}

@@ -13,6 +13,7 @@ namespace
 void addEndpoint(Associations& associations, const std::string& path,
                  const std::string& name, const std::string& endpoint)
 {
+    // The names are free text, also empty for a one-way association.
     const std::string object = path + "/" + name;
     if (sd_bus_object_path_is_valid(object.c_str()) <= 0)
     {

@@ -11,6 +11,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <system_error>
@@ -80,6 +81,7 @@ int runCommand(const Scenario& scenario, const CallSink& sink,
                const std::vector<std::string>& command)
 {
     const Descriptor signals = signalDescriptor();
+    // In this order, so that names are released while there is still a bus.
     const Daemon daemon;
     const Platform platform(scenario, daemon.address(), sink);
     const ProcessOptions options{

@@ -102,6 +102,8 @@ Verdict FaultTable::judge(const Request& request, const Node* node)
         {
             continue;
         }
+        // Counted also when an earlier fault has decided already, so that the
+        // order of the faults does not shift the numbers of the calls.
         counted.calls++;
         if (when.call != 0 && when.call != counted.calls)
         {

@@ -8,6 +8,9 @@
 namespace morvath::sim
 {
 
+// sd-bus nests containers up to 128 deep; what is read here fits into that.
+constexpr std::size_t depthLimit = 100;
+
 namespace
 {
 
@@ -37,11 +40,11 @@ std::string errorText(std::string_view source, const std::string& pointer,
     return std::string(source) + ": " + pointer + ": " + message;
 }
 
-/** The parser itself silently keeps the last of two equal keys. */
-class DuplicateKeyGuard
+/** Looks for what the parser lets pass: equal keys and endless nesting. */
+class StructureGuard
 {
   public:
-    explicit DuplicateKeyGuard(std::string_view source) : source_(source) {}
+    explicit StructureGuard(std::string_view source) : source_(source) {}
 
     void see(Json::parse_event_t event, const Json& parsed)
     {
@@ -49,7 +52,7 @@ class DuplicateKeyGuard
         {
             case Json::parse_event_t::object_start:
             case Json::parse_event_t::array_start:
-                open_.emplace_back();
+                enterLevel();
                 break;
             case Json::parse_event_t::key:
                 enter(parsed.get_ref<const std::string&>());
@@ -70,6 +73,16 @@ class DuplicateKeyGuard
         std::string key;
         std::size_t elements = 0;
     };
+
+    void enterLevel()
+    {
+        open_.emplace_back();
+        if (open_.size() > depthLimit)
+        {
+            throw ScenarioError(std::string(source_) +
+                                ": the nesting is too deep");
+        }
+    }
 
     void enter(const std::string& key)
     {
@@ -152,11 +165,6 @@ JsonCursor JsonCursor::member(std::string_view key) const
     return *std::move(found);
 }
 
-JsonCursor JsonCursor::element(std::size_t index) const
-{
-    return at((*json_)[index], std::to_string(index));
-}
-
 void JsonCursor::forEachElement(
     const std::function<void(const JsonCursor&)>& action) const
 {
@@ -166,7 +174,7 @@ void JsonCursor::forEachElement(
     }
     for (std::size_t index = 0; index < json_->size(); index++)
     {
-        action(element(index));
+        action(at((*json_)[index], std::to_string(index)));
     }
 }
 
@@ -214,7 +222,7 @@ bool JsonCursor::flag() const
 
 Json parseJson(std::string_view text, std::string_view source)
 {
-    DuplicateKeyGuard guard(source);
+    StructureGuard guard(source);
     const auto watch = [&](int, Json::parse_event_t event, Json& parsed) {
         guard.see(event, parsed);
         return true;

@@ -34,8 +34,6 @@ class JsonCursor
     /** The member of an object; fails without it. */
     JsonCursor member(std::string_view key) const;
     std::optional<JsonCursor> find(std::string_view key) const;
-    JsonCursor element(std::size_t index) const;
-
     /** The same place with other contents, which must outlive the cursor. */
     JsonCursor replaced(const Json& json) const
     {
@@ -61,7 +59,7 @@ class JsonCursor
     std::string pointer_;
 };
 
-/** Parses a document; a key that stands twice in an object is an error. */
+/** Parses a document. A key may stand only once in an object. */
 Json parseJson(std::string_view text, std::string_view source);
 
 } // namespace morvath::sim

@@ -48,6 +48,7 @@ class LogFile
     {
         if (file_)
         {
+            // Flushed, so that a log can be followed and survives a kill.
             const std::string line = toJson(call).dump() + "\n";
             std::fputs(line.c_str(), file_.get());
             std::fflush(file_.get());
@@ -81,7 +82,7 @@ void addScenarioOption(CLI::App& command, Options& options)
 {
     command
         .add_option("--scenario", options.scenario,
-                    "The machine to simulate (default: a built-in server)")
+                    "The machine (default: a built-in server)")
         ->type_name("FILE");
 }
 
@@ -104,7 +105,10 @@ int checkScenario(const Options& options)
     return EXIT_SUCCESS;
 }
 
-/** Runs one of the two commands that serve, with its log. */
+/**
+ * Runs one of the two commands that serve, with its log. A lost log fails the
+ * run but does not hide how the command itself failed.
+ */
 template <typename Serving>
 int withLog(const Options& options, const Serving& serving)
 {
@@ -135,35 +139,52 @@ int serveHere(const Options& options)
     });
 }
 
-/** Describes the command line; returns the chosen command's function. */
-int parseAndExecute(int argc, char** argv)
+using Action = int (*)(const Options&);
+
+void addRun(CLI::App& app, Options& options, Action& chosen)
 {
-    Options options;
-    CLI::App app("Simulates the services of a managed server on a bus",
-                 "morvath-sim");
-    app.require_subcommand(1);
-
-    CLI::App* runIt = app.add_subcommand(
-        "run", "Run a command on a private bus with a simulated platform");
-    addScenarioOption(*runIt, options);
-    addLogOption(*runIt, options);
-    runIt->add_option("command", options.command, "The command, after --")
-        ->type_name("COMMAND...")
+    CLI::App* command =
+        app.add_subcommand("run", "Run a command with a simulated platform");
+    addScenarioOption(*command, options);
+    addLogOption(*command, options);
+    command->add_option("command", options.command, "The command, after --")
+        ->type_name("")
         ->required();
+    command->callback([&] { chosen = run; });
+}
 
-    CLI::App* serveIt =
+void addServe(CLI::App& app, Options& options, Action& chosen)
+{
+    CLI::App* command =
         app.add_subcommand("serve", "Serve on a bus that is already there");
-    addScenarioOption(*serveIt, options);
-    addLogOption(*serveIt, options);
-    serveIt
+    addScenarioOption(*command, options);
+    addLogOption(*command, options);
+    command
         ->add_option("--address", options.address,
                      "The bus (default: the one of the environment)")
         ->type_name("ADDRESS");
+    command->callback([&] { chosen = serveHere; });
+}
 
-    CLI::App* checkIt =
+void addCheck(CLI::App& app, Options& options, Action& chosen)
+{
+    CLI::App* command =
         app.add_subcommand("scenario", "Check a scenario and sum it up");
-    addScenarioOption(*checkIt, options);
+    addScenarioOption(*command, options);
+    command->callback([&] { chosen = checkScenario; });
+}
 
+int parseAndExecute(int argc, char** argv)
+{
+    Options options;
+    Action chosen = nullptr;
+    CLI::App app("Simulates the services of a managed server on a bus",
+                 "morvath-sim");
+    app.set_version_flag("--version", "morvath-sim " MORVATH_VERSION);
+    app.require_subcommand(1);
+    addRun(app, options, chosen);
+    addServe(app, options, chosen);
+    addCheck(app, options, chosen);
     try
     {
         app.parse(argc, argv);
@@ -172,11 +193,7 @@ int parseAndExecute(int argc, char** argv)
     {
         return app.exit(error) == 0 ? EXIT_SUCCESS : statusUsage;
     }
-    if (runIt->parsed())
-    {
-        return run(options);
-    }
-    return serveIt->parsed() ? serveHere(options) : checkScenario(options);
+    return chosen(options);
 }
 
 } // namespace

@@ -104,6 +104,8 @@ struct Query
 Query subTree(const Request& request, const MapperIndex& index)
 {
     request.expectArguments("sias");
+    // The root is a text, not a path: one slash too many is forgiven, and what
+    // no path could be is just not found.
     std::string_view root = request.text(0);
     if (root.size() > 1 && root.ends_with('/'))
     {
@@ -163,6 +165,8 @@ void Mapper::update(const std::vector<std::unique_ptr<Service>>& services)
         own.add(path, {{associationInterface,
                         {{"endpoints", {"as", std::move(texts)}, true}}}});
     }
+    // The mapper looks at itself as well; that makes it an owner of every
+    // object that has associations below it.
     index.add(name(), own);
     objects() = std::move(own);
     index_ = std::move(index);

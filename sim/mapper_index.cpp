@@ -1,5 +1,7 @@
 #include "sim/mapper_index.hpp"
 
+#include "sim/request.hpp"
+
 #include <algorithm>
 
 namespace morvath::sim
@@ -10,9 +12,8 @@ namespace
 
 MapperIndex::InterfaceNames interfaceNames(const Node& node)
 {
-    MapperIndex::InterfaceNames names{"org.freedesktop.DBus.Introspectable",
-                                      "org.freedesktop.DBus.Peer",
-                                      "org.freedesktop.DBus.Properties"};
+    MapperIndex::InterfaceNames names(standardInterfaces.begin(),
+                                      standardInterfaces.end());
     for (const Interface& interface : node.interfaces)
     {
         names.push_back(interface.name);
@@ -50,6 +51,8 @@ const MapperIndex::Owners* MapperIndex::find(std::string_view path) const
 std::vector<const MapperIndex::Entry*>
 MapperIndex::below(std::string_view root, std::int32_t depth) const
 {
+    // Every character of a path sorts after the slash, so a subtree is one
+    // run of entries, and a name that only begins alike is no part of it.
     const std::string prefix = root == "/" ? "/" : std::string(root) + "/";
     std::vector<const Entry*> found;
     for (auto entry = entries_.lower_bound(prefix);

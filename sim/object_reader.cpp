@@ -1,6 +1,7 @@
 #include "sim/object_reader.hpp"
 
 #include "sim/names.hpp"
+#include "sim/request.hpp"
 #include "sim/value_reader.hpp"
 
 #include <algorithm>
@@ -49,7 +50,8 @@ Property propertyFromJson(const std::string& name, const JsonCursor& json)
 
 Interface interfaceFromJson(const std::string& name, const JsonCursor& json)
 {
-    if (name.starts_with("org.freedesktop.DBus."))
+    if (std::find(standardInterfaces.begin(), standardInterfaces.end(), name) !=
+        standardInterfaces.end())
     {
         json.fail("every object has the standard interfaces by itself");
     }

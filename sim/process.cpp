@@ -69,10 +69,12 @@ void redirect(int from, int to)
                                 int errorPipe)
 {
     prctl(PR_SET_PDEATHSIG, options.deathSignal);
+    // Too late for the signal when the parent has ended already.
     if (getppid() != parent)
     {
         _exit(EXIT_FAILURE);
     }
+    // The parent's mask would be inherited and keep the program from ending.
     sigset_t none;
     sigemptyset(&none);
     sigprocmask(SIG_SETMASK, &none, nullptr);

@@ -1,7 +1,6 @@
 #include "sim/properties.hpp"
 
 #include <algorithm>
-#include <array>
 #include <string>
 
 namespace morvath::sim
@@ -9,8 +8,6 @@ namespace morvath::sim
 
 constexpr const char* invalidEnumeration =
     "xyz.openbmc_project.sdbusplus.Error.InvalidEnumString";
-constexpr std::array standardInterfaces{propertiesInterface,
-                                        introspectableInterface, peerInterface};
 
 namespace
 {
@@ -59,6 +56,7 @@ void checkInterface(std::string_view name, const Node& node)
     const bool isStandard =
         std::find(standardInterfaces.begin(), standardInterfaces.end(), name) !=
         standardInterfaces.end();
+    // sd-bus knows the standard interfaces too, just without properties.
     if (!name.empty() && !isStandard && node.interface(name) == nullptr)
     {
         throw BusError(SD_BUS_ERROR_UNKNOWN_INTERFACE,

@@ -2,7 +2,7 @@
 
 #include "sim/value.hpp"
 
-#include <initializer_list>
+#include <array>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -16,6 +16,10 @@ constexpr std::string_view propertiesInterface =
 constexpr std::string_view introspectableInterface =
     "org.freedesktop.DBus.Introspectable";
 constexpr std::string_view peerInterface = "org.freedesktop.DBus.Peer";
+
+/** What every object has without saying so. */
+inline constexpr std::array standardInterfaces{
+    introspectableInterface, peerInterface, propertiesInterface};
 
 /** A method call, taken apart once. The texts live in the message. */
 struct Request

@@ -72,6 +72,8 @@ class ScenarioReader
         return readFile(file);
     }
 
+    // Faults and the mapper are not inherited: a variant of a machine says
+    // itself what is wrong with it.
     static void readOwn(const JsonCursor& root, Scenario& scenario)
     {
         const auto description = root.find("description");
@@ -122,6 +124,7 @@ class ScenarioReader
                 objects.push_back(objectFromJson(entry));
             }
         });
+        // Last, because removing shifts the places.
         std::erase_if(objects, [&](const Object& object) {
             return removed.contains(object.path);
         });

@@ -13,6 +13,8 @@
 namespace morvath::sim
 {
 
+constexpr const char* connecting = "connecting to the bus";
+
 namespace
 {
 
@@ -21,14 +23,14 @@ Bus connect(const std::string& address)
     sd_bus* bus = nullptr;
     if (address.empty())
     {
-        check(sd_bus_open(&bus), "sd_bus_open");
+        check(sd_bus_open(&bus), connecting);
         return Bus(bus);
     }
     check(sd_bus_new(&bus), "sd_bus_new");
     Bus owned(bus);
     check(sd_bus_set_address(bus, address.c_str()), "sd_bus_set_address");
     check(sd_bus_set_bus_client(bus, true), "sd_bus_set_bus_client");
-    check(sd_bus_start(bus), "sd_bus_start");
+    check(sd_bus_start(bus), connecting);
     return owned;
 }
 
@@ -79,11 +81,14 @@ Service::~Service()
 void Service::start()
 {
     bus_ = connect(surroundings_.busAddress);
+    // The end of the loop must leave the connection to the destructor.
     check(sd_bus_set_close_on_exit(bus_.get(), false),
           "sd_bus_set_close_on_exit");
+    // A filter with tables of our own: thousands of registered objects would
+    // take sd-bus long to set up and could not be changed by a fault.
     check(sd_bus_add_filter(bus_.get(), nullptr, onMessage, this),
           "sd_bus_add_filter");
-    const std::string operation = "taking the name " + name_;
+    const std::string operation = "taking the bus name " + name_;
     check(sd_bus_request_name(bus_.get(), name_.c_str(), 0), operation.c_str());
     check(sd_bus_attach_event(bus_.get(), surroundings_.event,
                               SD_EVENT_PRIORITY_NORMAL),
@@ -93,6 +98,7 @@ void Service::start()
 void Service::change(std::string_view path, std::string_view interface,
                      Property& property, const Value& value)
 {
+    // Generated bindings say nothing about a value that stays as it is.
     if (property.value == value)
     {
         return;
@@ -301,6 +307,7 @@ int Service::onTimer(sd_event_source*, std::uint64_t, void* delayed) noexcept
     const std::lock_guard lock(service.surroundings_.mutex);
     try
     {
+        // The arguments have been read once, for the log.
         check(sd_bus_message_rewind(call.message.get(), true),
               "sd_bus_message_rewind");
         const Request request(call.message.get(), service.name_);
@@ -318,11 +325,9 @@ int Service::onTimer(sd_event_source*, std::uint64_t, void* delayed) noexcept
 void Service::die()
 {
     delayed_.clear();
-    // The filter that runs now belongs to the connection, so the connection
-    // is closed here but released with the message.
-    sd_bus_flush(bus_.get());
-    sd_bus_close(bus_.get());
-    bus_.reset();
+    // Without the service the mapper must not list its objects, not even to
+    // a caller who asks as soon as the bus has noticed.
+    Bus dying = std::move(bus_);
     surroundings_.objectsChanged();
 }
 

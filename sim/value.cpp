@@ -126,6 +126,7 @@ Json containerToJson(const Value& value)
     {
         return {{"type", members[0].signature}, {"value", toJson(members[0])}};
     }
+    // Other keys cannot be names in JSON; such a dictionary becomes a list.
     const bool textKeys = value.signature.starts_with("a{s") ||
                           value.signature.starts_with("a{o") ||
                           value.signature.starts_with("a{g");

@@ -95,6 +95,7 @@ TEST(Scenario, BadInputIsRefusedWithItsPlace)
         {R"({"format": 1, "fault": []})",
          "file: /fault: the key is unknown here"},
         {R"([])", "file: /: must be an object"},
+        {std::string(200, '['), "file: the nesting is too deep"},
         {R"({"format": 1, "mapper": 0})",
          "file: /mapper: must be true or false"},
         {R"({"format": 1, "objects": {}})", "file: /objects: must be an array"},
@@ -169,6 +170,12 @@ TEST(Scenario, StandardMachineIsComplete)
     EXPECT_EQ(scenario.services().size(), 18U);
     EXPECT_TRUE(scenario.hasMapper());
     EXPECT_TRUE(scenario.faults().empty());
+    const Scenario smaller = Scenario::parse(
+        R"({"format": 1, "extends": "default", "objects": [
+            {"path": "/xyz/openbmc_project/time/bmc", "remove": true}]})",
+        "smaller");
+    EXPECT_EQ(smaller.objects().size(), 126U);
+    EXPECT_EQ(smaller.services().size(), 17U);
 }
 
 TEST(Scenario, ExtensionReplacesAddsAndRemoves)

@@ -41,7 +41,7 @@ const char* readFirstOwner(ReplyReader& reader)
     return service;
 }
 
-std::vector<MappedObject> readObjects(const sdbusplus::message_t& reply)
+std::vector<MappedObject> readObjects(sdbusplus::message_t& reply)
 {
     std::vector<MappedObject> objects;
     ReplyReader reader(reply);

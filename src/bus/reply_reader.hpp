@@ -35,9 +35,7 @@ struct BasicValue
 class ReplyReader
 {
   public:
-    explicit ReplyReader(const sdbusplus::message_t& reply) :
-        message(reply.get())
-    {}
+    explicit ReplyReader(sdbusplus::message_t& reply) : message(reply.get()) {}
 
     void enter(char type, const char* contents);
     void leave();

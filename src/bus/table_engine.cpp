@@ -24,7 +24,7 @@ sdbusplus::message_t getAll(const MappedObject& object)
 
 char** readRow(const PropertyMap& properties, const MappedObject& object)
 {
-    const auto reply = getAll(object);
+    auto reply = getAll(object);
     return properties.readRow(ReplyReader(reply), object.path).release();
 }
 

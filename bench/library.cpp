@@ -1,0 +1,26 @@
+#include "client.hpp"
+#include "morvath.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace morvath::bench
+{
+
+Rows readWithLibrary()
+{
+    char*** table = nullptr;
+    int32_t count = 0;
+    getDbusTableData(root, interface, columns.data(), columns.size(), &table,
+                     &count);
+    Rows rows(count);
+    for (int32_t index = 0; index < count; ++index)
+    {
+        std::copy_n(table[index], columns.size(), rows[index].begin());
+        std::free(table[index]);
+    }
+    std::free(table);
+    return rows;
+}
+
+} // namespace morvath::bench

@@ -26,16 +26,16 @@ const char* readFirstOwner(ReplyReader& reader)
 {
     const char* service = "";
     reader.enter('a', "{sas}");
-    if (!reader.atEnd())
+    if (reader.enter('e', "sas"))
     {
-        reader.enter('e', "sas");
         service = reader.text();
         reader.skip("as");
         reader.leave();
     }
-    while (!reader.atEnd())
+    while (reader.enter('e', "sas"))
     {
-        reader.skip("{sas}");
+        reader.skip("sas");
+        reader.leave();
     }
     reader.leave();
     return service;
@@ -46,9 +46,8 @@ std::vector<MappedObject> readObjects(sdbusplus::message_t& reply)
     std::vector<MappedObject> objects;
     ReplyReader reader(reply);
     reader.enter('a', "{sa{sas}}");
-    while (!reader.atEnd())
+    while (reader.enter('e', "sa{sas}"))
     {
-        reader.enter('e', "sa{sas}");
         const char* path = reader.text();
         objects.push_back({path, readFirstOwner(reader)});
         reader.leave();

@@ -51,7 +51,7 @@ PropertyMap::PropertyMap(std::span<const char* const> requested) :
     std::ranges::sort(entries, isLess, &Entry::name);
 }
 
-TextArray PropertyMap::readRow(ReplyReader reply, const char* path) const
+TextArray PropertyMap::readRow(ReplyReader reply, const char* path)
 {
     TextArray row(names.size());
     readProperties(reply, row);
@@ -65,12 +65,11 @@ TextArray PropertyMap::readRow(ReplyReader reply, const char* path) const
     return row;
 }
 
-void PropertyMap::readProperties(ReplyReader& reply, TextArray& row) const
+void PropertyMap::readProperties(ReplyReader& reply, TextArray& row)
 {
     reply.enter('a', "{sv}");
-    while (!reply.atEnd())
+    while (reply.enter('e', "sv"))
     {
-        reply.enter('e', "sv");
         const auto columns = columnsOf(reply.text());
         if (columns.empty())
         {
@@ -79,7 +78,7 @@ void PropertyMap::readProperties(ReplyReader& reply, TextArray& row) const
         else
         {
             // Of a name that two interfaces share the last value stays.
-            const auto value = reply.variant();
+            const auto value = reply.variant(columns.front().type);
             for (const auto& entry : columns)
             {
                 row.set(entry.column, renderPropertyValue(value));
@@ -90,8 +89,7 @@ void PropertyMap::readProperties(ReplyReader& reply, TextArray& row) const
     reply.leave();
 }
 
-std::span<const PropertyMap::Entry>
-PropertyMap::columnsOf(const char* name) const
+std::span<PropertyMap::Entry> PropertyMap::columnsOf(const char* name)
 {
     const auto first =
         std::ranges::lower_bound(entries, name, isLess, &Entry::name);

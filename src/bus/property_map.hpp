@@ -21,17 +21,19 @@ class PropertyMap
     explicit PropertyMap(std::span<const char* const> names);
 
     /** The row of the object at path, from the reply of "GetAll". */
-    TextArray readRow(ReplyReader reply, const char* path) const;
+    TextArray readRow(ReplyReader reply, const char* path);
 
   private:
     struct Entry
     {
         const char* name;
         std::size_t column;
+        /** What the object before this one had. */
+        char type = BasicValue::other;
     };
 
-    void readProperties(ReplyReader& reply, TextArray& row) const;
-    std::span<const Entry> columnsOf(const char* name) const;
+    void readProperties(ReplyReader& reply, TextArray& row);
+    std::span<Entry> columnsOf(const char* name);
 
     std::span<const char* const> names;
     /** In byte order of the names; a name asked for twice has two entries. */

@@ -20,30 +20,26 @@ int checked(int result, const char* function)
     return result;
 }
 
-bool isRead(const char* signature)
+/** The one type in a variant, or other when it is not a basic one. */
+char basicType(const char* contents)
 {
-    return signature[0] != '\0' && signature[1] == '\0' &&
-           std::strchr("sxtdiuqyb", signature[0]);
+    const bool isBasic = contents[0] != '\0' && contents[1] == '\0' &&
+                         std::strchr("sxtdiuqyb", contents[0]);
+    return isBasic ? contents[0] : BasicValue::other;
 }
 
 } // namespace
 
-void ReplyReader::enter(char type, const char* contents)
+bool ReplyReader::enter(char type, const char* contents)
 {
-    checked(sd_bus_message_enter_container(message, type, contents),
-            "sd_bus_message_enter_container");
+    return checked(sd_bus_message_enter_container(message, type, contents),
+                   "sd_bus_message_enter_container") != 0;
 }
 
 void ReplyReader::leave()
 {
     checked(sd_bus_message_exit_container(message),
             "sd_bus_message_exit_container");
-}
-
-bool ReplyReader::atEnd()
-{
-    return checked(sd_bus_message_at_end(message, false),
-                   "sd_bus_message_at_end") != 0;
 }
 
 void ReplyReader::skip(const char* types)
@@ -59,23 +55,40 @@ const char* ReplyReader::text()
     return value;
 }
 
-BasicValue ReplyReader::variant()
+BasicValue ReplyReader::variant(char& expected)
 {
     BasicValue value{};
-    const char* contents = nullptr;
-    checked(sd_bus_message_peek_type(message, nullptr, &contents),
-            "sd_bus_message_peek_type");
-    if (!isRead(contents))
+    expected = value.type = enterVariant(expected);
+    if (value.type == BasicValue::other)
     {
         skip("v");
         return value;
     }
-    enter(SD_BUS_TYPE_VARIANT, contents);
-    value.type = contents[0];
     checked(sd_bus_message_read_basic(message, value.type, &value.text),
             "sd_bus_message_read_basic");
     leave();
     return value;
+}
+
+char ReplyReader::enterVariant(char expected)
+{
+    const char guess[]{expected, '\0'};
+    // The objects of a table nearly always have the same types, and entering
+    // costs no more than asking.
+    if (expected != BasicValue::other &&
+        sd_bus_message_enter_container(message, SD_BUS_TYPE_VARIANT, guess) > 0)
+    {
+        return expected;
+    }
+    const char* contents = "";
+    checked(sd_bus_message_peek_type(message, nullptr, &contents),
+            "sd_bus_message_peek_type");
+    const char type = basicType(contents);
+    if (type != BasicValue::other)
+    {
+        enter(SD_BUS_TYPE_VARIANT, contents);
+    }
+    return type;
 }
 
 } // namespace morvath

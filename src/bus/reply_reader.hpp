@@ -37,18 +37,24 @@ class ReplyReader
   public:
     explicit ReplyReader(sdbusplus::message_t& reply) : message(reply.get()) {}
 
-    void enter(char type, const char* contents);
+    /** Whether there was one; not so at the end of an array. */
+    bool enter(char type, const char* contents);
     void leave();
-    bool atEnd();
     void skip(const char* types);
 
     /** Valid as long as the reply. */
     const char* text();
 
-    /** The value in a variant; skipped when it is not a basic one. */
-    BasicValue variant();
+    /**
+     * The value in a variant; skipped when it is not a basic one.
+     * @param[in,out] expected  the type that is tried first; becomes the one
+     *                          that was found
+     */
+    BasicValue variant(char& expected);
 
   private:
+    char enterVariant(char expected);
+
     sd_bus_message* message;
 };
 

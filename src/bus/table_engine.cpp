@@ -22,7 +22,7 @@ sdbusplus::message_t getAll(const MappedObject& object)
     return processBus.call(request);
 }
 
-char** readRow(const PropertyMap& properties, const MappedObject& object)
+char** readRow(PropertyMap& properties, const MappedObject& object)
 {
     auto reply = getAll(object);
     return properties.readRow(ReplyReader(reply), object.path).release();
@@ -45,7 +45,7 @@ int32_t getDbusTableData(const char* rootPath, const char* interfaceName,
     }
 
     const std::size_t columns = std::max(propertyCount, int32_t{0});
-    const PropertyMap properties({propertyNames, columns});
+    PropertyMap properties({propertyNames, columns});
 
     // Stored before the first row and counted row by row: what was read stays
     // with the caller when a later object fails.

@@ -34,6 +34,8 @@ class TextArray
 {
   public:
     explicit TextArray(std::size_t size);
+    /** Takes over what an export stored. */
+    TextArray(char** texts, std::size_t size) : texts(texts), count(size) {}
     TextArray(TextArray&& other) noexcept :
         texts(std::exchange(other.texts, nullptr)),
         count(other.count)

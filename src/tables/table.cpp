@@ -6,25 +6,6 @@
 
 namespace morvath
 {
-namespace
-{
-
-void fillRecord(const Table& table, Row row, void* record)
-{
-    for (std::size_t index = 0; index < table.columns.size(); ++index)
-    {
-        if (const auto store = table.columns[index].store)
-        {
-            store(record, row.take(index));
-        }
-    }
-    if (table.finish)
-    {
-        table.finish(record, row);
-    }
-}
-
-} // namespace
 
 void store(char*& field, CText cell)
 {
@@ -42,6 +23,21 @@ int32_t readRows(const Table& table, RowSet& rows)
     std::vector<const char*> names(table.columns.size());
     std::ranges::transform(table.columns, names.begin(), &Column::property);
     return rows.read({table.root, table.interface, names});
+}
+
+void fillRecord(const Table& table, Row row, void* record)
+{
+    for (std::size_t index = 0; index < table.columns.size(); ++index)
+    {
+        if (const auto store = table.columns[index].store)
+        {
+            store(record, row.take(index));
+        }
+    }
+    if (table.finish)
+    {
+        table.finish(record, row);
+    }
 }
 
 void fillRecords(const Table& table, const RowSet& rows, void* records,

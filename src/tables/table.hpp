@@ -22,7 +22,7 @@ struct Column
 {
     const char* property;
     /** Null for a cell that is left to the table's finish. */
-    void (*store)(void* record, CText cell);
+    void (*store)(void* record, CText cell) = nullptr;
 };
 
 struct Table
@@ -31,7 +31,7 @@ struct Table
     const char* interface;
     std::span<const Column> columns;
     /** Null, or what is done to a record when its cells are stored. */
-    void (*finish)(void* record, Row row);
+    void (*finish)(void* record, Row row) = nullptr;
 };
 
 // Conversions of a cell into the field of a record. One that raises leaves the
@@ -42,13 +42,18 @@ void store(int32_t& field, CText cell);
 template <typename Record, typename Field>
 Record recordOf(Field Record::*);
 
-/** A column whose cell goes into the field, converted by its type. */
-template <auto Field>
+/** The conversion that the type of the field asks for. */
+constexpr auto byType = [](auto& field, CText cell) {
+    store(field, std::move(cell));
+};
+
+/** A column whose cell goes into the field, through a conversion. */
+template <auto Field, auto Convert = byType>
 constexpr Column column(const char* property)
 {
     using Record = decltype(recordOf(Field));
     return {property, [](void* record, CText cell) {
-                store(static_cast<Record*>(record)->*Field, std::move(cell));
+                Convert(static_cast<Record*>(record)->*Field, std::move(cell));
             }};
 }
 
@@ -63,6 +68,9 @@ constexpr auto finishWith = [](void* record, Row row) {
 
 /** Runs the table's query; the engine's code. */
 int32_t readRows(const Table& table, RowSet& rows);
+
+/** Moves one row into a record. */
+void fillRecord(const Table& table, Row row, void* record);
 
 /** Moves the rows into the first records; further records stay zero. */
 void fillRecords(const Table& table, const RowSet& rows, void* records,

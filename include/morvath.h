@@ -261,6 +261,376 @@ int32_t getPsuTableInfo(PsuInfoEntry **outArray, int32_t *outCount);
 /** Releases the texts of one record and sets them to NULL. */
 void freePsuInfoEntry(PsuInfoEntry *one);
 
+/*
+ * PCIe slots
+ */
+
+/** A PCIe slot. Texts are the record's and may be NULL. */
+typedef struct PcieInfoEntry
+{
+    int32_t id;         /**< always 0 */
+    char *name;         /**< name of the slot for people */
+    char *manufacturer; /**< maker of the card; often "" without one */
+    char *locationCode; /**< where the slot is on the board */
+    int32_t present;    /**< 1 with a card in it, 0 without */
+    int32_t reserved1;  /**< always 0 */
+    int32_t reserved2;  /**< always 0 */
+} PcieInfoEntry;
+
+/**
+ * Reads all PCIe slots of the platform, empty ones too. A platform without
+ * slots gives an empty table.
+ * @param[out] outArray  the records
+ * @param[out] outCount  the number of records is added
+ * @return 0, -1 or -2
+ * @throws SdBusError when a slot could not be read; see also "Exceptions" for
+ *         a presence that is missing or no number
+ */
+int32_t getPcieTableInfo(PcieInfoEntry **outArray, int32_t *outCount);
+
+/** Releases the texts of one record and sets them to NULL. */
+void freePcieInfoEntry(PcieInfoEntry *one);
+
+/*
+ * Network adapters
+ */
+
+/** A network adapter of the host. Texts are the record's and may be NULL. */
+typedef struct NetAdapterInfoEntry
+{
+    int32_t id;         /**< always 0 */
+    char *name;         /**< name, or last segment of the object's path */
+    char *manufacturer; /**< maker */
+    char *model;        /**< maker's model */
+    char *subModel;     /**< variant of the model */
+    char *networkTech;  /**< kind of network, such as "Ethernet" */
+    int32_t portNum;    /**< number of ports */
+    int32_t reserved1;  /**< always 0 */
+    int32_t reserved2;  /**< always 0 */
+} NetAdapterInfoEntry;
+
+/**
+ * Reads all network adapters, those below
+ * /xyz/openbmc_project/inventory/system/chassis/motherboard.
+ * @param[out] outArray  the records
+ * @param[out] outCount  the number of records is added
+ * @return 0, -1 or -2
+ * @throws SdBusError when an adapter could not be read; see also "Exceptions"
+ *         for a number of ports that is missing or no number
+ */
+int32_t getNetAdapterTableInfo(NetAdapterInfoEntry **outArray,
+                               int32_t *outCount);
+
+/** Releases the texts of one record and sets them to NULL. */
+void free_adapter_entry_content(NetAdapterInfoEntry *one);
+
+/*
+ * GPUs
+ */
+
+/**
+ * A graphics processor. Texts are the record's and may be NULL; numbers are as
+ * the platform publishes them.
+ */
+typedef struct GpuInfoEntry
+{
+    int32_t id;           /**< always 0 */
+    char *cardName;       /**< name of the card; not taken from the path */
+    char *manufacturer;   /**< maker */
+    char *partNumber;     /**< maker's part number */
+    char *serialNumber;   /**< maker's serial number */
+    int32_t totalMemory;  /**< size of the memory, usually in MiB */
+    int32_t temperature;  /**< temperature, usually in degrees Celsius */
+    int32_t fanLevel;     /**< fan speed, usually in percent */
+    int32_t currentPower; /**< power drawn, usually in watts */
+    int32_t reserved1;    /**< always 0 */
+    int32_t reserved2;    /**< always 0 */
+} GpuInfoEntry;
+
+/**
+ * Reads all GPUs, those below
+ * /xyz/openbmc_project/inventory/system/chassis/motherboard.
+ * @param[out] outArray  the records
+ * @param[out] outCount  the number of records is added
+ * @return 0, -1 or -2
+ * @throws SdBusError when a GPU could not be read; see also "Exceptions" for
+ *         numbers that are missing or none
+ */
+int32_t getGpuInfoEntry(GpuInfoEntry **outArray, int32_t *outCount);
+
+/** Releases the texts of one record and sets them to NULL. */
+void freeGpuInfoEntry(GpuInfoEntry *one);
+
+/*
+ * Memory modules
+ */
+
+/**
+ * A memory module or its empty socket. Texts are the record's; those marked
+ * "word" are the short words of the platform's enumerations, as getLastStr()
+ * gives them, and never NULL. The others may be NULL.
+ */
+typedef struct MemInfoEntry
+{
+    int32_t id;          /**< always 0 */
+    char *name;          /**< name, or last segment of the object's path */
+    char *manufacturer;  /**< maker */
+    char *partNumber;    /**< maker's part number */
+    char *serialNumber;  /**< maker's serial number */
+    char *memoryType;    /**< word: such as "DDR5" */
+    char *formFactor;    /**< word: such as "RDIMM" */
+    char *bankLocator;   /**< name of the bank; many platforms have none */
+    char *deviceLocator; /**< name of the socket */
+    char *ecc;           /**< word: kind of error correction */
+    int32_t maxSpeedMhz; /**< highest speed in MHz */
+    int32_t sizeKB;      /**< size in KiB; 2 TiB and more do not fit and raise
+                              std::out_of_range */
+    int32_t dataWidth;   /**< width in bits, without error correction */
+    int32_t present;     /**< 1 for a module, 0 for an empty socket */
+    int32_t reserved1;   /**< always 0 */
+    int32_t reserved2;   /**< always 0 */
+} MemInfoEntry;
+
+/**
+ * Reads all memory modules of the platform. An empty socket has a record,
+ * usually with empty texts and zeros. A platform without memory modules gives
+ * an empty table.
+ * @param[out] outArray  the records
+ * @param[out] outCount  the number of records is added
+ * @return 0, -1 or -2
+ * @throws SdBusError when a module could not be read; see also "Exceptions"
+ *         for words and numbers that are missing, and numbers that are none
+ */
+int32_t getMemoryTableInfo(MemInfoEntry **outArray, int32_t *outCount);
+
+/** Releases the texts of one record and sets them to NULL. */
+void freeMemInfoEntry(MemInfoEntry *one);
+
+/*
+ * Processors
+ */
+
+/**
+ * A processor or its empty socket. Texts are the record's; all but the name
+ * may be NULL.
+ */
+typedef struct CpuInfoEntry
+{
+    int32_t id;            /**< always 0 */
+    char *name;            /**< "CPU" and the location code, such as "CPU0";
+                                where that is the name of the socket as well
+                                it reads like "CPUCPU 1" */
+    char *manufacturer;    /**< maker */
+    char *version;         /**< maker's full name of the processor */
+    char *partNumber;      /**< maker's part number */
+    char *serialNumber;    /**< maker's serial number */
+    char *architecture;    /**< instruction set, as the platform has it */
+    int32_t curSpeedMhz;   /**< present speed in MHz */
+    int32_t maxSpeedMhz;   /**< highest speed in MHz */
+    int32_t coreCount;     /**< number of cores */
+    int32_t threadCount;   /**< number of threads */
+    int32_t l1CacheKiB;    /**< level 1 cache in KiB */
+    int32_t l1CacheKiBAlt; /**< the same as l1CacheKiB */
+    int32_t l2CacheKiB;    /**< level 2 cache in KiB */
+    int32_t l3CacheKiB;    /**< level 3 cache in KiB */
+    int32_t present;       /**< 1 for a processor, 0 for an empty socket */
+    int32_t reserved1;     /**< always 0 */
+    int32_t reserved2;     /**< always 0 */
+} CpuInfoEntry;
+
+/**
+ * Reads all processors of the platform. A platform that publishes none gives
+ * an empty table.
+ * @param[out] outArray  the records
+ * @param[out] outCount  the number of records is added
+ * @return 0, -1 or -2
+ * @throws SdBusError when a processor could not be read; see also "Exceptions"
+ *         for a location code or numbers that are missing, and numbers that
+ *         are none
+ */
+int32_t getCpuTableInfo(CpuInfoEntry **outArray, int32_t *outCount);
+
+/** Releases the texts of one record and sets them to NULL. */
+void freeCpuInfoEntry(CpuInfoEntry *one);
+
+/*
+ * Sensors
+ */
+
+/**
+ * A sensor. Texts are the record's. Readings and limits are texts with two
+ * decimals in the sensor's unit, and NULL when the sensor lacks them. "nan" is
+ * a reading that is not available, or a limit that is not configured in this
+ * direction; "inf" and "-inf" are ends of a range that nobody configured.
+ * Critical and warning limits are "-" both, with alarms 0, for a sensor
+ * without limits of this kind.
+ */
+typedef struct BmcSensorEntry
+{
+    int32_t id;                /**< always 0 */
+    char *name;                /**< name, or last segment of the object's path;
+                                    "" for a path segment such as "_Temp" */
+    char *value;               /**< reading */
+    int32_t criticalAlarmHigh; /**< 1 while beyond criticalHigh */
+    int32_t criticalAlarmLow;  /**< 1 while beyond criticalLow */
+    char *criticalHigh;        /**< upper critical limit */
+    char *criticalLow;         /**< lower critical limit */
+    int32_t warningAlarmHigh;  /**< 1 while beyond warningHigh */
+    int32_t warningAlarmLow;   /**< 1 while beyond warningLow */
+    char *warningHigh;         /**< upper warning limit */
+    char *warningLow;          /**< lower warning limit */
+    char *minValue;            /**< lowest reading that is possible */
+    char *maxValue;            /**< highest reading that is possible */
+    char *unit;                /**< short word such as "DegreesC", "unknown"
+                                    for a unit without a dot; never NULL */
+    int32_t reserved1;         /**< always 0 */
+    int32_t reserved2;         /**< always 0 */
+} BmcSensorEntry;
+
+/**
+ * Reads the sensors of any class: all objects below root that have the
+ * interface. The records do not tell the class.
+ * @param[out] outArray  the records
+ * @param[out] outCount  the number of records is added
+ * @param root           such as /xyz/openbmc_project/sensors/airflow
+ * @param interface      such as xyz.openbmc_project.Sensor.Value
+ * @return 0, -1 or -2
+ * @throws SdBusError when a sensor could not be read; see also "Exceptions"
+ *         for a unit or the second alarm of a kind that is missing, and alarms
+ *         that are no numbers
+ */
+int32_t getCommonSensorTableInfo(BmcSensorEntry **outArray, int32_t *outCount,
+                                 const char *root, const char *interface);
+
+/*
+ * The sensors of one class, each as getCommonSensorTableInfo() with
+ * xyz.openbmc_project.Sensor.Value and this root. A root exists only while
+ * there is a sensor below it: on a platform without fans, the code for them
+ * is -1.
+ */
+
+/** Reads /xyz/openbmc_project/sensors/temperature. */
+int32_t getTempTableInfo(BmcSensorEntry **outArray, int32_t *outCount);
+
+/** Reads /xyz/openbmc_project/sensors/fan_tach: the speeds of the fans. */
+int32_t getFanTableInfo(BmcSensorEntry **outArray, int32_t *outCount);
+
+/** Reads /xyz/openbmc_project/sensors/voltage. */
+int32_t getVoltageTableInfo(BmcSensorEntry **outArray, int32_t *outCount);
+
+/** Reads /xyz/openbmc_project/sensors/current. */
+int32_t getCurrentTableInfo(BmcSensorEntry **outArray, int32_t *outCount);
+
+/** Reads /xyz/openbmc_project/sensors/power. */
+int32_t getPowerTableInfo(BmcSensorEntry **outArray, int32_t *outCount);
+
+/** Reads /xyz/openbmc_project/sensors/fan_pwm: how fans are driven. */
+int32_t getPwmTableInfo(BmcSensorEntry **outArray, int32_t *outCount);
+
+/** Releases the texts of one record and sets them to NULL. */
+void freeBmcSensorEntry(BmcSensorEntry *one);
+
+/*
+ * Network interfaces of the management controller
+ */
+
+/** A network interface with one of its addresses. Texts are the record's. */
+typedef struct BmcNetworkInfoEntry
+{
+    int32_t id;            /**< always 0 */
+    char *ifName;          /**< name such as "eth0"; never NULL */
+    char *macAddress;      /**< hardware address; may be NULL */
+    char *ipAddress;       /**< IPv4 or IPv6 address, "-" without one; may be
+                                NULL */
+    char *defaultGateway;  /**< IPv4 gateway, "" without one; may be NULL */
+    char *netmask;         /**< from the prefix length, such as
+                                "255.255.255.0"; "0.0.0.0" for more than 32
+                                bits, as IPv6 has them; "-" without address */
+    int32_t addressOrigin; /**< 1 static, 2 any other, 3 no address */
+    int32_t nicEnabled;    /**< 1 enabled, 0 not */
+    int32_t reserved0;     /**< always 0 */
+    int32_t reserved1;     /**< always 0 */
+    int32_t reserved2;     /**< always 0 */
+} BmcNetworkInfoEntry;
+
+/**
+ * Reads all network interfaces of the management controller, those below
+ * /xyz/openbmc_project/network, and the addresses of each. The address is the
+ * first in the order of the object mapper, of either family: where addresses
+ * stand in the paths of their objects, an IPv6 address that begins with 2001:
+ * comes before 203.0.113.1 and after 192.0.2.1. It is looked for below the
+ * name of the interface; a VLAN such as eth0.100, whose path has "_" for the
+ * dot, so shows none.
+ * @param[out] outArray  the records
+ * @param[out] outCount  the number of records is added
+ * @return 0, -1 or -2; addresses that cannot be listed are no failure
+ * @throws SdBusError when an interface or one of its addresses could not be
+ *         read; see also "Exceptions" for a name, state, origin or prefix
+ *         length that is missing, and numbers that are none
+ */
+int32_t getNetworkTableInfo(BmcNetworkInfoEntry **outArray, int32_t *outCount);
+
+/** Releases the texts of one record and sets them to NULL. */
+void freeBmcNetworkInfoEntry(BmcNetworkInfoEntry *one);
+
+/*
+ * Network ports of the host
+ */
+
+/**
+ * A port of a network adapter. Texts are the record's; all but the adapter's
+ * name and the ratio may be NULL.
+ */
+typedef struct PortInfoEntry
+{
+    int32_t id;            /**< always 0 */
+    char *adapterName;     /**< last segment of the adapter's path */
+    char *name;            /**< name, or last segment of the port's path */
+    char *macAddress;      /**< hardware address */
+    char *rootBdf;         /**< PCI address, such as "0000:3b:00.0" */
+    char *portType;        /**< kind of port, such as "Fibre" */
+    uint32_t maxSpeedGbps; /**< highest speed in Gbit/s, rounded down */
+    int32_t lldpEnabled;   /**< 1 when the port speaks LLDP, 0 when not */
+    int32_t phyLink;       /**< 1 with a link, 0 without */
+    char *dropRatio;       /**< dropped packets by packets, with one decimal
+                                and "%" but not times 100: "0.5%" for every
+                                second packet; "-" without packets */
+    int32_t reserved1;     /**< always 0 */
+    int32_t reserved2;     /**< always 0 */
+} PortInfoEntry;
+
+/**
+ * Reads the ports of all network adapters that belong to the service
+ * xyz.openbmc_project.Smbios.MDR_V2, adapter by adapter. When the object mapper
+ * does not list the ports of an adapter, the table ends before that adapter
+ * and the code is still 0. An adapter without ports ends nothing.
+ * @param[out] outArray  the records; untouched when there are no adapters
+ * @param[out] outCount  the number of records; set, not added to, and
+ *                       untouched when there are no adapters
+ * @return 0, -1 or -2
+ * @throws SdBusError when a port could not be read, with the outputs
+ *         untouched; see also "Exceptions" for numbers that are missing or
+ *         none
+ */
+int32_t getNetPortTableInfo(PortInfoEntry **outArray, int32_t *outCount);
+
+/** Releases the texts of one record and sets them to NULL. */
+void free_port_entry_content(PortInfoEntry *one);
+
+/**
+ * Switches LLDP for one port of a network adapter.
+ * @param adapter  segment of the adapter's object path, such as "nic0"
+ * @param port     segment of the port's object path, such as "port1"
+ * @param enabled  0 to switch it off, any other to switch it on
+ * @return 0, or -1 when there is no such port or it refuses
+ * @throws SdBusError when the names do not make an object path
+ *
+ * The process is aborted when the path of the port,
+ * /xyz/openbmc_project/inventory/system/chassis/motherboard/ADAPTER/
+ * NetworkPorts/PORT, would have more than 127 characters.
+ */
+int32_t setLldpEnalbed(const char *adapter, const char *port, int32_t enabled);
+
 #ifdef __cplusplus
 } // extern "C"
 #endif

@@ -1,0 +1,63 @@
+#include "morvath.h"
+#include "tables/table.hpp"
+
+#include <array>
+#include <string>
+
+using namespace morvath;
+
+namespace
+{
+
+constexpr auto namePrefix = "CPU";
+
+void storeName(char*& field, CText cell)
+{
+    // Appending a null cell would be undefined; making a text of it raises.
+    const auto name = namePrefix + std::string(cell.get());
+    field = copyText(name.c_str()).release();
+}
+
+constexpr std::array columns{
+    column<&CpuInfoEntry::name, storeName>("LocationCode"),
+    column<&CpuInfoEntry::manufacturer>("Manufacturer"),
+    column<&CpuInfoEntry::version>("Version"),
+    column<&CpuInfoEntry::partNumber>("PartNumber"),
+    column<&CpuInfoEntry::serialNumber>("SerialNumber"),
+    column<&CpuInfoEntry::architecture>("Architecture"),
+    column<&CpuInfoEntry::curSpeedMhz>("CurSpeedInMhz"),
+    column<&CpuInfoEntry::maxSpeedMhz>("MaxSpeedInMhz"),
+    column<&CpuInfoEntry::coreCount>("CoreCount"),
+    column<&CpuInfoEntry::threadCount>("ThreadCount"),
+    column<&CpuInfoEntry::l1CacheKiB>("L1CacheKiB"),
+    column<&CpuInfoEntry::l2CacheKiB>("L2CacheKiB"),
+    column<&CpuInfoEntry::l3CacheKiB>("L3CacheKiB"),
+    column<&CpuInfoEntry::present>("Present"),
+};
+
+/** Consumers read either of the two fields for the one value. */
+void doubleL1Cache(CpuInfoEntry& entry, Row)
+{
+    entry.l1CacheKiBAlt = entry.l1CacheKiB;
+}
+
+constexpr Table processors{
+    "/",
+    "xyz.openbmc_project.Inventory.Item.Cpu",
+    columns,
+    finishWith<doubleL1Cache>,
+};
+
+} // namespace
+
+int32_t getCpuTableInfo(CpuInfoEntry** outArray, int32_t* outCount)
+{
+    return getTable(processors, outArray, outCount);
+}
+
+void freeCpuInfoEntry(CpuInfoEntry* one)
+{
+    releaseFields(one, &CpuInfoEntry::name, &CpuInfoEntry::manufacturer,
+                  &CpuInfoEntry::version, &CpuInfoEntry::partNumber,
+                  &CpuInfoEntry::serialNumber, &CpuInfoEntry::architecture);
+}

@@ -29,23 +29,18 @@ constexpr std::array columns{
     column<&CpuInfoEntry::maxSpeedMhz>("MaxSpeedInMhz"),
     column<&CpuInfoEntry::coreCount>("CoreCount"),
     column<&CpuInfoEntry::threadCount>("ThreadCount"),
+    // Consumers read either of the two fields for the one value.
     column<&CpuInfoEntry::l1CacheKiB>("L1CacheKiB"),
+    column<&CpuInfoEntry::l1CacheKiBAlt>("L1CacheKiB"),
     column<&CpuInfoEntry::l2CacheKiB>("L2CacheKiB"),
     column<&CpuInfoEntry::l3CacheKiB>("L3CacheKiB"),
     column<&CpuInfoEntry::present>("Present"),
 };
 
-/** Consumers read either of the two fields for the one value. */
-void doubleL1Cache(CpuInfoEntry& entry, Row)
-{
-    entry.l1CacheKiBAlt = entry.l1CacheKiB;
-}
-
 constexpr Table processors{
     "/",
     "xyz.openbmc_project.Inventory.Item.Cpu",
     columns,
-    finishWith<doubleL1Cache>,
 };
 
 } // namespace

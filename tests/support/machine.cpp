@@ -3,6 +3,13 @@
 namespace morvath::tests
 {
 
+Machine Machine::server()
+{
+    Machine machine;
+    machine.document["extends"] = "default";
+    return machine;
+}
+
 Machine& Machine::owns(const std::string& path, const std::string& service,
                        const Json& interfaces)
 {

@@ -16,6 +16,9 @@ using Json = nlohmann::ordered_json;
 class Machine
 {
   public:
+    /** The default server, to be changed. */
+    static Machine server();
+
     Machine& owns(const std::string& path, const std::string& service,
                   const Json& interfaces);
     Machine& fault(const Json& when, const Json& then);

@@ -1,10 +1,7 @@
 #include "morvath.h"
-#include "support/machine.hpp"
+#include "support/records.hpp"
 
-#include <gtest/gtest.h>
-#include <sdbusplus/exception.hpp>
-
-#include <cstdlib>
+#include <cstring>
 
 namespace morvath::tests
 {
@@ -15,25 +12,7 @@ constexpr auto service = "xyz.openbmc_project.Inventory.Manager";
 constexpr auto supply = "xyz.openbmc_project.Inventory.Item.PowerSupply";
 const std::string root = "/xyz/openbmc_project/inventory/system/powersupply/";
 
-struct PowerSupplies
-{
-    PsuInfoEntry* records = nullptr;
-    int32_t count = 0;
-
-    ~PowerSupplies()
-    {
-        for (int32_t index = 0; records && index < count; ++index)
-        {
-            freePsuInfoEntry(&records[index]);
-        }
-        std::free(records);
-    }
-
-    int32_t read()
-    {
-        return getPsuTableInfo(&records, &count);
-    }
-};
+using PowerSupplies = Records<getPsuTableInfo, freePsuInfoEntry>;
 
 void expectZero(const PsuInfoEntry& entry)
 {
@@ -73,18 +52,13 @@ TEST(PowerSupplies, HaveNullForWhatIsMissing)
     PowerSupplies supplies;
     ASSERT_EQ(supplies.read(), 0);
     ASSERT_EQ(supplies.count, 1);
-    auto& entry = supplies.records[0];
+    const auto& entry = supplies.records[0];
     EXPECT_STREQ(entry.name, "left");
     EXPECT_EQ(entry.manufacturer, nullptr);
     EXPECT_STREQ(entry.partNumber, "");
     EXPECT_EQ(entry.serialNumber, nullptr);
     EXPECT_STREQ(entry.rating, "800");
     EXPECT_EQ(entry.firmwareVersion, nullptr);
-
-    freePsuInfoEntry(&entry);
-    expectZero(entry);
-    freePsuInfoEntry(&entry);
-    freePsuInfoEntry(nullptr);
 }
 
 TEST(PowerSupplies, FollowACounterThatWasNotZero)

@@ -1,0 +1,174 @@
+#include "morvath.h"
+#include "support/records.hpp"
+
+#include <csignal>
+
+namespace morvath::tests
+{
+namespace
+{
+
+using Ports = Records<getNetPortTableInfo, free_port_entry_content>;
+
+constexpr auto service = "xyz.openbmc_project.Smbios.MDR_V2";
+constexpr auto portInterface = "xyz.openbmc_project.Inventory.Item.NetworkPort";
+const Json adapter{
+    {"xyz.openbmc_project.Inventory.Item.NetAdapter", Json::object()}};
+const std::string root =
+    "/xyz/openbmc_project/inventory/system/chassis/motherboard/";
+const Json properties{{"MaxSpeed", property("t", 25'000'000'000)},
+                      {"LldpEnabled", property("b", true)},
+                      {"PhyLink", property("b", false)},
+                      {"Packets", property("t", 4)},
+                      {"Drop", property("t", 3)}};
+
+/** An adapter with one port. */
+Machine onePort(const Json& changes)
+{
+    return Machine()
+        .owns(root + "_6eic_2d1", service, adapter)
+        .owns(root + "_6eic_2d1/NetworkPorts/port1", service,
+              {{portInterface, changed(properties, changes)}});
+}
+
+std::string lineOf(const PortInfoEntry& entry)
+{
+    const auto& [id, adapterName, name, mac, bdf, type, speed, lldp, link, drop,
+                 one, two] = entry;
+    return describe(id, adapterName, name, mac, bdf, type, speed, lldp, link,
+                    drop, one, two);
+}
+
+Lines linesOf(const Machine& machine)
+{
+    return tests::linesOf<Ports>(machine.scenario(), lineOf);
+}
+
+TEST(NetworkPorts, AreThoseOfTheServer)
+{
+    EXPECT_EQ(linesOf(Machine::server()),
+              (Lines{"0",
+                     "0|nic0|port0|5a:3c:9b:44:10:00|0000:3b:00.0|Fibre|25|1|1|"
+                     "0.0%|0|0",
+                     "0|nic0|port1|5a:3c:9b:44:10:01|0000:3b:00.1|Fibre|25|0|0|"
+                     "-|0|0",
+                     "0|nic1|port0|5a:3c:9b:44:20:00|0000:af:00.0|Fibre|100|1|"
+                     "1|0.0%|0|0",
+                     "0|nic1|port1|5a:3c:9b:44:20:01|0000:af:00.1|Fibre|100|1|"
+                     "1|0.0%|0|0"}));
+}
+
+TEST(NetworkPorts, FollowTheirProperties)
+{
+    const auto drop = [](uint64_t packets, uint64_t drops) {
+        return Json{{"Packets", property("t", packets)},
+                    {"Drop", property("t", drops)}};
+    };
+    const auto line = [](const std::string& fields) {
+        return "0|nic-1|port1|null|null|null|" + fields + "|0|0";
+    };
+    const Variant cases[]{
+        {"all", {}, {"0", line("25|1|0|0.8%")}},
+        {"half", drop(2, 1), {"0", line("25|1|0|0.5%")}},
+        {"few", drop(1000, 5), {"0", line("25|1|0|0.0%")}},
+        {"no packets", drop(0, 7), {"0", line("25|1|0|-")}},
+        {"beyond measure",
+         drop(1, UINT64_MAX),
+         {"0", line("25|1|0|18446744073709551616.0%")}},
+        {"slow",
+         {{"MaxSpeed", property("t", 999'999'999)}},
+         {"0", line("0|1|0|0.8%")}},
+        {"fastest of 32 bits",
+         {{"MaxSpeed", property("t", 4'294'967'295'999'999'999)}},
+         {"0", line("4294967295|1|0|0.8%")}},
+        {"no speed", {{"MaxSpeed", nullptr}}, {nullText, line("0|0|0|null")}},
+        {"no link", {{"PhyLink", nullptr}}, {nullText, line("25|1|0|null")}},
+        {"no packets counted",
+         {{"Packets", nullptr}},
+         {nullText, line("25|1|0|null")}},
+        {"drops in words",
+         {{"Drop", text("some")}},
+         {"invalid argument: stoull", line("25|1|0|null")}},
+        {"speed beyond 64 bits",
+         {{"MaxSpeed", property("d", 1e20)}},
+         {"out of range: stoull", line("0|0|0|null")}},
+    };
+    for (const auto& one : cases)
+    {
+        EXPECT_EQ(linesOf(onePort(one.changes)), one.expected) << one.what;
+    }
+}
+
+TEST(NetworkPorts, EndAtAnAdapterThatIsNotListed)
+{
+    const auto twoAdapters = onePort({}).owns(root + "a", service, adapter);
+    const std::string port = "0|nic-1|port1|null|null|null|25|1|0|0.8%|0|0";
+    const Json failure{{"error", "com.example.Busy"}};
+    const auto failing = [&](unsigned call) {
+        auto machine = twoAdapters;
+        return machine.fault({{"member", "GetSubTree"}, {"call", call}},
+                             failure);
+    };
+    EXPECT_EQ(linesOf(twoAdapters), (Lines{"0", port}));
+    EXPECT_EQ(linesOf(failing(1)), (Lines{"-1"}));
+    EXPECT_EQ(linesOf(failing(2)), (Lines{"0"}));
+    EXPECT_EQ(linesOf(failing(3)), (Lines{"0", port}));
+}
+
+TEST(NetworkPorts, SetTheCounterUnlessThereAreNoAdapters)
+{
+    struct
+    {
+        const char* what;
+        Machine machine;
+        int32_t count;
+    } const cases[]{
+        {"ports", onePort({}), 1},
+        {"no ports", Machine().owns(root + "a", service, adapter), 0},
+        {"no adapters",
+         Machine().owns(root + "a", service, {{"a.b", Json::object()}}), 5},
+        {"those of another service",
+         Machine().owns(root + "a", "com.example.Inventory", adapter), 5},
+    };
+    for (const auto& one : cases)
+    {
+        sim::Platform platform(one.machine.scenario());
+        PortInfoEntry preset{};
+        Ports ports{&preset, 5};
+        EXPECT_EQ(ports.read(), 0) << one.what;
+        EXPECT_EQ(ports.count, one.count) << one.what;
+        EXPECT_EQ(ports.records == &preset, one.count == 5) << one.what;
+        if (ports.records == &preset)
+        {
+            ports.records = nullptr;
+        }
+    }
+}
+
+TEST(Lldp, IsSwitchedForOnePort)
+{
+    sim::Platform platform(sim::Scenario::standard());
+    const auto state = [&platform] {
+        return platform.property(service, root + "nic1/NetworkPorts/port0",
+                                 portInterface, "LldpEnabled");
+    };
+    EXPECT_EQ(setLldpEnalbed("nic1", "port0", 0), 0);
+    EXPECT_EQ(state(), false);
+    EXPECT_EQ(setLldpEnalbed("nic1", "port0", 256), 0);
+    EXPECT_EQ(state(), true);
+    EXPECT_EQ(setLldpEnalbed("nic2", "port0", 1), -1);
+    EXPECT_THROW(setLldpEnalbed("nic-1", "port0", 1),
+                 sdbusplus::exception::SdBusError);
+}
+
+TEST(LldpDeathTest, AbortsForAPathThatIsTooLong)
+{
+    const auto room = 127 - root.size() - std::string("/NetworkPorts/p").size();
+    const std::string name(room, 'n');
+    EXPECT_EQ(setLldpEnalbed(name.c_str(), "p", 1), -1);
+    EXPECT_EXIT(setLldpEnalbed(name.c_str(), "pp", 1),
+                testing::KilledBySignal(SIGABRT), "");
+}
+
+} // namespace
+} // namespace morvath::tests

@@ -1,9 +1,5 @@
 #include "catalogue.hpp"
 
-#include "record_table.hpp"
-
-#include <morvath.h>
-
 #include <algorithm>
 
 namespace morvath::tools
@@ -11,27 +7,22 @@ namespace morvath::tools
 namespace
 {
 
-Table powerSupplies()
+std::vector<Table> allTables()
 {
-    using Entry = PsuInfoEntry;
-    return recordTable<Entry>(
-        "power-supplies", "power supplies and their firmware",
-        {getPsuTableInfo, freePsuInfoEntry},
-        {
-            {{"name", "NAME"}, &Entry::name},
-            {{"manufacturer", "MANUFACTURER"}, &Entry::manufacturer},
-            {{"partNumber", "PART NUMBER"}, &Entry::partNumber},
-            {{"serialNumber", "SERIAL NUMBER"}, &Entry::serialNumber},
-            {{"ratingWatts", "RATING [W]"}, &Entry::rating},
-            {{"firmwareVersion", "FIRMWARE"}, &Entry::firmwareVersion},
-        });
+    std::vector<Table> all;
+    for (const auto tablesOfAKind :
+         {inventoryTables, sensorTables, networkTables})
+    {
+        std::ranges::move(tablesOfAKind(), std::back_inserter(all));
+    }
+    return all;
 }
 
 } // namespace
 
 const std::vector<Table>& tables()
 {
-    static const std::vector<Table> all{powerSupplies()};
+    static const auto all = allTables();
     return all;
 }
 

@@ -14,4 +14,9 @@ const std::vector<Table>& tables();
 /** The table of that name, or null. */
 const Table* findTable(std::string_view name);
 
+// The tables by kind, of which the catalogue is made.
+std::vector<Table> inventoryTables();
+std::vector<Table> sensorTables();
+std::vector<Table> networkTables();
+
 } // namespace morvath::tools

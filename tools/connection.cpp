@@ -1,5 +1,6 @@
 #include "connection.hpp"
 
+#include <morvath.h>
 #include <systemd/sd-bus.h>
 
 #include <memory>
@@ -42,6 +43,13 @@ void useBus(std::optional<Timeout> timeout)
         const auto limit = std::chrono::duration_cast<Microseconds>(*timeout);
         sd_bus_set_method_call_timeout(bus.get(), limit.count());
     }
+}
+
+bool platformAnswers()
+{
+    // There is always a root, and no need of anything below it.
+    SubTree nothing;
+    return getSubTree("/", "", &nothing) == 0;
 }
 
 } // namespace morvath::tools

@@ -14,4 +14,7 @@ using Timeout = std::chrono::duration<double>;
  */
 void useBus(std::optional<Timeout> timeout);
 
+/** Whether the object mapper answers, whatever it knows. */
+bool platformAnswers();
+
 } // namespace morvath::tools

@@ -32,6 +32,8 @@ int run(int argc, char** argv)
     app.require_subcommand(1);
     Action action;
     addShow(app, action);
+    addSensors(app, action);
+    addSet(app, action);
     try
     {
         app.parse(argc, argv);

@@ -4,9 +4,9 @@
 
 #include <cstdint>
 #include <cstdlib>
+#include <functional>
 #include <span>
 #include <utility>
-#include <variant>
 #include <vector>
 
 namespace morvath::tools
@@ -20,11 +20,25 @@ struct RecordAccess
     void (*release)(Record*);
 };
 
+/** A column and how its cell comes from a record. */
 template <typename Record>
 struct Field
 {
+    /** A field of the record, in the form that its type asks for or another. */
+    template <typename Member>
+    Field(Column column, Member Record::*member,
+          Value (*convert)(Member) = valueOf) :
+        column(std::move(column)),
+        read([=](const Record& record) { return convert(record.*member); })
+    {}
+
+    Field(Column column, Value (*read)(const Record&)) :
+        column(std::move(column)),
+        read(read)
+    {}
+
     Column column;
-    std::variant<char * Record::*, int32_t Record::*> member;
+    std::function<Value(const Record&)> read;
 };
 
 /** The records of one call; released whatever happens. */
@@ -62,16 +76,6 @@ class Records
     int32_t count = 0;
 };
 
-inline Value valueOf(const char* text)
-{
-    return text ? Value(text) : Value();
-}
-
-inline Value valueOf(int32_t number)
-{
-    return number;
-}
-
 template <typename Record>
 std::vector<Cells> readCells(RecordAccess<Record> access,
                              const std::vector<Field<Record>>& fields)
@@ -84,9 +88,7 @@ std::vector<Cells> readCells(RecordAccess<Record> access,
         auto& cells = rows.emplace_back();
         for (const auto& field : fields)
         {
-            cells.push_back(
-                std::visit([&](auto member) { return valueOf(record.*member); },
-                           field.member));
+            cells.push_back(field.read(record));
         }
     }
     return rows;

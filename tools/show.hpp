@@ -1,9 +1,8 @@
 #pragma once
 
-#include "connection.hpp"
-#include "table.hpp"
+#include "options.hpp"
+#include "report.hpp"
 
-#include <optional>
 #include <vector>
 
 namespace morvath::tools
@@ -12,9 +11,8 @@ namespace morvath::tools
 struct ShowOptions
 {
     std::vector<const Table*> tables;
-    bool asJson = false;
-    bool withTitles = true;
-    std::optional<Timeout> timeout;
+    Absence absence = Absence::failure;
+    OutputOptions output;
 };
 
 /** Prints the tables that can be read; whether those were all. */

@@ -13,9 +13,6 @@ namespace morvath::tools
 namespace
 {
 
-constexpr double shortestTimeout = 0.001;
-constexpr double longestTimeout = 24 * 60 * 60;
-
 std::string knownTables()
 {
     constexpr std::size_t nameWidth = 20;
@@ -39,34 +36,43 @@ const Table* tableOf(const std::string& name)
     return table;
 }
 
+/** On any platform some kind of thing is missing, which is no failure then. */
+void chooseAll(ShowOptions& options)
+{
+    options.absence = Absence::emptyTable;
+    for (const auto& table : tables())
+    {
+        options.tables.push_back(&table);
+    }
+}
+
 } // namespace
 
 void addShow(CLI::App& app, Action& chosen)
 {
     auto* command = app.add_subcommand("show", "Print tables of the platform");
     const auto options = std::make_shared<ShowOptions>();
-    command->callback(
-        [&chosen, options] { chosen = [options] { return show(*options); }; });
+    command->callback([&chosen, options] {
+        if (options->tables.empty())
+        {
+            throw CLI::RequiredError("TABLE or --all");
+        }
+        chosen = [options] { return show(*options); };
+    });
     command->footer(knownTables());
+    auto* names = command->add_option_function<std::vector<std::string>>(
+        "TABLE",
+        [options](const std::vector<std::string>& names) {
+            std::ranges::transform(names, std::back_inserter(options->tables),
+                                   tableOf);
+        },
+        "The tables to print");
     command
-        ->add_option_function<std::vector<std::string>>(
-            "TABLE",
-            [options](const std::vector<std::string>& names) {
-                std::ranges::transform(
-                    names, std::back_inserter(options->tables), tableOf);
-            },
-            "The tables to print")
-        ->required();
-    command->add_flag("--json", options->asJson,
-                      "Print one JSON document instead of text");
-    command->add_flag_callback(
-        "--no-legend", [options] { options->withTitles = false; },
-        "Leave out the titles");
-    command
-        ->add_option("--timeout", options->timeout,
-                     "Longest wait for each answer, in seconds (25)")
-        ->type_name("SECONDS")
-        ->check(CLI::Range(shortestTimeout, longestTimeout));
+        ->add_flag_callback(
+            "--all", [options] { chooseAll(*options); },
+            "Print all tables, empty ones too")
+        ->excludes(names);
+    addOutputOptions(*command, options->output);
 }
 
 } // namespace morvath::tools

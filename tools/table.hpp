@@ -3,11 +3,23 @@
 #include "value.hpp"
 
 #include <functional>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
 namespace morvath::tools
 {
+
+/** What the texts of a column are in JSON. */
+enum class Form
+{
+    /** Texts as they are. */
+    text,
+    /** Texts, with "-" for none. */
+    dashed,
+    /** Numbers; anything else, such as "nan" and "-", is none. */
+    number,
+};
 
 struct Column
 {
@@ -15,6 +27,7 @@ struct Column
     std::string key;
     /** The head of the column. */
     std::string title;
+    Form form = Form::text;
 };
 
 using Cells = std::vector<Value>;
@@ -29,7 +42,16 @@ struct Table
     std::function<std::vector<Cells>()> read;
 };
 
+/** The library's code for a platform without the kind of thing, too. */
+struct NotListed : std::runtime_error
+{
+    NotListed();
+};
+
 /** Raises what a status code of the library stands for, unless it is 0. */
 void requireSuccess(int code);
+
+/** A row as an object; null for what is missing and for what is no number. */
+Value jsonRow(const std::vector<Column>& columns, const Cells& cells);
 
 } // namespace morvath::tools

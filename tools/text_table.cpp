@@ -25,6 +25,10 @@ std::string textOf(const Value& value)
     {
         return missing;
     }
+    if (value.is_boolean())
+    {
+        return value.get<bool>() ? "yes" : "no";
+    }
     auto text = value.is_string() ? value.get<std::string>() : value.dump();
     // Whatever a service publishes, it must not steer the terminal.
     std::ranges::replace_if(text, isControl, '?');
@@ -79,22 +83,23 @@ std::string joined(const Line& line, const std::vector<std::size_t>& widths)
         text.append(widths[column] - widthOf(line[column]), ' ').append(gap);
     }
     text.erase(text.find_last_not_of(' ') + 1);
-    return text + '\n';
+    return text;
 }
 
 } // namespace
 
-std::string textTable(const std::vector<Column>& columns,
-                      const std::vector<Cells>& rows, bool withTitles)
+std::vector<std::string> textLines(const std::vector<Column>& columns,
+                                   const std::vector<Cells>& rows,
+                                   bool withTitles)
 {
     const auto lines = linesOf(columns, rows, withTitles);
     const auto widths = widthsOf(lines, columns.size());
-    std::string text;
+    std::vector<std::string> texts;
     for (const auto& line : lines)
     {
-        text += joined(line, widths);
+        texts.push_back(joined(line, widths));
     }
-    return text;
+    return texts;
 }
 
 } // namespace morvath::tools

@@ -8,8 +8,9 @@
 namespace morvath::tools
 {
 
-/** Aligned columns, each as wide as its content, with a line of titles. */
-std::string textTable(const std::vector<Column>& columns,
-                      const std::vector<Cells>& rows, bool withTitles);
+/** Aligned columns, each as wide as its content, after a line of titles. */
+std::vector<std::string> textLines(const std::vector<Column>& columns,
+                                   const std::vector<Cells>& rows,
+                                   bool withTitles);
 
 } // namespace morvath::tools

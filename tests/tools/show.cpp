@@ -57,14 +57,94 @@ TEST(Show, PrintsOneJsonDocument)
         "tables": {"power-supplies": [
             {"name": "Größe\n\u001b[31m", "manufacturer": "",
              "partNumber": null, "serialNumber": null,
-             "ratingWatts": "800", "firmwareVersion": "1"},
+             "ratingWatts": 800, "firmwareVersion": "1"},
             {"name": "b", "manufacturer": "long enough",
              "partNumber": null, "serialNumber": null,
-             "ratingWatts": "800", "firmwareVersion": null}
+             "ratingWatts": 800, "firmwareVersion": null}
         ]},
         "errors": []
     })";
     EXPECT_EQ(Json::parse(all.output), Json::parse(expected));
+}
+
+TEST(Show, PrintsAllTablesOfTheServer)
+{
+    sim::Platform platform(sim::Scenario::standard());
+    const auto all = morvath("show --all --json");
+    EXPECT_EQ(all.status, 0);
+    const auto document = Json::parse(all.output);
+    EXPECT_EQ(document["errors"], Json::array());
+    Json counts;
+    for (const auto& [name, rows] : document["tables"].items())
+    {
+        counts[name] = rows.size();
+    }
+    EXPECT_EQ(counts, Json::parse(R"({
+        "power-supplies": 2, "pcie-slots": 8, "network-adapters": 2,
+        "gpus": 2, "memory": 16, "processors": 2, "temperatures": 22,
+        "fans": 8, "voltages": 12, "currents": 6, "powers": 9, "pwms": 6,
+        "bmc-network": 2, "network-ports": 4
+    })"));
+    const std::pair<const char*, const char*> rows[]{
+        {"/tables/pcie-slots/1", R"({
+            "name": "PCIe slot 2", "manufacturer": "", "locationCode": "PCIE2",
+            "present": false})"},
+        {"/tables/gpus/1", R"({
+            "cardName": "Umbrafell U48", "manufacturer": "Umbrafell Graphics",
+            "partNumber": "UG-U48-P2", "serialNumber": "UG48K660021",
+            "totalMemory": 49152, "temperature": 49, "fanLevel": 36,
+            "currentPower": 142})"},
+        {"/tables/temperatures/18", R"({
+            "name": "NVMe3_Temp", "value": null, "unit": "DegreesC",
+            "state": "no reading", "criticalLow": 0.0, "warningLow": null,
+            "warningHigh": null, "criticalHigh": 80.0, "minValue": -128.0,
+            "maxValue": 127.0, "criticalAlarmLow": false,
+            "warningAlarmLow": false, "warningAlarmHigh": false,
+            "criticalAlarmHigh": false})"},
+        {"/tables/bmc-network/0", R"({
+            "interface": "eth0", "macAddress": "5a:3c:9b:10:22:04",
+            "ipAddress": "10.20.30.41", "netmask": "255.255.255.0",
+            "defaultGateway": "10.20.30.1", "addressOrigin": "static",
+            "enabled": true})"},
+        {"/tables/network-ports/1", R"({
+            "adapter": "nic0", "name": "port1",
+            "macAddress": "5a:3c:9b:44:10:01", "rootBdf": "0000:3b:00.1",
+            "portType": "Fibre", "maxSpeedGbps": 25, "lldpEnabled": false,
+            "phyLink": false, "dropRatio": null})"},
+    };
+    for (const auto& [place, row] : rows)
+    {
+        EXPECT_EQ(document[Json::json_pointer(place)], Json::parse(row))
+            << place;
+    }
+    EXPECT_EQ(morvath("show bmc-network").output,
+              "INTERFACE  MAC ADDRESS        IP ADDRESS     NETMASK        "
+              "GATEWAY     ORIGIN  ENABLED\n"
+              "eth0       5a:3c:9b:10:22:04  10.20.30.41    255.255.255.0  "
+              "10.20.30.1  static  yes\n"
+              "eth1       5a:3c:9b:10:22:05  192.168.70.12  255.255.252.0  "
+              "            other   yes\n");
+}
+
+TEST(Show, HasEmptyTablesOfAllThatIsNotThere)
+{
+    {
+        sim::Platform platform(Machine().scenario());
+        const auto all = morvath("show --all --json");
+        EXPECT_EQ(all.status, 0);
+        const auto document = Json::parse(all.output);
+        EXPECT_EQ(document["tables"].size(), 14u);
+        EXPECT_EQ(document["tables"]["fans"], Json::array());
+        EXPECT_EQ(document["errors"], Json::array());
+    }
+    {
+        sim::Platform platform(Machine().withoutMapper().scenario());
+        const auto all = morvath("show --all --json");
+        EXPECT_EQ(all.status, 1);
+        const auto document = Json::parse(all.output);
+        EXPECT_EQ(document["tables"]["fans"], nullptr);
+        EXPECT_EQ(document["errors"].size(), 14u);
+    }
 }
 
 TEST(Show, TellsWhatCouldNotBeRead)
@@ -118,7 +198,8 @@ TEST(Show, NeedsABus)
 
 TEST(Usage, IsToldOnTheRightStream)
 {
-    for (const auto* arguments : {"--help", "-h", "show -h", "--version"})
+    for (const auto* arguments : {"--help", "-h", "show -h", "sensors -h",
+                                  "set -h", "set lldp -h", "--version"})
     {
         const auto help = morvath(arguments);
         EXPECT_EQ(help.status, 0) << arguments;
@@ -127,7 +208,9 @@ TEST(Usage, IsToldOnTheRightStream)
     }
     for (const auto* arguments :
          {"", "show", "show nothing", "show power-supplies --timeout 0",
-          "show power-supplies --unknown"})
+          "show power-supplies --unknown", "show --all memory",
+          "sensors --watch 0", "set", "set lldp nic0 port1",
+          "set lldp nic0 port1 ON", "set lldp nic-0 port1 on"})
     {
         const auto misuse = morvath(arguments);
         EXPECT_EQ(misuse.status, 2) << arguments;

@@ -20,6 +20,7 @@
  *    0  success
  *   -1  a call on the bus failed or its reply could not be read
  *   -2  the array of records could not be allocated
+ *   -3  an argument was refused before anything was sent
  *
  * Outputs. They are written on success only, unless a function says
  * otherwise; set them to NULL or 0 before the call.
@@ -229,6 +230,269 @@ int32_t getDbusTableData(const char *rootPath, const char *interfaceName,
                          const char *const *propertyNames,
                          int32_t propertyCount, char ****rowsOut,
                          int32_t *rowCountOut);
+
+/*
+ * Identity
+ *
+ * Who the parts of the server are. The getters store a text to release with
+ * free(), or leave the output alone when the platform publishes none: an empty
+ * text, or one of more than 199 bytes, is none.
+ *
+ * All return 0, or -1 when the call failed; outputs are untouched then. They
+ * raise SdBusError without a connection, and the getters
+ * std::bad_variant_access for a property that is no text.
+ */
+
+/**
+ * Reads a fact of the system from the platform's SMBIOS service. Apart from
+ * the asset tag the properties are extensions of the platform.
+ * @param[out] value  the text
+ * @return 0 or -1
+ */
+int32_t getSystemManufacturer(char **value);
+int32_t getSystemModel(char **value);
+int32_t getSystemSerialNumber(char **value);
+int32_t getSystemUUID(char **value);
+int32_t getSystemAssetTag(char **value);
+int32_t getSystemHostName(char **value);
+int32_t getSystemConfModel(char **value);
+
+/**
+ * Writes a fact of the system.
+ * @param value  not NULL: that raises std::logic_error. "" clears the fact,
+ *               which then reads as none.
+ * @return 0 or -1
+ */
+int32_t setSystemAssetTag(const char *value);
+int32_t setSystemHostName(const char *value);
+int32_t setSystemConfModel(const char *value);
+
+/**
+ * Reads the maker or the date of the BIOS ("03/14/2026"), or the version of
+ * the board's logic. The maker is the maker of the system.
+ * @param[out] value  the text
+ * @return 0 or -1
+ */
+int32_t getBiosVendor(char **value);
+int32_t getBiosBuildDate(char **value);
+int32_t getCpldFirmwareVersion(char **value);
+
+/**
+ * Reads the version of the controller's own firmware, or of the BIOS. Of
+ * several images the last in the order of the object mapper counts, which says
+ * nothing about which one runs. The text may have any length, also 0.
+ * @param[out] value  the version; untouched without such an image
+ * @return 0, or -1 when the object mapper does not answer or the platform
+ *         lists no software at all
+ * @throws SdBusError when an image, of whatever purpose, could not be read
+ */
+int32_t getBMCFirmwareVersion(char **value);
+int32_t getBiosFirmwareVersion(char **value);
+
+/**
+ * Reads a property of xyz.openbmc_project.Inventory.Decorator.Asset of the
+ * management controller. Of several controllers the first in the order of the
+ * object mapper counts.
+ * @param property    its name, not NULL
+ * @param[out] value  the text; untouched when no controller is listed
+ * @return 0 or -1
+ */
+int32_t getBMCProperty(const char *property, char **value);
+
+/** As getBMCProperty() with "Manufacturer", "Model" and so on. */
+int32_t getBMCManufacturer(char **value);
+int32_t getBMCModel(char **value);
+int32_t getBMCSerialNumber(char **value);
+int32_t getBMCPartNumber(char **value);
+
+/**
+ * Reads a field of the product, chassis or board area of the server's FRU
+ * memory. Several of these properties are extensions of the platform: one that
+ * publishes the public ones only gives -1 for the part and serial numbers of
+ * the chassis and for all of the board.
+ * @param[out] value  the text
+ * @return 0 or -1
+ */
+int32_t getProductAssetTag(char **value);
+int32_t getProductManufacturer(char **value);
+int32_t getProductPartNum(char **value);
+int32_t getProductPrettyName(char **value);
+int32_t getProductSerialNum(char **value);
+int32_t getProductVersion(char **value);
+int32_t getChassisPartNum(char **value);
+int32_t getChassisPrettyName(char **value);
+int32_t getChassisSerialNum(char **value);
+int32_t getBoardBuildDate(char **value);
+int32_t getBoardManufacturer(char **value);
+int32_t getBoardPartNum(char **value);
+int32_t getBoardPrettyName(char **value);
+int32_t getBoardSerialNum(char **value);
+
+/*
+ * BIOS configuration
+ *
+ * Choices of the BIOS setup, which the platform publishes but does not let
+ * write; all are extensions of the platform. All return 0, or -1 when the call
+ * failed. Other than elsewhere the output is written in both cases: 0 with -1.
+ * They raise SdBusError without a connection and std::bad_variant_access for a
+ * property of another type; the output is untouched then.
+ */
+
+/**
+ * Reads the boot type, or an entry of the boot order, first to fourth.
+ * @param[out] value  the BIOS's own code, 0 to 255
+ * @return 0 or -1
+ */
+int32_t getBiosBootType(uint32_t *value);
+int32_t getBiosBootOrder0(uint32_t *value);
+int32_t getBiosBootOrder1(uint32_t *value);
+int32_t getBiosBootOrder2(uint32_t *value);
+int32_t getBiosBootOrder3(uint32_t *value);
+
+/**
+ * Reads whether the host may boot from the network over IPv4 or IPv6, or
+ * whether its processors run several threads on a core.
+ * @param[out] value  0 or 1
+ * @return 0 or -1
+ */
+int32_t getBiosIPV4Support(uint32_t *value);
+int32_t getBiosIPV6Support(uint32_t *value);
+int32_t getBiosHyperThreading(uint32_t *value);
+
+/*
+ * Host power
+ *
+ * The functions raise SdBusError without a connection, and the getters
+ * std::bad_variant_access for a property that is no text.
+ */
+
+/**
+ * Reads the power state of the host. Services for x86 hosts publish no state
+ * of transition: the host is "PowerOn" until it is off, and "PowerOff" until
+ * it is on.
+ * @param[out] state  "PowerOn", "PoweringOn", "PoweringOff", "PowerOff" (also
+ *                    for a state that is none of the others) or "Unknown" (no
+ *                    state published); release it with free()
+ * @return 0, or -1 when the call failed or the state has no dot
+ */
+int32_t getSystemPowerState(char **state);
+
+/**
+ * Reads which transition of the host was requested last. The platform keeps
+ * the request whatever the host does afterwards, so it says nothing about the
+ * state.
+ * @param[out] code  0 off, 1 on, 2 reboot, 3 graceful warm reboot, 4 forced
+ *                   warm reboot, 255 none or another one
+ * @return 0 or -1
+ */
+int32_t getSystemPowerCtl(uint32_t *code);
+
+/**
+ * Requests a transition of the host. 0 says that it was accepted, not that it
+ * was done; -1 can also mean that the power or reset button is masked.
+ * @param code  as for getSystemPowerCtl(), 0 to 4
+ * @return 0, -1, or -3 for any other code
+ */
+int32_t setSystemPowerCtl(uint32_t code);
+
+/**
+ * Reads what the host does when power returns.
+ * @param[out] policy  "AlwaysOn", "AlwaysOff", "LastState" or "Unknown" (none
+ *                     published); release it with free(). Any leading part of
+ *                     a policy's full text is taken for the first such policy.
+ * @return 0, or -1 when the call failed or the policy is another one, such as
+ *         the platform's None
+ */
+int32_t getPowerRestorePolicy(char **policy);
+
+/**
+ * Chooses what the host does when power returns.
+ * @param policy  "AlwaysOn", "AlwaysOff" or "LastState" in any case, not NULL.
+ *                Any leading part is taken for the first word that it begins:
+ *                "Always" and "" are "AlwaysOn".
+ * @return 0, -1, or -3 for another word
+ */
+int32_t setPowerRestorePolicy(const char *policy);
+
+/*
+ * Time
+ *
+ * The functions that use the bus raise SdBusError without a connection, and
+ * their getters std::bad_variant_access for a property of another type.
+ */
+
+/**
+ * Reads the clock of the machine that the caller runs on.
+ * @param[out] seconds  since 1970, the lower 32 bits
+ * @return 0
+ */
+int32_t getTimeStamp(uint32_t *seconds);
+
+/**
+ * Reads the time zone of the calling process: the variable timezone of the C
+ * library, which is 0 until tzset() or localtime() was called.
+ * @param[out] offset  seconds west of UTC
+ * @return 0
+ */
+int32_t getTimeZone(int32_t *offset);
+
+/**
+ * Sets the clock of the management controller. The platform refuses with -1
+ * while the clock is synchronised with NTP; see setNtpServerStatus().
+ * @param seconds  since 1970
+ * @return 0 or -1
+ */
+int32_t setTimeStamp(int32_t seconds);
+
+/**
+ * Reads how the clock is set. The platform starts with NTP.
+ * @param[out] method  1 NTP, 0 by hand, 255 none or another one
+ * @return 0 or -1
+ */
+int32_t getNtpServerStatus(uint32_t *method);
+
+/**
+ * Chooses how the clock is set.
+ * @param method  1 for NTP, any other number for by hand
+ * @return 0 or -1
+ */
+int32_t setNtpServerStatus(int32_t method);
+
+/**
+ * Sets the NTP servers of every network interface of the controller. Network
+ * services newer than early 2022 accept this without effect: there
+ * StaticNTPServers is the property to write.
+ * @param servers  one to three IPv4 addresses with any number of blanks around
+ *                 them, not NULL
+ * @return 0 when all were written, when there is no interface, and also when
+ *         the object mapper does not answer; -1 at the first interface that
+ *         refuses, with those before it written; -3 for a name, an IPv6
+ *         address, more than three addresses or none
+ */
+int32_t setNtpServerIP(const char *servers);
+
+/**
+ * Reads the NTP servers of the first network interface. Newer network services
+ * list those in use, which include servers learnt by DHCP.
+ * @param[out] servers  the addresses or names, each followed by a blank, the
+ *                      last one too; release it with free(). Untouched when
+ *                      there are none.
+ * @return 0 or -1
+ */
+int32_t getNtpPreferServer(char **servers);
+
+/*
+ * Device UUID
+ */
+
+/**
+ * Derives an identifier of the management controller from its machine
+ * identifier, which it does not disclose. It is the same after every start.
+ * @param[out] uuid  36 characters in lower case, or "" when the machine has no
+ *                   identifier; release it with free()
+ * @return 0
+ */
+int32_t getBMCDeviceUUID(char **uuid);
 
 /*
  * Power supplies

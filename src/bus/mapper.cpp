@@ -67,6 +67,23 @@ sdbusplus::message_t newMapperCall(const char* member, const char* root,
     return request;
 }
 
+bool MappedObject::isOwnedBy(const char* prefix) const
+{
+    return std::strncmp(prefix, service, std::strlen(prefix)) == 0;
+}
+
+const char* ObjectList::firstOwnedBy(const char* prefix) const
+{
+    for (const auto& object : objects)
+    {
+        if (object.isOwnedBy(prefix))
+        {
+            return object.path;
+        }
+    }
+    return nullptr;
+}
+
 int32_t ObjectList::query(const char* root, const char* interface)
 {
     auto request = newMapperCall(subTreeMember, root, interface);
@@ -102,10 +119,9 @@ int32_t getDbusInterface(const char* prefix, const char* root,
     }
 
     std::vector<const char*> kept;
-    const auto prefixLength = std::strlen(prefix);
     for (const auto& object : objects)
     {
-        if (std::strncmp(prefix, object.service, prefixLength) == 0)
+        if (object.isOwnedBy(prefix))
         {
             kept.push_back(object.path);
         }

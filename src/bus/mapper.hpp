@@ -18,6 +18,8 @@ struct MappedObject
     const char* path;
     /** The first owner only, on purpose; "" for an object without owners. */
     const char* service;
+
+    bool isOwnedBy(const char* prefix) const;
 };
 
 /** What the object mapper lists; the texts stand in its reply. */
@@ -26,6 +28,9 @@ class ObjectList
   public:
     /** 0, or -1 with the list as it was when the query failed. */
     int32_t query(const char* root, const char* interface);
+
+    /** The first path whose owner's name begins with prefix, or null. */
+    const char* firstOwnedBy(const char* prefix) const;
 
     std::size_t size() const
     {

@@ -81,6 +81,53 @@ Texts textsOf(const char** values)
 }
 
 } // namespace
+
+int32_t readText(const Property& property, CText& value)
+{
+    return readAs<std::string>(property, [&](const std::string& text) {
+        if (!text.empty() && text.size() <= longestText)
+        {
+            value = copyText(text.c_str());
+        }
+    });
+}
+
+int32_t readText(const Property& property, char** value)
+{
+    CText text;
+    const auto code = readText(property, text);
+    if (text)
+    {
+        *value = text.release();
+    }
+    return code;
+}
+
+int32_t readTexts(const Property& property, Texts& values)
+{
+    return readAs<Texts>(property, [&](Texts& texts) { values.swap(texts); });
+}
+
+int32_t readByte(const Property& property, uint8_t* value)
+{
+    return readAs<uint8_t>(property, [&](uint8_t byte) { *value = byte; });
+}
+
+int32_t readFlag(const Property& property, uint8_t* value)
+{
+    return readAs<bool>(property, [&](bool flag) { *value = flag; });
+}
+
+int32_t writeText(const Property& property, const char* value)
+{
+    return writeProperty(property, std::string(value));
+}
+
+int32_t writeNumber(const Property& property, uint64_t value)
+{
+    return writeProperty(property, value);
+}
+
 } // namespace morvath
 
 using namespace morvath;
@@ -96,43 +143,38 @@ int32_t getDbusPropertyString(const char* service, const char* path,
                               const char* interface, const char* property,
                               char** value)
 {
-    return readAs<std::string>(
-        {service, path, interface, property}, [&](const std::string& text) {
-            if (!text.empty() && text.size() <= longestText)
-            {
-                *value = copyText(text.c_str()).release();
-            }
-        });
+    return readText({service, path, interface, property}, value);
 }
 
 int32_t getDbusPropertyVectorString(const char* service, const char* path,
                                     const char* interface, const char* property,
                                     char*** values, uint32_t* count)
 {
-    return readAs<Texts>({service, path, interface, property},
-                         [&](const Texts& texts) {
-                             if (!texts.empty())
-                             {
-                                 *values = copyTexts(texts);
-                             }
-                             *count = static_cast<uint32_t>(texts.size());
-                         });
+    Texts texts;
+    const auto code = readTexts({service, path, interface, property}, texts);
+    if (code == success)
+    {
+        if (!texts.empty())
+        {
+            *values = copyTexts(texts);
+        }
+        *count = static_cast<uint32_t>(texts.size());
+    }
+    return code;
 }
 
 int32_t getDbusPropertyUint8(const char* service, const char* path,
                              const char* interface, const char* property,
                              uint8_t* value)
 {
-    return readAs<uint8_t>({service, path, interface, property},
-                           [&](uint8_t byte) { *value = byte; });
+    return readByte({service, path, interface, property}, value);
 }
 
 int32_t getDbusPropertyBool(const char* service, const char* path,
                             const char* interface, const char* property,
                             uint8_t* value)
 {
-    return readAs<bool>({service, path, interface, property},
-                        [&](bool flag) { *value = flag; });
+    return readFlag({service, path, interface, property}, value);
 }
 
 int32_t _setDbusProperty(const char* service, const char* path,
@@ -153,15 +195,14 @@ int32_t setDbusPropertyUint64(const char* service, const char* path,
                               const char* interface, const char* property,
                               uint64_t value)
 {
-    return writeProperty({service, path, interface, property}, value);
+    return writeNumber({service, path, interface, property}, value);
 }
 
 int32_t setDbusPropertyString(const char* service, const char* path,
                               const char* interface, const char* property,
                               const char* value)
 {
-    return writeProperty({service, path, interface, property},
-                         std::string(value));
+    return writeText({service, path, interface, property}, value);
 }
 
 int32_t setDbusPropertyVectorString(const char* service, const char* path,

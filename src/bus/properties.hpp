@@ -1,5 +1,11 @@
 #pragma once
 
+#include "bus/c_memory.hpp"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
 namespace morvath
 {
 
@@ -11,6 +17,19 @@ struct Property
     const char* interface;
     const char* name;
 };
+
+// What the exported functions do, for a binding: 0, or -1 with the output as
+// it was. A property of another type raises.
+
+/** A text of 1 to 199 bytes; any other leaves the output as it was, too. */
+int32_t readText(const Property& property, CText& value);
+int32_t readText(const Property& property, char** value);
+
+int32_t readTexts(const Property& property, std::vector<std::string>& values);
+int32_t readByte(const Property& property, uint8_t* value);
+int32_t readFlag(const Property& property, uint8_t* value);
+int32_t writeText(const Property& property, const char* value);
+int32_t writeNumber(const Property& property, uint64_t value);
 
 constexpr auto propertiesInterface = "org.freedesktop.DBus.Properties";
 

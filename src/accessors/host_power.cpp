@@ -1,0 +1,109 @@
+#include "bus/call.hpp"
+#include "bus/properties.hpp"
+#include "morvath.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <string>
+#include <string_view>
+
+using namespace morvath;
+
+namespace
+{
+
+constexpr Property hostProperty(const char* name)
+{
+    return {"xyz.openbmc_project.State.Host",
+            "/xyz/openbmc_project/state/host0",
+            "xyz.openbmc_project.State.Host", name};
+}
+
+constexpr auto currentState = hostProperty("CurrentHostState");
+constexpr auto requestedTransition = hostProperty("RequestedHostTransition");
+
+constexpr auto unknownState = "Unknown";
+constexpr auto otherState = "PowerOff";
+
+struct StateWord
+{
+    std::string_view state;
+    const char* word;
+};
+
+constexpr std::array stateWords{
+    StateWord{"Running", "PowerOn"},
+    StateWord{"Quiesced", "PowerOn"},
+    StateWord{"DiagnosticMode", "PowerOn"},
+    StateWord{"TransitioningToRunning", "PoweringOn"},
+    StateWord{"TransitioningToOff", "PoweringOff"},
+};
+
+constexpr auto transitionPrefix = "xyz.openbmc_project.State.Host.Transition.";
+constexpr uint32_t otherTransition = 255;
+
+/** Each at the place of its code. */
+constexpr std::array transitions{
+    "Off", "On", "Reboot", "GracefulWarmReboot", "ForceWarmReboot",
+};
+
+const char* wordOf(std::string_view state)
+{
+    const auto found = std::ranges::find(stateWords, state, &StateWord::state);
+    return found == stateWords.end() ? otherState : found->word;
+}
+
+uint32_t codeOf(std::string_view transition)
+{
+    const auto found = std::ranges::find(transitions, transition);
+    return found == transitions.end()
+               ? otherTransition
+               : static_cast<uint32_t>(found - transitions.begin());
+}
+
+} // namespace
+
+int32_t getSystemPowerState(char** state)
+{
+    CText value;
+    if (const auto code = readText(currentState, value))
+    {
+        return code;
+    }
+    const char* word = unknownState;
+    if (value)
+    {
+        // A state without a dot is a failure here, on purpose, although
+        // getLastStr() knows a word for it.
+        const char* dot = std::strrchr(value.get(), '.');
+        if (!dot)
+        {
+            return busFailure;
+        }
+        word = wordOf(dot + 1);
+    }
+    *state = copyText(word).release();
+    return success;
+}
+
+int32_t getSystemPowerCtl(uint32_t* code)
+{
+    CText value;
+    if (const auto status = readText(requestedTransition, value))
+    {
+        return status;
+    }
+    *code = value ? codeOf(getLastStr(value.get())) : otherTransition;
+    return success;
+}
+
+int32_t setSystemPowerCtl(uint32_t code)
+{
+    if (code >= transitions.size())
+    {
+        return rejected;
+    }
+    const auto transition = std::string(transitionPrefix) + transitions[code];
+    return writeText(requestedTransition, transition.c_str());
+}

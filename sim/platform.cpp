@@ -72,10 +72,12 @@ class Platform::Implementation
                    CallSink sink) :
         log(std::move(sink)),
         faults(scenario.faults()),
+        machine(scenario.behaviours(), services),
         surroundings{event.get(),
                      busAddress,
                      log,
                      faults,
+                     machine,
                      mutex,
                      [this] { updateMapper(); },
                      [this] { reportLoss(); }}
@@ -98,6 +100,7 @@ class Platform::Implementation
     // The order matters: what is used stands before its users.
     CallLog log;
     FaultTable faults;
+    const Machine machine;
     std::mutex mutex;
     const Event event = newEvent();
     const Descriptor stop = newEventDescriptor();

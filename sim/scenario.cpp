@@ -23,8 +23,8 @@ class ScenarioReader
     {
         const Json json = parseJson(text, sourceName);
         const JsonCursor root(json, sourceName);
-        root.allowOnly({"format", "description", "extends", "mapper", "objects",
-                        "faults"});
+        root.allowOnly({"format", "description", "extends", "mapper",
+                        "behaviours", "objects", "faults"});
         const JsonCursor format = root.member("format");
         if (format.json() != 1)
         {
@@ -83,6 +83,10 @@ class ScenarioReader
         const auto faults = root.find("faults");
         scenario.faults_ =
             faults ? faultsFromJson(*faults) : std::vector<Fault>{};
+        if (const auto behaviours = root.find("behaviours"))
+        {
+            scenario.behaviours_ = behavioursFromJson(*behaviours);
+        }
         if (const auto objects = root.find("objects"))
         {
             readObjects(*objects, scenario.objects_);
@@ -91,6 +95,20 @@ class ScenarioReader
         {
             root.fail("the object mapper's name is taken by a service");
         }
+    }
+
+    static std::set<Behaviour> behavioursFromJson(const JsonCursor& json)
+    {
+        std::set<Behaviour> behaviours;
+        json.forEachElement([&](const JsonCursor& name) {
+            const auto behaviour = behaviourOf(name.text());
+            if (!behaviour)
+            {
+                name.fail("there is no behaviour \"" + name.text() + "\"");
+            }
+            behaviours.insert(*behaviour);
+        });
+        return behaviours;
     }
 
     static void readObjects(const JsonCursor& json,

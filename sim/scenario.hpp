@@ -1,5 +1,6 @@
 #pragma once
 
+#include "sim/behaviour.hpp"
 #include "sim/fault.hpp"
 #include "sim/json_cursor.hpp"
 #include "sim/value.hpp"
@@ -78,6 +79,11 @@ class Scenario
         return faults_;
     }
 
+    const std::set<Behaviour>& behaviours() const noexcept
+    {
+        return behaviours_;
+    }
+
     bool hasMapper() const noexcept
     {
         return hasMapper_;
@@ -92,6 +98,7 @@ class Scenario
     std::string description_;
     std::vector<Object> objects_;
     std::vector<Fault> faults_;
+    std::set<Behaviour> behaviours_;
     bool hasMapper_ = true;
 };
 

@@ -282,7 +282,8 @@ Message Service::setProperty(const Request& request, Node& node,
                              const MissingProperties& missing)
 {
     Property& property = settableProperty(request, node, missing);
-    apply({*this, request.path, request.text(0), property, newValue(request)});
+    apply({surroundings_.machine, *this, request.path, request.text(0),
+           property, newValue(request)});
     return newReply(request.message);
 }
 

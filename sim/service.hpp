@@ -2,6 +2,7 @@
 
 #include "sim/call_log.hpp"
 #include "sim/fault_table.hpp"
+#include "sim/machine.hpp"
 #include "sim/object_tree.hpp"
 #include "sim/request.hpp"
 
@@ -22,6 +23,7 @@ struct Surroundings
     std::string busAddress;
     CallLog& log;
     FaultTable& faults;
+    const Machine& machine;
     /** Held while a call is answered. */
     std::mutex& mutex;
     /** A service died or published other associations. */

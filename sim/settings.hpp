@@ -1,5 +1,6 @@
 #pragma once
 
+#include "sim/machine.hpp"
 #include "sim/service.hpp"
 
 #include <string_view>
@@ -10,6 +11,7 @@ namespace morvath::sim
 /** A Set call of the right type for a property that may be written. */
 struct Setting
 {
+    const Machine& machine;
     Service& service;
     std::string_view path;
     std::string_view interface;

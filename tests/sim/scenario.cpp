@@ -98,6 +98,8 @@ TEST(Scenario, BadInputIsRefusedWithItsPlace)
         {std::string(200, '['), "file: the nesting is too deep"},
         {R"({"format": 1, "mapper": 0})",
          "file: /mapper: must be true or false"},
+        {R"({"format": 1, "behaviours": ["host-power", "magic"]})",
+         "file: /behaviours/1: there is no behaviour \"magic\""},
         {R"({"format": 1, "objects": {}})", "file: /objects: must be an array"},
         {R"({"format": 1, "extends": "none.json"})",
          "file: /extends: there is no file none.json"},
@@ -182,6 +184,7 @@ TEST(Scenario, ExtensionReplacesAddsAndRemoves)
 {
     const Folder folder;
     folder.write("base.json", R"({"format": 1, "mapper": false,
+        "behaviours": ["host-power"],
         "faults": [{"when": {}, "then": {"die": true}}], "objects": [
         {"path": "/a", "services": [{"name": "x.A", "interfaces": {}}]},
         {"path": "/b", "services": [{"name": "x.B", "interfaces": {}}]}]})");
@@ -196,6 +199,11 @@ TEST(Scenario, ExtensionReplacesAddsAndRemoves)
     EXPECT_EQ(scenario.objects()[1].path, "/c");
     EXPECT_TRUE(scenario.faults().empty());
     EXPECT_TRUE(scenario.hasMapper());
+    EXPECT_EQ(scenario.behaviours(), std::set{sim::Behaviour::hostPower});
+    EXPECT_TRUE(Scenario::load(folder.write("none.json", R"({"format": 1,
+            "extends": "base.json", "behaviours": []})"))
+                    .behaviours()
+                    .empty());
 }
 
 TEST(Scenario, ExtendingInACircleIsRefused)

@@ -35,6 +35,12 @@ Machine& Machine::withoutMapper()
     return *this;
 }
 
+Machine& Machine::behaves(const std::string& behaviour)
+{
+    document["behaviours"].push_back(behaviour);
+    return *this;
+}
+
 sim::Scenario Machine::scenario() const
 {
     return sim::Scenario::parse(document.dump(), "test");

@@ -23,6 +23,7 @@ class Machine
                   const Json& interfaces);
     Machine& fault(const Json& when, const Json& then);
     Machine& withoutMapper();
+    Machine& behaves(const std::string& behaviour);
 
     sim::Scenario scenario() const;
 

@@ -1,0 +1,120 @@
+#include "morvath.h"
+#include "support/machine.hpp"
+#include "support/result.hpp"
+
+#include <gtest/gtest.h>
+
+namespace morvath::tests
+{
+namespace
+{
+
+constexpr auto service = "xyz.openbmc_project.State.Host";
+constexpr auto path = "/xyz/openbmc_project/state/host0";
+constexpr auto interface = "xyz.openbmc_project.State.Host";
+
+Machine host(const std::string& property, const std::string& value)
+{
+    return Machine().owns(path, service,
+                          {{interface, {{property, text(value)}}}});
+}
+
+TEST(PowerState, HasFourWords)
+{
+    const std::string state = "xyz.openbmc_project.State.Host.HostState.";
+    const std::pair<std::string, TextResult> cases[]{
+        {state + "Running", {0, "PowerOn"}},
+        {state + "Quiesced", {0, "PowerOn"}},
+        {state + "DiagnosticMode", {0, "PowerOn"}},
+        {state + "TransitioningToRunning", {0, "PoweringOn"}},
+        {state + "TransitioningToOff", {0, "PoweringOff"}},
+        {state + "Off", {0, "PowerOff"}},
+        {state + "Standby", {0, "PowerOff"}},
+        {state + "running", {0, "PowerOff"}},
+        {state, {0, "PowerOff"}},
+        {".Running", {0, "PowerOn"}},
+        {"Running", {-1, nothing}},
+        {"", {0, "Unknown"}},
+        {state + std::string(200, 'x'), {0, "Unknown"}},
+    };
+    for (const auto& [value, result] : cases)
+    {
+        sim::Platform platform(host("CurrentHostState", value).scenario());
+        EXPECT_EQ(readText(getSystemPowerState), result) << value;
+    }
+    EXPECT_EQ(readText(getSystemPowerState), (TextResult{-1, nothing}));
+}
+
+TEST(PowerControl, GivesTheCodeOfTheLastRequest)
+{
+    const std::string transition = "xyz.openbmc_project.State.Host.Transition.";
+    const std::pair<std::string, uint32_t> cases[]{
+        {transition + "Off", 0},
+        {transition + "On", 1},
+        {transition + "Reboot", 2},
+        {transition + "GracefulWarmReboot", 3},
+        {transition + "ForceWarmReboot", 4},
+        {transition + "ForceWarm", 255},
+        {transition, 255},
+        {"x.On", 1},
+        {"On", 255},
+        {"", 255},
+    };
+    for (const auto& [value, code] : cases)
+    {
+        sim::Platform platform(
+            host("RequestedHostTransition", value).scenario());
+        EXPECT_EQ(readNumber(getSystemPowerCtl), (NumberResult{0, code}))
+            << value;
+    }
+    EXPECT_EQ(readNumber(getSystemPowerCtl), (NumberResult{-1, nothing}));
+}
+
+TEST(PowerControl, RequestsTheTransitionOfACode)
+{
+    const std::pair<uint32_t, const char*> cases[]{
+        {0, "xyz.openbmc_project.State.Host.Transition.Off"},
+        {1, "xyz.openbmc_project.State.Host.Transition.On"},
+        {2, "xyz.openbmc_project.State.Host.Transition.Reboot"},
+        {3, "xyz.openbmc_project.State.Host.Transition.GracefulWarmReboot"},
+        {4, "xyz.openbmc_project.State.Host.Transition.ForceWarmReboot"},
+    };
+    sim::Platform platform(sim::Scenario::standard());
+    for (const auto& [code, transition] : cases)
+    {
+        platform.clearCalls();
+        EXPECT_EQ(setSystemPowerCtl(code), 0);
+        const auto calls = platform.calls();
+        ASSERT_EQ(calls.size(), 1u);
+        EXPECT_EQ(calls[0].service, service);
+        EXPECT_EQ(calls[0].path, path);
+        EXPECT_EQ(
+            calls[0].arguments,
+            Json({interface, "RequestedHostTransition", text(transition)}));
+        EXPECT_EQ(readNumber(getSystemPowerCtl), (NumberResult{0, code}));
+    }
+}
+
+TEST(PowerControl, RefusesOtherCodesWithoutACall)
+{
+    sim::Platform platform(sim::Scenario::standard());
+    for (const auto code : {5u, 255u, static_cast<uint32_t>(-1)})
+    {
+        EXPECT_EQ(setSystemPowerCtl(code), -3) << code;
+    }
+    EXPECT_TRUE(platform.calls().empty());
+}
+
+TEST(PowerControl, ReportsARefusal)
+{
+    EXPECT_EQ(setSystemPowerCtl(1), -1);
+    sim::Platform platform(
+        host("RequestedHostTransition", "")
+            .fault({{"member", "Set"}},
+                   {{"error", "org.freedesktop.DBus.Error.InvalidArgs"}})
+            .scenario());
+    EXPECT_EQ(setSystemPowerCtl(1), -1);
+}
+
+} // namespace
+} // namespace morvath::tests

@@ -33,10 +33,14 @@ int run(int argc, char** argv)
     Action action;
     addShow(app, action);
     addSensors(app, action);
+    addFacts(app, action);
+    addGet(app, action);
     addSet(app, action);
     try
     {
         app.parse(argc, argv);
+        const bool done = action();
+        return flushed() && done ? complete : incomplete;
     }
     catch (const CLI::Success& request)
     {
@@ -47,8 +51,6 @@ int run(int argc, char** argv)
         std::fprintf(stderr, "morvath: %s\n", error.what());
         return misused;
     }
-    const bool done = action();
-    return flushed() && done ? complete : incomplete;
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "catalogue.hpp"
 #include "command.hpp"
+#include "options.hpp"
 #include "show.hpp"
 
 #include <algorithm>

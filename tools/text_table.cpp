@@ -19,6 +19,8 @@ bool isControl(char character)
     return byte < 0x20 || byte == 0x7f;
 }
 
+} // namespace
+
 std::string textOf(const Value& value)
 {
     if (value.is_null())
@@ -34,6 +36,9 @@ std::string textOf(const Value& value)
     std::ranges::replace_if(text, isControl, '?');
     return text;
 }
+
+namespace
+{
 
 /** In characters: the bytes that continue one are not counted. */
 std::size_t widthOf(std::string_view text)

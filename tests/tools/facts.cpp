@@ -1,0 +1,261 @@
+#include "support/machine.hpp"
+#include "support/program.hpp"
+
+#include <gtest/gtest.h>
+
+namespace morvath::tests
+{
+namespace
+{
+
+constexpr auto inventory = "xyz.openbmc_project.Inventory.Manager";
+constexpr auto asset = "xyz.openbmc_project.Inventory.Decorator.Asset";
+const std::string board =
+    "/xyz/openbmc_project/inventory/system/chassis/motherboard";
+constexpr auto settings = "xyz.openbmc_project.Settings";
+constexpr auto policyPath =
+    "/xyz/openbmc_project/control/host0/power_restore_policy";
+constexpr auto policy = "xyz.openbmc_project.Control.Power.RestorePolicy";
+
+Outcome morvath(const std::string& arguments)
+{
+    return run("MORVATH", arguments);
+}
+
+/** A board of which one property is there, one empty and one of no text. */
+Machine poorBoard()
+{
+    return Machine().owns(board + "/board", inventory,
+                          {{asset,
+                            {{"BoardPartNumber", text("VSB\x1b-1")},
+                             {"BoardSerialNumber", text("")},
+                             {"BoardManufacturer", property("u", 1)}}}});
+}
+
+TEST(Facts, AreListedWithSummaries)
+{
+    const auto all = morvath("facts");
+    EXPECT_EQ(all.status, 0);
+    EXPECT_NE(all.output.find("\nbios-vendor            maker of the BIOS\n"),
+              std::string::npos);
+    EXPECT_NE(all.output.find("\npower-control          last requested "
+                              "transition of the host (can be set)\n"),
+              std::string::npos);
+}
+
+TEST(Get, PrintsOneValueAloneAndSeveralWithNames)
+{
+    sim::Platform platform(sim::Scenario::standard());
+    EXPECT_EQ(morvath("get system-model").output, "VS2-2288\n");
+    const auto several =
+        morvath("get ntp-servers bios-boot-order-3 bios-ipv6-pxe power-state");
+    EXPECT_EQ(several.status, 0);
+    EXPECT_EQ(several.output, "ntp-servers:       10.20.30.5 10.20.30.6\n"
+                              "bios-boot-order-3: 255\n"
+                              "bios-ipv6-pxe:     no\n"
+                              "power-state:       PowerOn\n");
+}
+
+TEST(Get, HasEveryFactOfTheServer)
+{
+    sim::Platform platform(sim::Scenario::standard());
+    const auto all = morvath("get --all --json");
+    EXPECT_EQ(all.status, 0);
+    EXPECT_EQ(all.errors, "");
+    auto document = Json::parse(all.output);
+    EXPECT_EQ(document["formatVersion"], 1);
+    EXPECT_EQ(document["errors"], Json::array());
+    auto& facts = document["facts"];
+    EXPECT_EQ(facts.size(), 46u);
+    const auto expected = Json::parse(R"({
+        "product-asset-tag": "DC4-R07-U12", "chassis-name":
+        "2U chassis, 25 bays", "board-name": "VSB-4410",
+        "bmc-model": "KM2600", "bmc-version": "3.2.1-r0",
+        "bios-version": "VSB4410.2.14.0", "cpld-version": "1.07",
+        "bios-boot-type": 1, "bios-hyper-threading": true,
+        "power-control": "on", "power-restore-policy": "LastState",
+        "time-sync": "ntp", "ntp-servers": ["10.20.30.5", "10.20.30.6"]})");
+    for (const auto& [name, value] : expected.items())
+    {
+        EXPECT_EQ(facts[name], value) << name;
+    }
+    for (const auto& [name, value] : facts.items())
+    {
+        // The machine of the tests may be without an identifier.
+        EXPECT_TRUE(!value.is_null() || name == "bmc-uuid") << name;
+    }
+}
+
+TEST(Get, TellsTheMissingFromTheFailed)
+{
+    const auto noneKnown = policy + std::string(".Policy.None");
+    const auto machine =
+        poorBoard()
+            .owns(policyPath, settings,
+                  {{policy, {{"PowerRestorePolicy", text(noneKnown)}}}})
+            .owns("/xyz/openbmc_project/time/sync_method", settings,
+                  {{"xyz.openbmc_project.Time.Synchronization",
+                    {{"TimeSyncMethod", text("")}}}})
+            .fault({{"path", "/xyz/openbmc_project/time/sync_method"}},
+                   {{"silent", true}});
+    struct
+    {
+        const char* fact;
+        const char* output;
+        const char* error;
+    } const cases[]{
+        {"system-model", "n/a\n", "the platform does not have it"},
+        {"bmc-version", "n/a\n", "the platform does not have it"},
+        {"ntp-servers", "n/a\n", "the platform does not have it"},
+        {"product-version", "n/a\n", "the platform does not have it"},
+        {"board-name", "n/a\n", "the platform does not have it"},
+        {"board-build-date", "n/a\n", "the platform does not have it"},
+        {"board-serial-number", "n/a\n", "the platform does not have it"},
+        {"board-manufacturer", "", "the property is of an unexpected type"},
+        {"power-restore-policy", "",
+         "the platform does not answer, refuses, or holds an unknown value"},
+        {"time-sync", "", "sd_bus_call: org.freedesktop.DBus.Error.Timeout: "},
+    };
+    sim::Platform platform(machine.scenario());
+    for (const auto& [fact, output, error] : cases)
+    {
+        const auto arguments = std::string(fact) + " --timeout 0.2";
+        const auto one = morvath("get " + arguments);
+        EXPECT_EQ(one.status, 1) << fact;
+        EXPECT_EQ(one.output, output) << fact;
+        EXPECT_TRUE(one.errors.starts_with("morvath: " + std::string(fact) +
+                                           ": " + error))
+            << one.errors;
+        const auto json =
+            Json::parse(morvath("get --json " + arguments).output);
+        EXPECT_EQ(json["facts"][fact], nullptr);
+        EXPECT_EQ(json["errors"].size(), *output ? 0u : 1u) << fact;
+    }
+}
+
+TEST(Get, FindsNothingWrongWithAPoorPlatform)
+{
+    auto machine =
+        Machine().owns(board + "/board", inventory,
+                       {{asset, {{"BoardPartNumber", text("VSB\x1b-1")}}}});
+    {
+        sim::Platform platform(machine.scenario());
+        const auto all = morvath("get --all");
+        EXPECT_EQ(all.status, 0);
+        EXPECT_EQ(all.errors, "");
+        EXPECT_NE(all.output.find("\nboard-part-number:     VSB?-1\n"),
+                  std::string::npos);
+        EXPECT_NE(all.output.find("\npower-state:           n/a\n"),
+                  std::string::npos);
+    }
+    sim::Platform platform(
+        machine.fault({{"member", "Get"}}, {{"error", "com.example.No"}})
+            .scenario());
+    const auto all = morvath("get --all");
+    EXPECT_EQ(all.status, 1);
+    EXPECT_EQ(all.errors, "morvath: board-part-number: the platform does not "
+                          "answer, refuses, or holds an unknown value\n");
+    EXPECT_EQ(all.output.find("board-part-number"), std::string::npos);
+}
+
+TEST(Set, ChangesWhatGetShows)
+{
+    struct
+    {
+        const char* fact;
+        const char* value;
+        const char* shown;
+    } const cases[]{
+        {"system-asset-tag", "'a b'", "a b\n"},
+        {"system-host-name", "time", "time\n"},
+        {"power-control", "force-warm-reboot", "force-warm-reboot\n"},
+        {"power-control", "0", "off\n"},
+        {"power-restore-policy", "alwayson", "AlwaysOn\n"},
+        {"time-sync", "manual", "manual\n"},
+        {"time-sync", "1", "ntp\n"},
+        {"ntp-servers", "'10.0.0.1  10.0.0.2'", "10.0.0.1 10.0.0.2\n"},
+    };
+    sim::Platform platform(sim::Scenario::standard());
+    for (const auto& [fact, value, shown] : cases)
+    {
+        const auto done = morvath(std::string("set ") + fact + ' ' + value);
+        EXPECT_EQ(done.status, 0) << fact;
+        EXPECT_EQ(done.output + done.errors, "") << fact;
+        EXPECT_EQ(morvath(std::string("get ") + fact).output, shown) << fact;
+    }
+    EXPECT_EQ(morvath("get power-state").output, "PowerOff\n");
+}
+
+TEST(Set, WritesTheTimeInSeconds)
+{
+    sim::Platform platform(sim::Scenario::standard());
+    const auto refused = morvath("set time 5");
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_EQ(refused.errors, "morvath: time: the platform refuses the value, "
+                              "or does not answer\n");
+    EXPECT_EQ(morvath("set time-sync manual").status, 0);
+    EXPECT_EQ(morvath("set time 5").status, 0);
+    EXPECT_EQ(platform.property("xyz.openbmc_project.Time.Manager",
+                                "/xyz/openbmc_project/time/bmc",
+                                "xyz.openbmc_project.Time.EpochTime",
+                                "Elapsed"),
+              5000000);
+}
+
+TEST(Set, NoticesASettingWithoutEffect)
+{
+    Machine machine;
+    EXPECT_EQ(morvath("set power-control on").errors,
+              "morvath: power-control: the platform does not answer, or has "
+              "nothing of this kind\n");
+    machine.behaves("ntp-servers-in-use")
+        .owns("/xyz/openbmc_project/network/eth0",
+              "xyz.openbmc_project.Network",
+              {{"xyz.openbmc_project.Network.EthernetInterface",
+                {{"NTPServers", property("as", {"10.0.0.5"})}}}});
+    sim::Platform platform(machine.scenario());
+    EXPECT_EQ(morvath("set power-control on").errors,
+              "morvath: power-control: the platform does not have it\n");
+    const auto ignored = morvath("set ntp-servers 10.0.0.1");
+    EXPECT_EQ(ignored.status, 1);
+    EXPECT_EQ(ignored.errors, "morvath: ntp-servers: the platform accepted "
+                              "the value, but does not use it\n");
+}
+
+TEST(Set, RefusesMisuseWithoutACall)
+{
+    sim::Platform platform(sim::Scenario::standard());
+    const std::pair<const char*, const char*> cases[]{
+        {"get", "FACT or --all is required"},
+        {"get nothing", "FACT: there is no fact nothing"},
+        {"set", "a setting is required"},
+        {"set nothing x", "set: nothing cannot be set"},
+        {"set board-name x", "set: board-name cannot be set"},
+        {"set time", "VALUE is required"},
+        {"set time 1s",
+         "time: \"1s\" is not a whole number of seconds, from -2147483648 to "
+         "2147483647"},
+        {"set power-control 5",
+         "power-control: \"5\" is not off, on, reboot, graceful-warm-reboot, "
+         "force-warm-reboot or 0 to 4"},
+        {"set time-sync 2", "time-sync: \"2\" is not ntp, manual, 1 or 0"},
+        {"set power-restore-policy never",
+         "power-restore-policy: \"never\" is not AlwaysOn, AlwaysOff or "
+         "LastState"},
+        {"set power-restore-policy ''",
+         "power-restore-policy: \"\" is not AlwaysOn, AlwaysOff or LastState"},
+        {"set ntp-servers ntp.example",
+         "ntp-servers: \"ntp.example\" is not one to three IPv4 addresses "
+         "with blanks in between"},
+    };
+    for (const auto& [arguments, error] : cases)
+    {
+        const auto misuse = morvath(arguments);
+        EXPECT_EQ(misuse.status, 2) << arguments;
+        EXPECT_EQ(misuse.errors, "morvath: " + std::string(error) + '\n');
+    }
+    EXPECT_TRUE(platform.calls().empty());
+}
+
+} // namespace
+} // namespace morvath::tests

@@ -21,6 +21,7 @@ constexpr int32_t success = 0;
 constexpr int32_t busFailure = -1;
 constexpr int32_t outOfMemory = -2;
 constexpr int32_t rejected = -3;
+constexpr int32_t raidFailure = -4;
 
 /** Runs one exchange with the bus, from the call to the end of its reply. */
 template <typename Exchange>

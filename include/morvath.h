@@ -21,6 +21,7 @@
  *   -1  a call on the bus failed or its reply could not be read
  *   -2  the array of records could not be allocated
  *   -3  an argument was refused before anything was sent
+ *   -4  the RAID management library failed
  *
  * Outputs. They are written on success only, unless a function says
  * otherwise; set them to NULL or 0 before the call.
@@ -894,6 +895,120 @@ void free_port_entry_content(PortInfoEntry *one);
  * NetworkPorts/PORT, would have more than 127 characters.
  */
 int32_t setLldpEnalbed(const char *adapter, const char *port, int32_t enabled);
+
+/*
+ * Disks
+ */
+
+/** A disk, on the bus or behind a RAID controller. Texts may be NULL. */
+typedef struct HddInfoEntry
+{
+    int32_t id;           /**< always 0 */
+    char *name;           /**< name, or last segment of the object's path;
+                               vendor-model-serial behind a controller */
+    char *manufacturer;   /**< maker */
+    char *model;          /**< maker's model */
+    char *serialNumber;   /**< maker's serial number */
+    char *mediaType;      /**< such as "SSD" */
+    char *protocol;       /**< such as "NVMe" */
+    char *revision;       /**< firmware; "UnKnown" behind a controller */
+    char *diskUsage;      /**< usage figure as the platform has it */
+    char *capableSpeed;   /**< speed with its unit, such as "12GB/s" */
+    int32_t diskTemp;     /**< temperature in degrees Celsius */
+    uint32_t capacityGiB; /**< capacity in units of 2^30 bytes, cut off */
+    int32_t present;      /**< 1 if the disk is there, otherwise 0 */
+    int32_t reserved1;    /**< always 0 */
+    int32_t reserved2;    /**< always 0 */
+} HddInfoEntry;
+
+/**
+ * Reads all disks: first those on the bus, then every drive behind a RAID
+ * controller. Drives of controllers are left out altogether when one of them
+ * cannot be read; that is no error.
+ * @param[out] outArray  the records; freed texts when a conversion raises,
+ *                       with the array left to the caller
+ * @param[out] outCount  set, not added to, and only when 0 is returned
+ * @return 0, -1 or -2
+ * @throws as all tables; std::logic_error also for a disk on the bus without
+ *         temperature, capacity, speed or presence
+ */
+int32_t getHddTableInfo(HddInfoEntry **outArray, int32_t *outCount);
+
+/** Releases the texts of one record and sets them to NULL. */
+void freeHddInfoEntry(HddInfoEntry *one);
+
+/*
+ * RAID
+ *
+ * These come from the platform's RAID management library and not from the
+ * bus. Without a RAID manager both functions return 0, set the counter to 0
+ * and leave the array untouched.
+ */
+
+/** A RAID controller. No text is NULL. */
+typedef struct RaidControllerEntry
+{
+    int32_t id;                /**< always 0 */
+    char *name;                /**< name of the controller */
+    char *idText1;             /**< first identity text of the controller */
+    char *confText1;           /**< configured text, or "unknown" */
+    char *confText2;           /**< configured text, or "unknown" */
+    char *confText3;           /**< configured text, or "unknown" */
+    char *confText4;           /**< configured text, or "unknown" */
+    char *idText3;             /**< third identity text; before the second */
+    char *idText2;             /**< second identity text */
+    char *vendorId;            /**< PCI vendor, such as "0x0015" */
+    char *deviceId;            /**< PCI device, likewise */
+    char *subVendorId;         /**< PCI subsystem vendor, likewise */
+    char *subDeviceId;         /**< PCI subsystem, likewise */
+    char *driveInterfaces;     /**< "SAS, SATA" for every controller */
+    char *supportedRaidLevels; /**< as the management library lists them */
+    char *hostInterface;       /**< "PCIE" for every controller */
+    int32_t byteProperty;      /**< 8-bit figure of the controller */
+    int32_t wordProperty;      /**< 16-bit figure of the controller */
+    int32_t reserved1;         /**< always 0 */
+    int32_t reserved2;         /**< always 0 */
+} RaidControllerEntry;
+
+/**
+ * Reads all RAID controllers.
+ * @param[out] outArray  the records. When a controller cannot be read it is
+ *                       freed and not reset: ignore it unless 0 is returned.
+ * @param[out] outCount  set, not added to; ignore it unless 0 is returned
+ * @return 0, -2, or -4 when the controllers cannot be listed (outputs
+ *         untouched) or one cannot be read
+ */
+int32_t getRaidControllerInfo(RaidControllerEntry **outArray,
+                              int32_t *outCount);
+
+/** Releases the texts of one record and sets them to NULL. */
+void freeRaidControllerEntry(RaidControllerEntry *one);
+
+/** A drive behind a RAID controller. No text is NULL. */
+typedef struct RaidHddEntry
+{
+    int32_t id;           /**< always 0 */
+    char *raidLevel;      /**< level of its logical drive, or "-" */
+    char *state;          /**< state of the drive, or "-" */
+    char *driveText;      /**< short text of the drive, or "-" */
+    char *controllerName; /**< name of its controller, or "-" */
+    int32_t reserved1;    /**< always 0 */
+    int32_t reserved2;    /**< always 0 */
+} RaidHddEntry;
+
+/**
+ * Reads all drives behind RAID controllers. A drive whose controller cannot be
+ * read has "-" in all texts. Levels go by the drive's number alone: drives
+ * with the same number behind two controllers have the same level.
+ * @param[out] outArray  the records
+ * @param[out] outCount  set, not added to
+ * @return 0, -2, or -4 with outputs untouched when logical or physical drives
+ *         cannot be read
+ */
+int32_t getRaidHddTableInfo(RaidHddEntry **outArray, int32_t *outCount);
+
+/** Releases the texts of one record and sets them to NULL. */
+void free_raid_hdd_entry(RaidHddEntry *one);
 
 #ifdef __cplusplus
 } // extern "C"

@@ -92,8 +92,7 @@ bool readInfos(const std::vector<uint32_t>& raidIds,
 
 } // namespace
 
-int32_t getRaidControllerInfo(RaidControllerEntry** outArray,
-                              int32_t* outCount)
+int32_t getRaidControllerInfo(RaidControllerEntry** outArray, int32_t* outCount)
 {
     if (vontel::checkRaidMgrExist() == 0)
     {

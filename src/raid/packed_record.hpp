@@ -18,8 +18,7 @@ class PackedRecord
   public:
     template <typename Record>
     explicit PackedRecord(const Record& record) : bytes(record.bytes)
-    {
-    }
+    {}
 
     uint8_t byte(std::size_t offset) const
     {

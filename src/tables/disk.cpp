@@ -3,9 +3,9 @@
 #include "raid/physical_drives.hpp"
 #include "tables/table.hpp"
 
-#include <algorithm>
 #include <array>
 #include <cstring>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -150,7 +150,10 @@ int32_t getHddTableInfo(HddInfoEntry** outArray, int32_t* outCount)
     catch (...)
     {
         // The count is not written yet, so the caller could not release them.
-        std::for_each(records, records + count, freeHddInfoEntry);
+        for (auto& record : std::span(records, count))
+        {
+            freeHddInfoEntry(&record);
+        }
         throw;
     }
     *outCount = count;

@@ -2,6 +2,7 @@
 
 #include "sim/daemon.hpp"
 #include "sim/descriptor.hpp"
+#include "sim/memory_file.hpp"
 #include "sim/platform.hpp"
 #include "sim/process.hpp"
 
@@ -84,11 +85,13 @@ int runCommand(const Scenario& scenario, const CallSink& sink,
     // In this order, so that names are released while there is still a bus.
     const Daemon daemon;
     const Platform platform(scenario, daemon.address(), sink);
+    const MemoryFile raid(scenario.raid().dump());
     const ProcessOptions options{
         .environment = {{"DBUS_STARTER_BUS_TYPE", "system"},
                         {"DBUS_STARTER_ADDRESS", daemon.address()},
                         {"DBUS_SYSTEM_BUS_ADDRESS", daemon.address()},
-                        {"DBUS_SESSION_BUS_ADDRESS", daemon.address()}},
+                        {"DBUS_SESSION_BUS_ADDRESS", daemon.address()},
+                        {"MORVATH_SIM_RAID", raid.path()}},
         .deathSignal = SIGTERM};
     try
     {

@@ -192,7 +192,7 @@ void JsonCursor::forEachMember(
     }
 }
 
-void JsonCursor::allowOnly(std::initializer_list<std::string_view> keys) const
+void JsonCursor::allowOnly(const std::vector<std::string_view>& keys) const
 {
     forEachMember([&](const std::string& key, const JsonCursor& child) {
         if (std::find(keys.begin(), keys.end(), key) == keys.end())

@@ -1,13 +1,17 @@
 #pragma once
 
-#include "sim/value.hpp"
+#include "sim/json.hpp"
 
+#include <concepts>
+#include <cstdint>
 #include <functional>
-#include <initializer_list>
+#include <limits>
 #include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 namespace morvath::sim
 {
@@ -46,9 +50,31 @@ class JsonCursor
         const std::function<void(const std::string&, const JsonCursor&)>&
             action) const;
 
-    void allowOnly(std::initializer_list<std::string_view> keys) const;
+    void allowOnly(const std::vector<std::string_view>& keys) const;
     const std::string& text() const;
     bool flag() const;
+
+    /**
+     * A whole number that the type can hold.
+     * @param[in] remark  stands at the end of the error message
+     */
+    template <std::integral Number>
+    Number number(const std::string& remark = {}) const
+    {
+        const bool fits =
+            json_->is_number_unsigned()
+                ? std::in_range<Number>(json_->get<std::uint64_t>())
+                : json_->is_number_integer() &&
+                      std::in_range<Number>(json_->get<std::int64_t>());
+        if (!fits)
+        {
+            using Limits = std::numeric_limits<Number>;
+            fail("must be a whole number from " +
+                 std::to_string(Limits::min()) + " to " +
+                 std::to_string(Limits::max()) + remark);
+        }
+        return json_->get<Number>();
+    }
 
   private:
     JsonCursor(const Json& json, std::string_view source, std::string pointer);

@@ -25,6 +25,7 @@ struct Options
     std::string log;
     std::string address;
     std::vector<std::string> command;
+    bool raidOnly = false;
 };
 
 /** Writes calls as lines of JSON; discards them without a file. */
@@ -97,6 +98,11 @@ void addLogOption(CLI::App& command, Options& options)
 int checkScenario(const Options& options)
 {
     const Scenario scenario = chosenScenario(options);
+    if (options.raidOnly)
+    {
+        std::puts(scenario.raid().dump(2).c_str());
+        return EXIT_SUCCESS;
+    }
     std::printf("%zu objects, %zu services, %zu faults%s%s\n",
                 scenario.objects().size(), scenario.services().size(),
                 scenario.faults().size(),
@@ -171,6 +177,8 @@ void addCheck(CLI::App& app, Options& options, Action& chosen)
     CLI::App* command =
         app.add_subcommand("scenario", "Check a scenario and sum it up");
     addScenarioOption(*command, options);
+    command->add_flag("--raid", options.raidOnly,
+                      "Print its RAID section, for MORVATH_SIM_RAID");
     command->callback([&] { chosen = checkScenario; });
 }
 

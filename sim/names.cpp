@@ -1,5 +1,7 @@
 #include "sim/names.hpp"
 
+#include "sim/sd_bus.hpp"
+
 #include <array>
 
 namespace morvath::sim

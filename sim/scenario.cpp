@@ -2,10 +2,10 @@
 
 #include "sim/default_scenario.hpp"
 #include "sim/object_reader.hpp"
+#include "sim/text_file.hpp"
+#include "sim/vontel/section.hpp"
 
 #include <algorithm>
-#include <fstream>
-#include <iterator>
 #include <map>
 #include <utility>
 
@@ -24,7 +24,7 @@ class ScenarioReader
         const Json json = parseJson(text, sourceName);
         const JsonCursor root(json, sourceName);
         root.allowOnly({"format", "description", "extends", "mapper",
-                        "behaviours", "objects", "faults"});
+                        "behaviours", "objects", "faults", "raid"});
         const JsonCursor format = root.member("format");
         if (format.json() != 1)
         {
@@ -41,13 +41,7 @@ class ScenarioReader
 
     Scenario readFile(const std::filesystem::path& file)
     {
-        std::ifstream stream(file, std::ios::binary);
-        if (!stream || std::filesystem::is_directory(file))
-        {
-            throw ScenarioError(file.string() + ": cannot be read");
-        }
-        const std::string text{std::istreambuf_iterator<char>(stream), {}};
-        return readText(text, file.string(), file.parent_path());
+        return readText(readTextFile(file), file.string(), file.parent_path());
     }
 
   private:
@@ -91,6 +85,7 @@ class ScenarioReader
         {
             readObjects(*objects, scenario.objects_);
         }
+        readRaid(root, scenario.raid_);
         if (scenario.hasMapper_ && scenario.services().contains(mapperService))
         {
             root.fail("the object mapper's name is taken by a service");
@@ -109,6 +104,17 @@ class ScenarioReader
             behaviours.insert(*behaviour);
         });
         return behaviours;
+    }
+
+    static void readRaid(const JsonCursor& root, Json& section)
+    {
+        section.erase("faults");
+        if (const auto own = root.find("raid"))
+        {
+            // Only checked here; the library reads it in the other process.
+            raidSectionFromJson(*own);
+            section = own->json();
+        }
     }
 
     static void readObjects(const JsonCursor& json,

@@ -84,6 +84,12 @@ class Scenario
         return behaviours_;
     }
 
+    /** What the simulated RAID management library serves. */
+    const Json& raid() const noexcept
+    {
+        return raid_;
+    }
+
     bool hasMapper() const noexcept
     {
         return hasMapper_;
@@ -99,6 +105,7 @@ class Scenario
     std::vector<Object> objects_;
     std::vector<Fault> faults_;
     std::set<Behaviour> behaviours_;
+    Json raid_{{"manager_present", false}};
     bool hasMapper_ = true;
 };
 

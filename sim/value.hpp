@@ -1,8 +1,7 @@
 #pragma once
 
+#include "sim/json.hpp"
 #include "sim/sd_bus.hpp"
-
-#include <nlohmann/json.hpp>
 
 #include <cstdint>
 #include <string>
@@ -11,9 +10,6 @@
 
 namespace morvath::sim
 {
-
-/** Keeps the order of keys: interfaces and properties are published in it. */
-using Json = nlohmann::ordered_json;
 
 /** A value of any D-Bus type, ready to be appended to a message. */
 struct Value

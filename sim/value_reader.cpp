@@ -12,27 +12,10 @@ namespace
 {
 
 template <typename T>
-[[noreturn]] void failRange(std::string_view type, const JsonCursor& json)
-{
-    json.fail("must be a whole number from " +
-              std::to_string(std::numeric_limits<T>::min()) + " to " +
-              std::to_string(std::numeric_limits<T>::max()) + " (type " +
-              std::string(type) + ")");
-}
-
-template <typename T>
 Value integerFromJson(std::string_view type, const JsonCursor& json)
 {
-    const Json& number = json.json();
-    const bool fits = number.is_number_unsigned()
-                          ? std::in_range<T>(number.get<std::uint64_t>())
-                          : number.is_number_integer() &&
-                                std::in_range<T>(number.get<std::int64_t>());
-    if (!fits)
-    {
-        failRange<T>(type, json);
-    }
-    return {std::string(type), number.get<T>()};
+    const std::string name(type);
+    return {name, json.number<T>(" (type " + name + ")")};
 }
 
 Value doubleFromJson(const JsonCursor& json)

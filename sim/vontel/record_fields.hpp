@@ -1,0 +1,40 @@
+#pragma once
+
+#include "sim/json_cursor.hpp"
+
+#include <span>
+#include <string_view>
+#include <vector>
+
+namespace morvath::sim
+{
+
+using Bytes = std::span<unsigned char>;
+
+/** A key of a scenario and the bytes of the record that it describes. */
+struct RecordField
+{
+    std::string_view key;
+    std::size_t offset;
+    std::size_t length;
+    void (*write)(const JsonCursor& value, Bytes area);
+};
+
+using RecordFields = std::span<const RecordField>;
+
+/** Little-endian, as wide as the area. */
+void writeNumber(std::uint64_t number, Bytes area);
+
+/**
+ * Writes what is described; the other bytes stay as they are. "raw" in the
+ * description puts bytes anywhere, after the fields.
+ * @param[in] otherKeys  that the description may have besides
+ */
+void fillRecord(const JsonCursor& description, RecordFields fields,
+                Bytes record, std::vector<std::string_view> otherKeys);
+
+extern const RecordFields controllerFields;
+extern const RecordFields physicalDriveFields;
+extern const RecordFields logicalDriveFields;
+
+} // namespace morvath::sim

@@ -1,6 +1,7 @@
 #include "catalogue.hpp"
 
 #include <algorithm>
+#include <iterator>
 
 namespace morvath::tools
 {
@@ -11,7 +12,7 @@ std::vector<Table> allTables()
 {
     std::vector<Table> all;
     for (const auto tablesOfAKind :
-         {inventoryTables, sensorTables, networkTables})
+         {inventoryTables, raidTables, sensorTables, networkTables})
     {
         std::ranges::move(tablesOfAKind(), std::back_inserter(all));
     }

@@ -18,5 +18,6 @@ const Table* findTable(std::string_view name);
 std::vector<Table> inventoryTables();
 std::vector<Table> sensorTables();
 std::vector<Table> networkTables();
+std::vector<Table> raidTables();
 
 } // namespace morvath::tools

@@ -61,7 +61,13 @@ class Records
     /** Raises what the library raises, and std::exception for its codes. */
     void read()
     {
-        requireSuccess(access.get(&records, &count));
+        const auto code = access.get(&records, &count);
+        if (code != 0)
+        {
+            // Outputs mean nothing then; an array may be released already.
+            records = nullptr;
+        }
+        requireSuccess(code);
     }
 
     /** Only an array that was stored is counted. */

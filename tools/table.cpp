@@ -40,6 +40,8 @@ void requireSuccess(int code)
             throw NotListed();
         case -2:
             throw std::bad_alloc();
+        case -4:
+            throw std::runtime_error("the RAID management library failed");
         default:
             throw std::runtime_error("the library reports code " +
                                      std::to_string(code));

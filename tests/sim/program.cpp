@@ -210,6 +210,31 @@ TEST(Program, CommandFindsThePlatformAndIsLogged)
     EXPECT_EQ(written, line + line + line);
 }
 
+TEST(Program, CommandFindsTheRaidSectionWhileItRuns)
+{
+    const std::string section = R"({"controllers":[{"raid_id":5}]})";
+    const TemporaryFile scenario(R"({"format": 1, "raid": )" + section + "}");
+    // A program between may close what it inherits.
+    const Outcome outcome =
+        run("run --scenario " + scenario.name() +
+            " -- sh -c 'exec 3>&- 4>&- 5>&-; cat $MORVATH_SIM_RAID; echo; "
+            "cat $MORVATH_SIM_RAID; echo; echo $MORVATH_SIM_RAID'");
+    EXPECT_EQ(outcome.status, 0);
+    const std::string twice = section + "\n" + section + "\n";
+    ASSERT_TRUE(outcome.output.starts_with(twice)) << outcome.output;
+    const std::string file = outcome.output.substr(twice.size());
+    ASSERT_TRUE(file.starts_with("/")) << file;
+    EXPECT_FALSE(std::filesystem::exists(file.substr(0, file.size() - 1)));
+
+    EXPECT_EQ(run("scenario --raid --scenario " + scenario.name()).output,
+              sim::Json::parse(section).dump(2) + "\n");
+    const TemporaryFile without(R"({"format": 1})");
+    EXPECT_EQ(run("run --scenario " + without.name() +
+                  " -- sh -c 'cat $MORVATH_SIM_RAID'")
+                  .output,
+              R"({"manager_present":false})");
+}
+
 TEST(Program, SignalsAreHandedToTheCommand)
 {
     const Outcome outcome = run("run -- sh -c 'trap \"exit 9\" TERM; "

@@ -1,0 +1,134 @@
+#include "raid/raid_library.hpp"
+
+namespace morvath::tests
+{
+namespace
+{
+
+using Controllers = Records<getRaidControllerInfo, freeRaidControllerEntry>;
+
+std::string lineOf(const RaidControllerEntry& one)
+{
+    return describe(
+        one.id, one.name, one.idText1, one.confText1, one.confText2,
+        one.confText3, one.confText4, one.idText3, one.idText2, one.vendorId,
+        one.deviceId, one.subVendorId, one.subDeviceId, one.driveInterfaces,
+        one.supportedRaidLevels, one.hostInterface, one.byteProperty,
+        one.wordProperty, one.reserved1, one.reserved2);
+}
+
+Lines controllersOf(const Json& section)
+{
+    return raidLinesOf<Controllers>(section, lineOf);
+}
+
+TEST(RaidControllers, AreThoseOfTheServer)
+{
+    EXPECT_EQ(controllersOf(sim::Scenario::standard().raid()),
+              (Lines{"0", "0|Drisko DR-9408 RAID|DR9408-66-0A17C2|"
+                          "Drisko Storage|DR-9408|8 GB|12 Gb/s|"
+                          "5a3c9b0000940801|7.21.03.00|0xfa17|0x0940|0xfa17|"
+                          "0x0015|SAS, SATA|RAID0/RAID1/RAID5/RAID6/RAID10/"
+                          "RAID50/RAID60|PCIE|63|8|0|0"}));
+}
+
+TEST(RaidControllers, AreUnknownWhereTheyAreNotConfigured)
+{
+    const std::string left =
+        "0|left|b|one||three|four|d|c|0xabcd|0x0015|0x0000|0x0000|SAS, SATA|"
+        "0/1|PCIE|255|65535|0|0";
+    const std::string right =
+        "0|right||unknown|unknown|unknown|unknown|||0x0000|0x0000|0x0000|"
+        "0x0000|SAS, SATA||PCIE|0|0|0|0";
+    EXPECT_EQ(controllersOf(twoControllers()), (Lines{"0", left, right}));
+    EXPECT_EQ(controllersOf({{"controllers", Json::array()}}), Lines{"0"});
+}
+
+TEST(RaidControllers, ReadTextsToTheEndOfTheirRecordAtMost)
+{
+    const std::string name(80, 'n');
+    const std::string rest(399 - 164, 'A');
+    std::string digits;
+    for (std::size_t byte = 0; byte < rest.size(); ++byte)
+    {
+        digits += "41";
+    }
+    const Json controller{{"raid_id", 1},
+                          {"name", name},
+                          {"text84", "next"},
+                          {"raw", {{"164", digits}}}};
+    EXPECT_EQ(controllersOf({{"controllers", {controller}}}),
+              (Lines{"0", "0|" + name +
+                              "next|next|unknown|unknown|unknown|"
+                              "unknown|" +
+                              rest +
+                              "||0x4141|0x4141|0x4141|0x4141|SAS, SATA||PCIE|"
+                              "65|16705|0|0"}));
+}
+
+TEST(RaidControllers, FailAsTheLibraryDoes)
+{
+    struct
+    {
+        const char* operation;
+        unsigned call;
+        int result;
+        const char* outputs;
+        Calls calls;
+    } const cases[]{
+        {"checkRaidMgrExist",
+         1,
+         0,
+         "0, array untouched, count 0",
+         {{"checkRaidMgrExist", 1}}},
+        {"getRaidIdList",
+         1,
+         9,
+         "-4, array untouched, count untouched",
+         {{"checkRaidMgrExist", 1}, {"getRaidIdList", 1}}},
+        {"getRaidInfoById",
+         1,
+         -1,
+         "-4, array, count 2",
+         {{"checkRaidMgrExist", 1},
+          {"getRaidIdList", 1},
+          {"getRaidInfoById", 1}}},
+        {"getRaidInfoById",
+         2,
+         9,
+         "-4, array, count 2",
+         {{"checkRaidMgrExist", 1},
+          {"getRaidIdList", 1},
+          {"getRaidInfoById", 2}}},
+    };
+    for (const auto& one : cases)
+    {
+        const RaidLibrary library(
+            withFault(twoControllers(), one.operation, one.call, one.result));
+        EXPECT_EQ(outputsOf<RaidControllerEntry>(getRaidControllerInfo),
+                  one.outputs)
+            << one.operation;
+        EXPECT_EQ(library.calls(), one.calls) << one.operation;
+    }
+}
+
+TEST(RaidControllers, AreReleasedTextByText)
+{
+    const RaidLibrary library(twoControllers());
+    Controllers controllers;
+    ASSERT_EQ(controllers.read(), 0);
+    auto& left = controllers.records[0];
+    std::free(left.confText2);
+    left.confText2 = nullptr;
+    for (int time = 0; time < 2; ++time)
+    {
+        freeRaidControllerEntry(&left);
+        EXPECT_EQ(lineOf(left),
+                  "0|null|null|null|null|null|null|null|null|null|null|null|"
+                  "null|null|null|null|255|65535|0|0");
+    }
+    freeRaidControllerEntry(nullptr);
+}
+
+} // namespace
+} // namespace morvath::tests

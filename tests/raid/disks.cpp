@@ -1,0 +1,213 @@
+#include "raid/raid_library.hpp"
+
+namespace morvath::tests
+{
+namespace
+{
+
+using Disks = Records<getHddTableInfo, freeHddInfoEntry>;
+
+constexpr auto service = "com.example.Inventory";
+constexpr auto disk = "xyz.openbmc_project.Inventory.Item.Disk";
+
+std::string lineOf(const HddInfoEntry& one)
+{
+    return describe(one.id, one.name, one.manufacturer, one.model,
+                    one.serialNumber, one.mediaType, one.protocol, one.revision,
+                    one.diskUsage, one.capableSpeed, one.diskTemp,
+                    one.capacityGiB, one.present, one.reserved1, one.reserved2);
+}
+
+Json plainDisk()
+{
+    return {{"Name", text("D")},
+            {"DiskTemp", property("y", 1)},
+            {"Capacity", property("t", 1000204886016)},
+            {"CapableSpeedGbs", property("u", 6)},
+            {"Present", property("b", true)}};
+}
+
+const std::string plainLine =
+    "0|D|null|null|null|null|null|null|null|6GB/s|1|931|1|0|0";
+
+Machine oneDisk(const Json& changes = Json::object())
+{
+    return Machine().owns("/a/disk", service,
+                          {{disk, changed(plainDisk(), changes)}});
+}
+
+Lines disksOf(const Machine& machine, const Json& section)
+{
+    const RaidLibrary library(section);
+    return linesOf<Disks>(machine.scenario(), lineOf);
+}
+
+TEST(Disks, AreThoseOfTheServer)
+{
+    const auto scenario = sim::Scenario::standard();
+    const RaidLibrary library(scenario.raid());
+    const auto lines = linesOf<Disks>(scenario, lineOf);
+    ASSERT_EQ(lines.size(), 13u);
+    EXPECT_EQ(lines[0], "0");
+    EXPECT_EQ(lines[4], "0|NVMe Disk 3|Drisko Storage|DS NV4|DN7F26410125|SSD|"
+                        "NVMe|DK4102|0|8GB/s|0|3576|1|0|0");
+    EXPECT_EQ(lines[5],
+              "0|DRISKO-DS-SAS12T-7K2-ZB10A4F001|DRISKO|DS-SAS12T-7K2|"
+              "ZB10A4F001|HDD|SAS|UnKnown|12|12GB/s|34|11176|1|0|0");
+    EXPECT_EQ(lines[11], "0|DRISKO-DSSATA960-SF9600088B|DRISKO|DSSATA960|"
+                         "SF9600088B|SSD|SATA|UnKnown|4|6GB/s|30|894|1|0|0");
+}
+
+TEST(Disks, BehindAController)
+{
+    const struct
+    {
+        const char* what;
+        const char* drive;
+        std::string line;
+    } cases[]{
+        {"nothing known", R"({})",
+         "0|||||Unknown|Unknown|UnKnown|0|UnknownGB/s|0|0|1|0|0"},
+        {"white space anywhere",
+         R"({"vendor": "AB CD", "model": "X\t\n\u000b\f\rY", "serial": " s "})",
+         "0|ABCD-XY- s |ABCD|XY| s |Unknown|Unknown|UnKnown|0|UnknownGB/s|0|0|"
+         "1|0|0"},
+        {"areas filled wholly",
+         R"({"vendor": "12345678", "model": "1234567890abcdef",
+             "serial": "123456789 123456789 123456789 123456789 12345678",
+             "text80": "12345678"})",
+         "0|12345678-1234567890abcdef-123456789 123456789 123456789 123456789 "
+         "1234567812345678|12345678|1234567890abcdef|"
+         "123456789 123456789 123456789 123456789 1234567812345678|"
+         "Unknown|Unknown|UnKnown|0|UnknownGB/s|0|0|1|0|0"},
+        {"a NUL ends a text, and the name with it",
+         R"({"vendor": "V", "model": "M", "serial": "S",
+             "raw": {"10": "0041", "17": "00"}})",
+         "0|V|V|M|S|Unknown|Unknown|UnKnown|0|UnknownGB/s|0|0|1|0|0"},
+        {"greatest numbers",
+         R"({"usage": 255, "temperature": 255, "blocks": 18446744073709551615,
+             "block_size": 1})",
+         "0|||||Unknown|Unknown|UnKnown|255|UnknownGB/s|255|4294967295|1|0|"
+         "0"},
+        {"bytes of different value",
+         R"({"blocks": 72623859790382856, "block_size": 1})",
+         "0|||||Unknown|Unknown|UnKnown|0|UnknownGB/s|0|67636240|1|0|0"},
+        {"modulo 2^64", R"({"blocks": 9223373136366403584, "block_size": 4})",
+         "0|||||Unknown|Unknown|UnKnown|0|UnknownGB/s|0|4096|1|0|0"},
+        {"blocks of 512 bytes", R"({"blocks": 7814037168, "block_size": 512})",
+         "0|||||Unknown|Unknown|UnKnown|0|UnknownGB/s|0|3726|1|0|0"},
+    };
+    for (const auto& one : cases)
+    {
+        auto drive = Json::parse(one.drive);
+        drive["device_id"] = 1;
+        const Json section{
+            {"controllers", {{{"raid_id", 1}, {"physical", {drive}}}}}};
+        EXPECT_EQ(disksOf(Machine(), section), (Lines{"0", one.line}))
+            << one.what;
+    }
+}
+
+TEST(Disks, OnTheBus)
+{
+    const struct
+    {
+        const char* what;
+        Json changes;
+        Lines expected;
+    } cases[]{
+        {"plain", Json::object(), {"0", plainLine}},
+        {"no speed in its text",
+         {{"CapableSpeedGbs", text("")}},
+         {"0", "0|D|null|null|null|null|null|null|null|GB/s|1|931|1|0|0"}},
+        {"greatest capacity",
+         {{"Capacity", text("18446744073709551615")},
+          {"Present", property("b", false)},
+          {"DiskTemp", property("i", -5)}},
+         {"0", "0|D|null|null|null|null|null|null|null|6GB/s|-5|4294967295|0|"
+               "0|0"}},
+        {"no temperature", {{"DiskTemp", nullptr}}, {nullText}},
+        {"no capacity", {{"Capacity", nullptr}}, {nullText}},
+        {"no speed", {{"CapableSpeedGbs", nullptr}}, {nullText}},
+        {"no presence", {{"Present", nullptr}}, {nullText}},
+        {"no number", {{"DiskTemp", text("warm")}}, {"invalid argument: stoi"}},
+        {"a great number",
+         {{"Capacity", text("18446744073709551616")}},
+         {"out of range: stoull"}},
+    };
+    for (const auto& one : cases)
+    {
+        EXPECT_EQ(disksOf(oneDisk(one.changes), noManager), one.expected)
+            << one.what;
+    }
+    EXPECT_EQ(disksOf(Machine(), noManager), Lines{"0"});
+}
+
+TEST(Disks, BehindControllersAreAllThereOrNone)
+{
+    const std::string unknown =
+        "0|||||Unknown|Unknown|UnKnown|0|UnknownGB/s|0|0|1|0|0";
+    EXPECT_EQ(disksOf(oneDisk(), twoControllers()),
+              (Lines{"0", plainLine, unknown, unknown, unknown, unknown}));
+    const struct
+    {
+        const char* operation;
+        unsigned call;
+        int result;
+    } cases[]{
+        {"checkRaidMgrExist", 1, 0},
+        {"getRaidIdList", 1, -1},
+        {"getPhyDevIdList", 2, -1},
+        {"getPhyDevInfoById", 3, -1},
+    };
+    for (const auto& one : cases)
+    {
+        const auto section =
+            withFault(twoControllers(), one.operation, one.call, one.result);
+        EXPECT_EQ(disksOf(oneDisk(), section), (Lines{"0", plainLine}))
+            << one.operation;
+    }
+}
+
+TEST(Disks, LeaveTheCountAloneWhenTheyFail)
+{
+    {
+        const RaidLibrary library(twoControllers());
+        sim::Platform platform(Machine().withoutMapper().scenario());
+        EXPECT_EQ(outputsOf<HddInfoEntry>(getHddTableInfo),
+                  "-1, array untouched, count untouched");
+        EXPECT_EQ(library.calls(), Calls{});
+    }
+    {
+        // The caller releases the array; it could not tell what is in it.
+        const RaidLibrary library(twoControllers());
+        sim::Platform platform(
+            oneDisk()
+                .owns("/b", service,
+                      {{disk, changed(plainDisk(), {{"DiskTemp", text("")}})}})
+                .scenario());
+        Disks disks;
+        EXPECT_EQ(outcomeOf([&] { return disks.read(); }),
+                  "invalid argument: stoi");
+        EXPECT_NE(disks.records, nullptr);
+        EXPECT_EQ(disks.count, 0);
+    }
+}
+
+TEST(Disks, AreReleasedTextByText)
+{
+    const RaidLibrary library(twoControllers());
+    sim::Platform platform(oneDisk().scenario());
+    Disks disks;
+    ASSERT_EQ(disks.read(), 0);
+    for (int time = 0; time < 2; ++time)
+    {
+        freeHddInfoEntry(&disks.records[0]);
+        EXPECT_EQ(lineOf(disks.records[0]),
+                  "0|null|null|null|null|null|null|null|null|null|1|931|1|0|0");
+    }
+    freeHddInfoEntry(nullptr);
+}
+
+} // namespace
+} // namespace morvath::tests

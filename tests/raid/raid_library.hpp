@@ -1,0 +1,103 @@
+#pragma once
+
+#include "morvath.h"
+#include "sim/vontel/control.hpp"
+#include "support/records.hpp"
+
+#include <map>
+#include <string>
+
+namespace morvath::tests
+{
+
+inline const Json noManager{{"manager_present", false}};
+
+using Calls = std::map<std::string, unsigned>;
+
+/** The RAID management library with a section of its own, until it goes. */
+class RaidLibrary
+{
+  public:
+    explicit RaidLibrary(const Json& section)
+    {
+        vontel::simulation::load(section.dump());
+    }
+
+    ~RaidLibrary()
+    {
+        vontel::simulation::reset();
+    }
+
+    RaidLibrary(const RaidLibrary&) = delete;
+    RaidLibrary& operator=(const RaidLibrary&) = delete;
+
+    static Calls calls()
+    {
+        return vontel::simulation::calls();
+    }
+};
+
+/** A section in which the n-th call of an operation has another result. */
+inline Json withFault(Json section, const std::string& operation, unsigned call,
+                      int result)
+{
+    section["faults"].push_back(
+        {{"operation", operation}, {"call", call}, {"result", result}});
+    return section;
+}
+
+/** Two controllers whose drives partly have the same ids. */
+inline Json twoControllers()
+{
+    return Json::parse(R"({
+        "controllers": [
+            {"raid_id": 7, "name": "left", "text84": "b", "text132": "c",
+             "text164": "d", "pci_vendor": 43981, "pci_device": 21,
+             "word332": 65535, "byte335": 255, "supported_raid_levels": "0/1",
+             "physical": [
+                {"device_id": 4, "state": 1, "text80": "L4"},
+                {"device_id": 5, "state": 2, "text80": "L5"}],
+             "logical": [
+                {"id": 1, "raid_level": 1, "members": [4, 5]}]},
+            {"raid_id": 4294967295, "name": "right", "physical": [
+                {"device_id": 4, "state": 1, "text80": "R4"},
+                {"device_id": 65535, "state": 9, "text80": "R65535"}],
+             "logical": [
+                {"id": 1, "raid_level": 5, "members": [4]},
+                {"id": 2, "raid_level": 0, "members": []}]}],
+        "configuration": [
+            {"vendor": "0xabcd", "device": "0x0015", "subvendor": "0x0000",
+             "subdevice": "0x0000", "outputs": ["one", "", "three", "four"]}],
+        "texts": {"raid_level": {"0": "RAID0", "1": "RAID1", "5": "RAID5"},
+                  "drive_state": {"1": "Online", "2": "Hot Spare"}}})");
+}
+
+/** What a table that needs no bus makes of a section. */
+template <typename Table, typename Describe>
+Lines raidLinesOf(const Json& section, const Describe& describeRecord)
+{
+    const RaidLibrary library(section);
+    Table table;
+    Lines lines{outcomeOf([&] { return table.read(); })};
+    for (int32_t index = 0; table.records && index < table.count; ++index)
+    {
+        lines.push_back(describeRecord(table.records[index]));
+    }
+    return lines;
+}
+
+/** What a getter leaves in its outputs, in words. */
+template <typename Record, typename Getter>
+std::string outputsOf(const Getter& getter)
+{
+    constexpr int32_t preset = 77;
+    Record marker{};
+    Record* records = &marker;
+    int32_t count = preset;
+    const auto outcome = outcomeOf([&] { return getter(&records, &count); });
+    return outcome + (records == &marker ? ", array untouched" : ", array") +
+           (count == preset ? ", count untouched"
+                            : ", count " + std::to_string(count));
+}
+
+} // namespace morvath::tests

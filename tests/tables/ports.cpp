@@ -1,4 +1,3 @@
-#include "morvath.h"
 #include "support/records.hpp"
 
 #include <csignal>
@@ -31,22 +30,9 @@ Machine onePort(const Json& changes)
               {{portInterface, changed(properties, changes)}});
 }
 
-std::string lineOf(const PortInfoEntry& entry)
-{
-    const auto& [id, adapterName, name, mac, bdf, type, speed, lldp, link, drop,
-                 one, two] = entry;
-    return describe(id, adapterName, name, mac, bdf, type, speed, lldp, link,
-                    drop, one, two);
-}
-
-Lines linesOf(const Machine& machine)
-{
-    return tests::linesOf<Ports>(machine.scenario(), lineOf);
-}
-
 TEST(NetworkPorts, AreThoseOfTheServer)
 {
-    EXPECT_EQ(linesOf(Machine::server()),
+    EXPECT_EQ(linesOf<Ports>(Machine::server()),
               (Lines{"0",
                      "0|nic0|port0|5a:3c:9b:44:10:00|0000:3b:00.0|Fibre|25|1|1|"
                      "0.0%|0|0",
@@ -58,44 +44,38 @@ TEST(NetworkPorts, AreThoseOfTheServer)
                      "1|0.0%|0|0"}));
 }
 
-TEST(NetworkPorts, FollowTheirProperties)
+TEST(NetworkPorts, ConvertTheirNumbers)
 {
     const auto drop = [](uint64_t packets, uint64_t drops) {
         return Json{{"Packets", property("t", packets)},
                     {"Drop", property("t", drops)}};
     };
-    const auto line = [](const std::string& fields) {
-        return "0|nic-1|port1|null|null|null|" + fields + "|0|0";
+    const auto speed = [](uint64_t bits) {
+        return Json{{"MaxSpeed", property("t", bits)}};
     };
-    const Variant cases[]{
-        {"all", {}, {"0", line("25|1|0|0.8%")}},
-        {"half", drop(2, 1), {"0", line("25|1|0|0.5%")}},
-        {"few", drop(1000, 5), {"0", line("25|1|0|0.0%")}},
-        {"no packets", drop(0, 7), {"0", line("25|1|0|-")}},
-        {"beyond measure",
-         drop(1, UINT64_MAX),
-         {"0", line("25|1|0|18446744073709551616.0%")}},
-        {"slow",
-         {{"MaxSpeed", property("t", 999'999'999)}},
-         {"0", line("0|1|0|0.8%")}},
-        {"fastest of 32 bits",
-         {{"MaxSpeed", property("t", 4'294'967'295'999'999'999)}},
-         {"0", line("4294967295|1|0|0.8%")}},
-        {"no speed", {{"MaxSpeed", nullptr}}, {nullText, line("0|0|0|null")}},
-        {"no link", {{"PhyLink", nullptr}}, {nullText, line("25|1|0|null")}},
-        {"no packets counted",
-         {{"Packets", nullptr}},
-         {nullText, line("25|1|0|null")}},
-        {"drops in words",
-         {{"Drop", text("some")}},
-         {"invalid argument: stoull", line("25|1|0|null")}},
-        {"speed beyond 64 bits",
-         {{"MaxSpeed", property("d", 1e20)}},
-         {"out of range: stoull", line("0|0|0|null")}},
-    };
-    for (const auto& one : cases)
+    struct
     {
-        EXPECT_EQ(linesOf(onePort(one.changes)), one.expected) << one.what;
+        Json changes;
+        const char* outcome;
+        std::string fields;
+    } const cases[]{
+        {{}, "0", "25|1|0|0.8%"},
+        {drop(2, 1), "0", "25|1|0|0.5%"},
+        {drop(1000, 5), "0", "25|1|0|0.0%"},
+        {drop(0, 7), "0", "25|1|0|-"},
+        {drop(1, UINT64_MAX), "0", "25|1|0|18446744073709551616.0%"},
+        {speed(999'999'999), "0", "0|1|0|0.8%"},
+        {speed(4'294'967'295'999'999'999), "0", "4294967295|1|0|0.8%"},
+        {{{"MaxSpeed", nullptr}}, nullText, "0|0|0|null"},
+        {{{"Packets", nullptr}}, nullText, "25|1|0|null"},
+        {{{"Drop", text("some")}}, "stoull", "25|1|0|null"},
+    };
+    for (const auto& [changes, outcome, fields] : cases)
+    {
+        EXPECT_EQ(
+            linesOf<Ports>(onePort(changes)),
+            (Lines{outcome, "0|nic-1|port1|null|null|null|" + fields + "|0|0"}))
+            << changes;
     }
 }
 
@@ -109,10 +89,10 @@ TEST(NetworkPorts, EndAtAnAdapterThatIsNotListed)
         return machine.fault({{"member", "GetSubTree"}, {"call", call}},
                              failure);
     };
-    EXPECT_EQ(linesOf(twoAdapters), (Lines{"0", port}));
-    EXPECT_EQ(linesOf(failing(1)), (Lines{"-1"}));
-    EXPECT_EQ(linesOf(failing(2)), (Lines{"0"}));
-    EXPECT_EQ(linesOf(failing(3)), (Lines{"0", port}));
+    EXPECT_EQ(linesOf<Ports>(twoAdapters), (Lines{"0", port}));
+    EXPECT_EQ(linesOf<Ports>(failing(1)), (Lines{"-1"}));
+    EXPECT_EQ(linesOf<Ports>(failing(2)), (Lines{"0"}));
+    EXPECT_EQ(linesOf<Ports>(failing(3)), (Lines{"0", port}));
 }
 
 TEST(NetworkPorts, SetTheCounterUnlessThereAreNoAdapters)

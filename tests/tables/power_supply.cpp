@@ -1,7 +1,4 @@
-#include "morvath.h"
 #include "support/records.hpp"
-
-#include <cstring>
 
 namespace morvath::tests
 {
@@ -14,78 +11,65 @@ const std::string root = "/xyz/openbmc_project/inventory/system/powersupply/";
 
 using PowerSupplies = Records<getPsuTableInfo, freePsuInfoEntry>;
 
-void expectZero(const PsuInfoEntry& entry)
+Machine supplies(const std::vector<Json>& properties)
 {
-    const PsuInfoEntry zero{};
-    EXPECT_EQ(std::memcmp(&entry, &zero, sizeof(zero)), 0);
+    Machine machine;
+    for (std::size_t index = 0; index < properties.size(); ++index)
+    {
+        machine.owns(root + std::to_string(index), service,
+                     {{supply, properties[index]}});
+    }
+    return machine;
 }
 
 TEST(PowerSupplies, AreThoseOfTheServer)
 {
-    sim::Platform platform(sim::Scenario::standard());
-    PowerSupplies supplies;
-    ASSERT_EQ(supplies.read(), 0);
-    ASSERT_EQ(supplies.count, 2);
-    const auto& second = supplies.records[1];
-    EXPECT_STREQ(supplies.records[0].name, "powersupply0");
-    EXPECT_STREQ(supplies.records[0].serialNumber, "TW800A6620071");
-    EXPECT_EQ(second.id, 0);
-    EXPECT_STREQ(second.name, "powersupply1");
-    EXPECT_STREQ(second.manufacturer, "Tarnwick Power");
-    EXPECT_STREQ(second.partNumber, "TP-800-PT");
-    EXPECT_STREQ(second.serialNumber, "TW800A6620088");
-    EXPECT_STREQ(second.rating, "800");
-    EXPECT_STREQ(second.firmwareVersion, "1.4.2");
-    EXPECT_EQ(second.reserved1, 0);
-    EXPECT_EQ(second.reserved2, 0);
-    EXPECT_EQ(platform.calls().size(), 3u);
+    EXPECT_EQ(linesOf<PowerSupplies>(Machine::server()),
+              (Lines{"0",
+                     "0|powersupply0|Tarnwick Power|TP-800-PT|TW800A6620071|"
+                     "800|1.4.2|0|0",
+                     "0|powersupply1|Tarnwick Power|TP-800-PT|TW800A6620088|"
+                     "800|1.4.2|0|0"}));
 }
 
 TEST(PowerSupplies, HaveNullForWhatIsMissing)
 {
-    sim::Platform platform(
-        Machine()
-            .owns(
-                root + "psu", service,
-                {{supply, {{"Name", text("left")}, {"PartNumber", text("")}}}})
-            .scenario());
-    PowerSupplies supplies;
-    ASSERT_EQ(supplies.read(), 0);
-    ASSERT_EQ(supplies.count, 1);
-    const auto& entry = supplies.records[0];
-    EXPECT_STREQ(entry.name, "left");
-    EXPECT_EQ(entry.manufacturer, nullptr);
-    EXPECT_STREQ(entry.partNumber, "");
-    EXPECT_EQ(entry.serialNumber, nullptr);
-    EXPECT_STREQ(entry.rating, "800");
-    EXPECT_EQ(entry.firmwareVersion, nullptr);
+    const auto machine =
+        supplies({{{"Name", text("left")}, {"PartNumber", text("")}}});
+    EXPECT_EQ(linesOf<PowerSupplies>(machine),
+              (Lines{"0", "0|left|null||null|800|null|0|0"}));
 }
 
 TEST(PowerSupplies, FollowACounterThatWasNotZero)
 {
-    sim::Platform platform(sim::Scenario::standard());
+    const std::string first = "0|0|null|null|null|800|null|0|0";
+    const std::string second = "0|1|null|null|null|800|null|0|0";
+    const std::string extra = "0|null|null|null|null|null|null|0|0";
+    struct
     {
-        PowerSupplies supplies{nullptr, 3};
-        ASSERT_EQ(supplies.read(), 0);
-        ASSERT_EQ(supplies.count, 5);
-        EXPECT_STREQ(supplies.records[1].name, "powersupply1");
-        for (auto extra : {2, 3, 4})
-        {
-            expectZero(supplies.records[extra]);
-        }
-    }
-    {
-        PowerSupplies supplies{nullptr, -1};
-        ASSERT_EQ(supplies.read(), 0);
-        ASSERT_EQ(supplies.count, 1);
-        EXPECT_STREQ(supplies.records[0].name, "powersupply0");
-    }
+        int32_t before;
+        int32_t after;
+        Lines lines;
+    } const cases[]{
+        {3, 5, {"0", first, second, extra, extra, extra}},
+        {-1, 1, {"0", first}},
+        {-2, 0, {"0"}},
+        {-5, -3, {"-2"}},
+    };
+    sim::Platform platform(
+        supplies({Json::object(), Json::object()}).scenario());
+    for (const auto& one : cases)
     {
         PsuInfoEntry preset{};
-        PowerSupplies supplies{&preset, -5};
-        EXPECT_EQ(supplies.read(), -2);
-        EXPECT_EQ(supplies.records, nullptr);
-        EXPECT_EQ(supplies.count, -3);
+        PowerSupplies table{&preset, one.before};
+        Lines lines{outcomeOf(table)};
+        for (int32_t index = 0; index < table.count; ++index)
+        {
+            lines.push_back(lineOf(table.records[index]));
+        }
+        EXPECT_EQ(lines, one.lines);
+        EXPECT_EQ(table.count, one.after);
+        EXPECT_EQ(table.records == nullptr, one.after < 0);
     }
 }
 
@@ -95,37 +79,17 @@ TEST(PowerSupplies, AreAnEmptyArrayWithoutAny)
         Machine()
             .owns(root + "fan", service, {{"com.example.Fan", Json::object()}})
             .scenario());
-    PowerSupplies supplies;
-    EXPECT_EQ(supplies.read(), 0);
-    EXPECT_EQ(supplies.count, 0);
+    PowerSupplies table;
+    EXPECT_EQ(table.read(), 0);
+    EXPECT_EQ(table.count, 0);
 }
 
-TEST(PowerSupplies, FailWithTheListOrWithAnObject)
+TEST(PowerSupplies, MakeOneCallForTheListAndOneForEach)
 {
-    {
-        // Without anything below it the root itself does not exist.
-        sim::Platform platform(
-            Machine()
-                .owns("/xyz/openbmc_project/inventory/system", service,
-                      {{supply, Json::object()}})
-                .scenario());
-        PowerSupplies supplies;
-        EXPECT_EQ(supplies.read(), -1);
-        EXPECT_EQ(supplies.records, nullptr);
-        EXPECT_EQ(supplies.count, 0);
-    }
-    {
-        sim::Platform platform(
-            Machine()
-                .owns(root + "a", service, {{supply, Json::object()}})
-                .owns(root + "b", service, {{supply, Json::object()}})
-                .fault({{"path", root + "b"}}, {{"vanished", true}})
-                .scenario());
-        PowerSupplies supplies;
-        EXPECT_THROW(supplies.read(), sdbusplus::exception::SdBusError);
-        EXPECT_EQ(supplies.records, nullptr);
-        EXPECT_EQ(supplies.count, 1);
-    }
+    sim::Platform platform(sim::Scenario::standard());
+    PowerSupplies table;
+    EXPECT_EQ(table.read(), 0);
+    EXPECT_EQ(platform.calls().size(), 3u);
 }
 
 } // namespace

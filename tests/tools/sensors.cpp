@@ -69,14 +69,6 @@ TEST(Sensors, AreOneTableOfAllClasses)
               "9000.00    nan\n"
               "pwms   e     12.35    RPMS  no limits   -         -         "
               "-          -\n");
-    const auto json = Json::parse(run("MORVATH", "sensors --json").output);
-    EXPECT_EQ(json["tables"]["voltages"], Json::array());
-    EXPECT_EQ(json["tables"]["fans"][3], Json::parse(R"({
-        "name": "d", "value": null, "unit": "RPMS", "state": "no reading",
-        "criticalLow": 500.0, "warningLow": null, "warningHigh": 9000.0,
-        "criticalHigh": null, "minValue": null, "maxValue": null,
-        "criticalAlarmLow": true, "warningAlarmLow": false,
-        "warningAlarmHigh": false, "criticalAlarmHigh": false})"));
 }
 
 TEST(Sensors, AreColouredOnATerminalOnly)

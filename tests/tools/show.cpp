@@ -86,14 +86,6 @@ TEST(Show, PrintsAllTablesOfTheServer)
         "bmc-network": 2, "network-ports": 4
     })"));
     const std::pair<const char*, const char*> rows[]{
-        {"/tables/pcie-slots/1", R"({
-            "name": "PCIe slot 2", "manufacturer": "", "locationCode": "PCIE2",
-            "present": false})"},
-        {"/tables/gpus/1", R"({
-            "cardName": "Umbrafell U48", "manufacturer": "Umbrafell Graphics",
-            "partNumber": "UG-U48-P2", "serialNumber": "UG48K660021",
-            "totalMemory": 49152, "temperature": 49, "fanLevel": 36,
-            "currentPower": 142})"},
         {"/tables/temperatures/18", R"({
             "name": "NVMe3_Temp", "value": null, "unit": "DegreesC",
             "state": "no reading", "criticalLow": 0.0, "warningLow": null,

@@ -1,0 +1,158 @@
+#include "support/records.hpp"
+
+namespace morvath::tests
+{
+namespace
+{
+
+using Slots = Records<getPcieTableInfo, freePcieInfoEntry>;
+using Adapters = Records<getNetAdapterTableInfo, free_adapter_entry_content>;
+using Gpus = Records<getGpuInfoEntry, freeGpuInfoEntry>;
+using Modules = Records<getMemoryTableInfo, freeMemInfoEntry>;
+using Processors = Records<getCpuTableInfo, freeCpuInfoEntry>;
+
+const std::string item = "xyz.openbmc_project.Inventory.Item.";
+const std::string board =
+    "/xyz/openbmc_project/inventory/system/chassis/motherboard/";
+
+TEST(Inventory, IsThatOfTheServer)
+{
+    struct
+    {
+        Lines lines;
+        std::size_t count;
+        const char* second;
+    } const tables[]{
+        {linesOf<Slots>(Machine::server()), 8, "0|PCIe slot 2||PCIE2|0|0|0"},
+        {linesOf<Adapters>(Machine::server()), 2,
+         "0|nic1|Pellagic Networks|PN-100D OCP|QSFP28|Ethernet|2|0|0"},
+        {linesOf<Gpus>(Machine::server()), 2,
+         "0|Umbrafell U48|Umbrafell Graphics|UG-U48-P2|UG48K660021|49152|49|"
+         "36|142|0|0"},
+        {linesOf<Modules>(Machine::server()), 16,
+         "0|dimm1|Osprune Memory|OM5R64G56-2|6C413A17|DDR5|RDIMM|"
+         "P0_Node0_Channel1_Dimm0|CPU0_DIMM_B|MultiBitECC|5600|67108864|64|1|0|"
+         "0"},
+        {linesOf<Processors>(Machine::server()), 2,
+         "0|CPU1|Kelvane Micro|Kelvane K9 6430 32-Core Processor|K9-6430-A1|"
+         "KX09L2260233|x86-64|2600|3800|32|64|2048|2048|32768|131072|1|0|0"},
+    };
+    for (const auto& [lines, count, second] : tables)
+    {
+        ASSERT_EQ(lines.size(), 1 + count) << second;
+        EXPECT_EQ(lines[0], "0");
+        EXPECT_EQ(lines[2], second);
+    }
+}
+
+/** What the table makes of one object with these properties. */
+template <typename Table>
+struct Variants
+{
+    std::string path;
+    std::string interface;
+    Json properties;
+    std::vector<std::pair<Json, Lines>> cases;
+
+    void expect() const
+    {
+        for (const auto& [changes, lines] : cases)
+        {
+            const auto machine =
+                Machine().owns(path, "com.example.Inventory",
+                               {{interface, changed(properties, changes)}});
+            EXPECT_EQ(linesOf<Table>(machine), lines) << changes;
+        }
+    }
+};
+
+TEST(PcieSlots, ConvertTheirPresence)
+{
+    const std::string unknown = "0|null|Maker||0|0|0";
+    Variants<Slots>{
+        "/slot",
+        item + "PCIeSlot",
+        {{"Manufacturer", text("Maker")}, {"LocationCode", text("")}},
+        {{{{"Present", property("b", true)}}, {"0", "0|null|Maker||1|0|0"}},
+         {{{"Present", text(" 12 cards")}}, {"0", "0|null|Maker||12|0|0"}},
+         {{}, {nullText, unknown}},
+         {{{"Present", text("true")}}, {"stoi", unknown}},
+         {{{"Present", property("n", 1)}}, {"stoi", unknown}},
+         {{{"Present", property("u", 2147483648)}}, {"stoi", unknown}}}}
+        .expect();
+}
+
+TEST(NetworkAdapters, HaveANameInAnyCase)
+{
+    Variants<Adapters>{
+        board + "_6eic_2d1",
+        item + "NetAdapter",
+        {{"PortNum", property("y", 4)}},
+        {{{}, {"0", "0|nic-1|null|null|null|null|4|0|0"}},
+         {{{"Name", text("")}}, {"0", "0||null|null|null|null|4|0|0"}}}}
+        .expect();
+}
+
+TEST(Gpus, MayLackTextsButNoNumbers)
+{
+    Variants<Gpus>{board + "gpu",
+                   item + "Gpu",
+                   {{"SerialNumber", text("")},
+                    {"TotalMemory", property("u", 8192)},
+                    {"Temperature", property("d", -3.75)},
+                    {"FanLevel", property("y", 0)},
+                    {"CurrentPower", property("u", 2147483647)}},
+                   {{{}, {"0", "0|null|null|null||8192|-3|0|2147483647|0|0"}},
+                    {{{"FanLevel", nullptr}},
+                     {nullText, "0|null|null|null||8192|-3|0|0|0|0"}}}}
+        .expect();
+}
+
+TEST(MemoryModules, HaveTheWordsOfEnumerations)
+{
+    Variants<Modules>{
+        "/dimm3",
+        item + "Dimm",
+        {{"MemoryType", text("")},
+         {"FormFactor", text("RDIMM")},
+         {"ECC", text("a.")},
+         {"MaxMemorySpeedInMhz", property("q", 65535)},
+         {"MemorySizeInKB", property("t", 2147483647)},
+         {"MemoryDataWidth", property("q", 64)},
+         {"Present", property("b", false)}},
+        {{{},
+          {"0", "0|dimm3|null|null|null|Unknown|Unknown|null|null||65535|"
+                "2147483647|64|0|0|0"}},
+         {{{"ECC", nullptr}},
+          {nullText, "0|dimm3|null|null|null|Unknown|Unknown|null|null|null|0|"
+                     "0|0|0|0|0"}}}}
+        .expect();
+}
+
+TEST(Processors, AreNamedByTheirLocation)
+{
+    Variants<Processors>{
+        "/cpu",
+        item + "Cpu",
+        {{"LocationCode", text("CPU 1")},
+         {"Architecture", text("a.b.Arm")},
+         {"CurSpeedInMhz", property("u", 1)},
+         {"MaxSpeedInMhz", property("u", 2)},
+         {"CoreCount", property("q", 3)},
+         {"ThreadCount", property("q", 4)},
+         {"L1CacheKiB", property("u", 5)},
+         {"L2CacheKiB", property("u", 6)},
+         {"L3CacheKiB", property("u", 7)},
+         {"Present", property("b", false)}},
+        {{{},
+          {"0",
+           "0|CPUCPU 1|null|null|null|null|a.b.Arm|1|2|3|4|5|5|6|7|0|0|0"}},
+         {{{"LocationCode", text("")}, {"L2CacheKiB", text("big")}},
+          {"stoi", "0|CPU|null|null|null|null|a.b.Arm|1|2|3|4|5|5|0|0|0|0|0"}},
+         {{{"LocationCode", nullptr}},
+          {nullText, "0|null|null|null|null|null|null|0|0|0|0|0|0|0|0|0|0|0"}}}}
+        .expect();
+}
+
+} // namespace
+} // namespace morvath::tests

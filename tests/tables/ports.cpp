@@ -81,18 +81,24 @@ TEST(NetworkPorts, ConvertTheirNumbers)
 
 TEST(NetworkPorts, EndAtAnAdapterThatIsNotListed)
 {
-    const auto twoAdapters = onePort({}).owns(root + "a", service, adapter);
     const std::string port = "0|nic-1|port1|null|null|null|25|1|0|0.8%|0|0";
-    const Json failure{{"error", "com.example.Busy"}};
-    const auto failing = [&](unsigned call) {
-        auto machine = twoAdapters;
-        return machine.fault({{"member", "GetSubTree"}, {"call", call}},
-                             failure);
+    // The first query is for the adapters, of which the second has the port.
+    const Lines cases[]{
+        {"0", port}, {"-1"}, {"0"}, {"0"}, {"0", port},
     };
-    EXPECT_EQ(linesOf<Ports>(twoAdapters), (Lines{"0", port}));
-    EXPECT_EQ(linesOf<Ports>(failing(1)), (Lines{"-1"}));
-    EXPECT_EQ(linesOf<Ports>(failing(2)), (Lines{"0"}));
-    EXPECT_EQ(linesOf<Ports>(failing(3)), (Lines{"0", port}));
+    for (const auto& lines : cases)
+    {
+        const auto call = &lines - cases;
+        auto machine = onePort({})
+                           .owns(root + "A", service, adapter)
+                           .owns(root + "a", service, adapter);
+        if (call > 0)
+        {
+            machine.fault({{"member", "GetSubTree"}, {"call", call}},
+                          {{"error", "com.example.Busy"}});
+        }
+        EXPECT_EQ(linesOf<Ports>(machine), lines) << call;
+    }
 }
 
 TEST(NetworkPorts, SetTheCounterUnlessThereAreNoAdapters)

@@ -7,19 +7,9 @@ namespace
 
 using Controllers = Records<getRaidControllerInfo, freeRaidControllerEntry>;
 
-std::string lineOf(const RaidControllerEntry& one)
-{
-    return describe(
-        one.id, one.name, one.idText1, one.confText1, one.confText2,
-        one.confText3, one.confText4, one.idText3, one.idText2, one.vendorId,
-        one.deviceId, one.subVendorId, one.subDeviceId, one.driveInterfaces,
-        one.supportedRaidLevels, one.hostInterface, one.byteProperty,
-        one.wordProperty, one.reserved1, one.reserved2);
-}
-
 Lines controllersOf(const Json& section)
 {
-    return raidLinesOf<Controllers>(section, lineOf);
+    return raidLinesOf<Controllers>(section);
 }
 
 TEST(RaidControllers, AreThoseOfTheServer)

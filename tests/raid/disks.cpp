@@ -10,14 +10,6 @@ using Disks = Records<getHddTableInfo, freeHddInfoEntry>;
 constexpr auto service = "com.example.Inventory";
 constexpr auto disk = "xyz.openbmc_project.Inventory.Item.Disk";
 
-std::string lineOf(const HddInfoEntry& one)
-{
-    return describe(one.id, one.name, one.manufacturer, one.model,
-                    one.serialNumber, one.mediaType, one.protocol, one.revision,
-                    one.diskUsage, one.capableSpeed, one.diskTemp,
-                    one.capacityGiB, one.present, one.reserved1, one.reserved2);
-}
-
 Json plainDisk()
 {
     return {{"Name", text("D")},
@@ -39,14 +31,15 @@ Machine oneDisk(const Json& changes = Json::object())
 Lines disksOf(const Machine& machine, const Json& section)
 {
     const RaidLibrary library(section);
-    return linesOf<Disks>(machine.scenario(), lineOf);
+    return linesOf<Disks>(machine);
 }
 
 TEST(Disks, AreThoseOfTheServer)
 {
     const auto scenario = sim::Scenario::standard();
     const RaidLibrary library(scenario.raid());
-    const auto lines = linesOf<Disks>(scenario, lineOf);
+    sim::Platform platform(scenario);
+    const auto lines = linesOf<Disks>();
     ASSERT_EQ(lines.size(), 13u);
     EXPECT_EQ(lines[0], "0");
     EXPECT_EQ(lines[4], "0|NVMe Disk 3|Drisko Storage|DS NV4|DN7F26410125|SSD|"

@@ -7,15 +7,9 @@ namespace
 
 using MemberDrives = Records<getRaidHddTableInfo, free_raid_hdd_entry>;
 
-std::string lineOf(const RaidHddEntry& one)
-{
-    return describe(one.id, one.raidLevel, one.state, one.driveText,
-                    one.controllerName, one.reserved1, one.reserved2);
-}
-
 Lines drivesOf(const Json& section)
 {
-    return raidLinesOf<MemberDrives>(section, lineOf);
+    return raidLinesOf<MemberDrives>(section);
 }
 
 // The level of drive 4 is that of the second controller's: it comes later.

@@ -73,17 +73,11 @@ inline Json twoControllers()
 }
 
 /** What a table that needs no bus makes of a section. */
-template <typename Table, typename Describe>
-Lines raidLinesOf(const Json& section, const Describe& describeRecord)
+template <typename Table>
+Lines raidLinesOf(const Json& section)
 {
     const RaidLibrary library(section);
-    Table table;
-    Lines lines{outcomeOf([&] { return table.read(); })};
-    for (int32_t index = 0; table.records && index < table.count; ++index)
-    {
-        lines.push_back(describeRecord(table.records[index]));
-    }
-    return lines;
+    return linesOf<Table>();
 }
 
 /** What a getter leaves in its outputs, in words. */

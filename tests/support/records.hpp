@@ -76,15 +76,19 @@ LINE_OF(CpuInfoEntry, a, b, c, d, e, f, g, h, i, j, k, l, m, n, o, p, q, r)
 LINE_OF(BmcSensorEntry, a, b, c, d, e, f, g, h, i, j, k, l, m, n, o, p)
 LINE_OF(BmcNetworkInfoEntry, a, b, c, d, e, f, g, h, i, j, k)
 LINE_OF(PortInfoEntry, a, b, c, d, e, f, g, h, i, j, k, l)
+LINE_OF(HddInfoEntry, a, b, c, d, e, f, g, h, i, j, k, l, m, n, o)
+LINE_OF(RaidControllerEntry, a, b, c, d, e, f, g, h, i, j, k, l, m, n, o, p, q,
+        r, s, t)
+LINE_OF(RaidHddEntry, a, b, c, d, e, f, g)
 #undef LINE_OF
 
 /** The code, or what was raised. */
-template <typename Table>
-std::string outcomeOf(Table& table)
+template <typename Call>
+std::string outcomeOf(const Call& call)
 {
     try
     {
-        return std::to_string(table.read());
+        return std::to_string(call());
     }
     catch (const sdbusplus::exception::SdBusError&)
     {
@@ -102,16 +106,22 @@ constexpr auto nullText = "basic_string: construction from null is not valid";
 using Lines = std::vector<std::string>;
 
 template <typename Table>
-Lines linesOf(const Machine& machine)
+Lines linesOf()
 {
-    sim::Platform platform(machine.scenario());
     Table table;
-    Lines lines{outcomeOf(table)};
+    Lines lines{outcomeOf([&] { return table.read(); })};
     for (int32_t index = 0; table.records && index < table.count; ++index)
     {
         lines.push_back(lineOf(table.records[index]));
     }
     return lines;
+}
+
+template <typename Table>
+Lines linesOf(const Machine& machine)
+{
+    sim::Platform platform(machine.scenario());
+    return linesOf<Table>();
 }
 
 /** The properties with others in their place; null for one that is missing. */

@@ -10,7 +10,7 @@ template <auto Get, auto Release>
 std::string read()
 {
     Records<Get, Release> table;
-    const auto outcome = outcomeOf(table);
+    const auto outcome = outcomeOf([&] { return table.read(); });
     return outcome + (table.records ? ", stored, " : ", not stored, ") +
            std::to_string(table.count);
 }

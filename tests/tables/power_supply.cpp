@@ -62,7 +62,7 @@ TEST(PowerSupplies, FollowACounterThatWasNotZero)
     {
         PsuInfoEntry preset{};
         PowerSupplies table{&preset, one.before};
-        Lines lines{outcomeOf(table)};
+        Lines lines{outcomeOf([&] { return table.read(); })};
         for (int32_t index = 0; index < table.count; ++index)
         {
             lines.push_back(lineOf(table.records[index]));

@@ -94,6 +94,14 @@ std::string outcomeOf(const Call& call)
     {
         return "bus error";
     }
+    catch (const std::invalid_argument& error)
+    {
+        return std::string("invalid argument: ") + error.what();
+    }
+    catch (const std::out_of_range& error)
+    {
+        return std::string("out of range: ") + error.what();
+    }
     catch (const std::logic_error& error)
     {
         return error.what();

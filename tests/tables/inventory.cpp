@@ -76,9 +76,10 @@ TEST(PcieSlots, ConvertTheirPresence)
         {{{{"Present", property("b", true)}}, {"0", "0|null|Maker||1|0|0"}},
          {{{"Present", text(" 12 cards")}}, {"0", "0|null|Maker||12|0|0"}},
          {{}, {nullText, unknown}},
-         {{{"Present", text("true")}}, {"stoi", unknown}},
-         {{{"Present", property("n", 1)}}, {"stoi", unknown}},
-         {{{"Present", property("u", 2147483648)}}, {"stoi", unknown}}}}
+         {{{"Present", text("true")}}, {"invalid argument: stoi", unknown}},
+         {{{"Present", property("n", 1)}}, {"invalid argument: stoi", unknown}},
+         {{{"Present", property("u", 2147483648)}},
+          {"out of range: stoi", unknown}}}}
         .expect();
 }
 
@@ -148,7 +149,8 @@ TEST(Processors, AreNamedByTheirLocation)
           {"0",
            "0|CPUCPU 1|null|null|null|null|a.b.Arm|1|2|3|4|5|5|6|7|0|0|0"}},
          {{{"LocationCode", text("")}, {"L2CacheKiB", text("big")}},
-          {"stoi", "0|CPU|null|null|null|null|a.b.Arm|1|2|3|4|5|5|0|0|0|0|0"}},
+          {"invalid argument: stoi",
+           "0|CPU|null|null|null|null|a.b.Arm|1|2|3|4|5|5|0|0|0|0|0"}},
          {{{"LocationCode", nullptr}},
           {nullText, "0|null|null|null|null|null|null|0|0|0|0|0|0|0|0|0|0|0"}}}}
         .expect();

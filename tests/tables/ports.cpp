@@ -68,7 +68,7 @@ TEST(NetworkPorts, ConvertTheirNumbers)
         {speed(4'294'967'295'999'999'999), "0", "4294967295|1|0|0.8%"},
         {{{"MaxSpeed", nullptr}}, nullText, "0|0|0|null"},
         {{{"Packets", nullptr}}, nullText, "25|1|0|null"},
-        {{{"Drop", text("some")}}, "stoull", "25|1|0|null"},
+        {{{"Drop", text("some")}}, "invalid argument: stoull", "25|1|0|null"},
     };
     for (const auto& [changes, outcome, fields] : cases)
     {

@@ -23,7 +23,7 @@ TEST(Show, ReadsRaidWithTheRunningScenario)
         "model": "DSSATA960", "serialNumber": "SF9600071A",
         "mediaType": "SSD", "protocol": "SATA", "revision": "UnKnown",
         "usage": "4", "speed": "6GB/s", "temperatureCelsius": 29,
-        "capacityGiB": 894, "present": 1})"));
+        "capacityGiB": 894, "present": true})"));
     EXPECT_EQ(tables.at("raid-controllers"), Json::parse(R"([{
         "name": "Drisko DR-9408 RAID", "idText1": "DR9408-66-0A17C2",
         "idText2": "7.21.03.00", "idText3": "5a3c9b0000940801",

@@ -81,7 +81,8 @@ TEST(Show, PrintsAllTablesOfTheServer)
     }
     EXPECT_EQ(counts, Json::parse(R"({
         "power-supplies": 2, "pcie-slots": 8, "network-adapters": 2,
-        "gpus": 2, "memory": 16, "processors": 2, "temperatures": 22,
+        "gpus": 2, "memory": 16, "processors": 2, "disks": 4,
+        "raid-controllers": 0, "raid-drives": 0, "temperatures": 22,
         "fans": 8, "voltages": 12, "currents": 6, "powers": 9, "pwms": 6,
         "bmc-network": 2, "network-ports": 4
     })"));
@@ -125,7 +126,7 @@ TEST(Show, HasEmptyTablesOfAllThatIsNotThere)
         const auto all = morvath("show --all --json");
         EXPECT_EQ(all.status, 0);
         const auto document = Json::parse(all.output);
-        EXPECT_EQ(document["tables"].size(), 14u);
+        EXPECT_EQ(document["tables"].size(), 17u);
         EXPECT_EQ(document["tables"]["fans"], Json::array());
         EXPECT_EQ(document["errors"], Json::array());
     }
@@ -135,7 +136,7 @@ TEST(Show, HasEmptyTablesOfAllThatIsNotThere)
         EXPECT_EQ(all.status, 1);
         const auto document = Json::parse(all.output);
         EXPECT_EQ(document["tables"]["fans"], nullptr);
-        EXPECT_EQ(document["errors"].size(), 14u);
+        EXPECT_EQ(document["errors"].size(), 15u);
     }
 }
 

@@ -32,11 +32,16 @@ constexpr std::array columns{
     Column{"WarningAlarmLow"},
     Column{"WarningHigh"},
     Column{"WarningLow"},
-    column<&BmcSensorEntry::maxValue>("MaxValue"),
-    column<&BmcSensorEntry::minValue>("MinValue"),
-    column<&BmcSensorEntry::unit, storeUnit>("Unit"),
-    column<&BmcSensorEntry::value>("Value"),
+    Column{"MaxValue"},
+    Column{"MinValue"},
+    Column{"Unit"},
+    Column{"Value"},
 };
+
+constexpr std::size_t maxValueCell = 9;
+constexpr std::size_t minValueCell = 10;
+constexpr std::size_t unitCell = 11;
+constexpr std::size_t valueCell = 12;
 
 /** Four neighbouring cells, from the one that belongs to alarmHigh. */
 struct Thresholds
@@ -80,10 +85,15 @@ void storeThresholds(BmcSensorEntry& entry, Row row, const Thresholds& group)
     store(entry.*group.low, row.take(first + 3));
 }
 
-void storeAllThresholds(BmcSensorEntry& entry, Row row)
+// The alarms come before the unit: of two bad cells it is theirs that shows.
+void storeReading(BmcSensorEntry& entry, Row row)
 {
     storeThresholds(entry, row, critical);
     storeThresholds(entry, row, warning);
+    store(entry.maxValue, row.take(maxValueCell));
+    store(entry.minValue, row.take(minValueCell));
+    storeUnit(entry.unit, row.take(unitCell));
+    store(entry.value, row.take(valueCell));
 }
 
 } // namespace
@@ -91,8 +101,7 @@ void storeAllThresholds(BmcSensorEntry& entry, Row row)
 int32_t getCommonSensorTableInfo(BmcSensorEntry** outArray, int32_t* outCount,
                                  const char* root, const char* interface)
 {
-    const Table sensors{root, interface, columns,
-                        finishWith<storeAllThresholds>};
+    const Table sensors{root, interface, columns, finishWith<storeReading>};
     return getTable(sensors, outArray, outCount);
 }
 

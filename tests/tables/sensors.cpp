@@ -82,13 +82,13 @@ TEST(Sensors, HaveOrLackLimitsByTheFirstAlarm)
          {"0", "0|1st|nan|1|0|90.00|null|0|1|80.00|20.00|-inf|inf|CFM|0|0"}},
         {{{"WarningAlarmLow", nullptr}},
          {nullText,
-          "0|1st|nan|1|0|90.00|10.00|0|0|null|null|-inf|inf|CFM|0|0"}},
+          "0|1st|null|1|0|90.00|10.00|0|0|null|null|null|null|null|0|0"}},
         {{{"CriticalAlarmLow", text("no")}},
          {"invalid argument: stoi",
-          "0|1st|nan|1|0|null|null|0|0|null|null|-inf|inf|CFM|0|0"}},
+          "0|1st|null|1|0|null|null|0|0|null|null|null|null|null|0|0"}},
         {{{"Unit", nullptr}},
          {nullText,
-          "0|1st|null|0|0|null|null|0|0|null|null|-inf|inf|null|0|0"}},
+          "0|1st|null|1|0|90.00|10.00|0|1|80.00|20.00|-inf|inf|null|0|0"}},
     };
     for (const auto& [changes, lines] : cases)
     {

@@ -1,5 +1,6 @@
 #include "get.hpp"
 
+#include "document.hpp"
 #include "text_table.hpp"
 
 #include <algorithm>
@@ -11,8 +12,6 @@ namespace morvath::tools
 {
 namespace
 {
-
-constexpr int formatVersion = 1;
 
 /** A fact's value, or what went wrong. */
 struct Reading
@@ -42,26 +41,14 @@ Reading readOne(const Fact& fact, std::optional<Timeout> timeout)
     }
 }
 
-/** One document, whatever could be read; a failed fact is null in it. */
 std::string documentOf(const std::vector<Reading>& readings)
 {
-    Value document{{"formatVersion", formatVersion},
-                   {"facts", Value::object()},
-                   {"errors", Value::array()}};
-    for (const auto& reading : readings)
+    Document document("facts");
+    for (const auto& [fact, value, failure] : readings)
     {
-        document["facts"][std::string(reading.fact->name)] = reading.value;
-        if (reading.failure)
-        {
-            document["errors"].push_back(
-                {{"fact", reading.fact->name}, {"message", *reading.failure}});
-        }
+        document.add(std::string(fact->name), value, failure);
     }
-    // Not every source of texts keeps to UTF-8; the document does.
-    constexpr auto strict = false;
-    constexpr int indent = 2;
-    return document.dump(indent, ' ', strict, Value::error_handler_t::replace) +
-           '\n';
+    return document.inLines();
 }
 
 std::string shown(const Value& value)

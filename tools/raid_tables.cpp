@@ -65,10 +65,11 @@ Table drives()
         "raid-drives", "drives behind RAID controllers, with their RAID level",
         {getRaidHddTableInfo, free_raid_hdd_entry},
         {
-            {{"driveText", "DRIVE"}, &Entry::driveText},
-            {{"raidLevel", "RAID LEVEL"}, &Entry::raidLevel},
-            {{"state", "STATE"}, &Entry::state},
-            {{"controllerName", "CONTROLLER"}, &Entry::controllerName},
+            {{"driveText", "DRIVE", Form::dashed}, &Entry::driveText},
+            {{"raidLevel", "RAID LEVEL", Form::dashed}, &Entry::raidLevel},
+            {{"state", "STATE", Form::dashed}, &Entry::state},
+            {{"controllerName", "CONTROLLER", Form::dashed},
+             &Entry::controllerName},
         });
 }
 

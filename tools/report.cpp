@@ -8,8 +8,6 @@ namespace morvath::tools
 namespace
 {
 
-constexpr int oneLine = -1;
-
 std::vector<Cells> readRows(const Table& table, Absence absence)
 {
     try
@@ -24,14 +22,6 @@ std::vector<Cells> readRows(const Table& table, Absence absence)
         }
         throw;
     }
-}
-
-std::string dump(const Value& document, int indent)
-{
-    // Not every source of texts keeps to UTF-8; the document does.
-    constexpr auto strict = false;
-    return document.dump(indent, ' ', strict, Value::error_handler_t::replace) +
-           '\n';
 }
 
 } // namespace
@@ -52,31 +42,14 @@ Outcome readTable(const Table& table, std::optional<Timeout> timeout,
     }
 }
 
-void Document::add(const Table& table, const Outcome& outcome)
+Value jsonRows(const Table& table, const std::vector<Cells>& rows)
 {
-    auto& entry = document["tables"][table.name];
-    if (outcome.failure)
+    auto all = Value::array();
+    for (const auto& row : rows)
     {
-        document["errors"].push_back(
-            {{"table", table.name}, {"message", *outcome.failure}});
-        return;
+        all.push_back(jsonRow(table.columns, row));
     }
-    entry = Value::array();
-    for (const auto& row : outcome.rows)
-    {
-        entry.push_back(jsonRow(table.columns, row));
-    }
-}
-
-std::string Document::inLines() const
-{
-    constexpr int indent = 2;
-    return dump(document, indent);
-}
-
-std::string Document::inOneLine() const
-{
-    return dump(document, oneLine);
+    return all;
 }
 
 void print(const std::string& text)

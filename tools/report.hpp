@@ -28,21 +28,8 @@ enum class Absence
 Outcome readTable(const Table& table, std::optional<Timeout> timeout,
                   Absence absence);
 
-/** One JSON document, whatever could be read; a failed table is null in it. */
-class Document
-{
-  public:
-    void add(const Table& table, const Outcome& outcome);
-
-    /** The document in several lines for people, or in a single one. */
-    std::string inLines() const;
-    std::string inOneLine() const;
-
-  private:
-    Value document{{"formatVersion", 1},
-                   {"tables", Value::object()},
-                   {"errors", Value::array()}};
-};
+/** The rows as objects with the keys of the columns. */
+Value jsonRows(const Table& table, const std::vector<Cells>& rows);
 
 /** Writes a text to standard output. */
 void print(const std::string& text);

@@ -1,6 +1,7 @@
 #include "sensors.hpp"
 
 #include "catalogue.hpp"
+#include "document.hpp"
 #include "report.hpp"
 #include "sensor_tables.hpp"
 #include "text_table.hpp"
@@ -86,14 +87,16 @@ bool showOnce(const SensorOptions& options)
 {
     const auto& [asJson, withTitles, timeout] = options.output;
     const auto tables = sensorTables();
-    Document document;
+    Document document("tables");
     Overview overview(tables.front().columns);
     bool complete = true;
     for (const auto& table : tables)
     {
         const auto outcome = readTable(table, timeout, Absence::emptyTable);
         complete = complete && !outcome.failure;
-        asJson ? document.add(table, outcome) : overview.add(table, outcome);
+        asJson ? document.add(table.name, jsonRows(table, outcome.rows),
+                              outcome.failure)
+               : overview.add(table, outcome);
     }
     if (!asJson)
     {

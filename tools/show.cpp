@@ -1,5 +1,6 @@
 #include "show.hpp"
 
+#include "document.hpp"
 #include "text_table.hpp"
 
 namespace morvath::tools
@@ -30,15 +31,17 @@ void printTable(const Table& table, const Outcome& outcome,
 
 bool show(const ShowOptions& options)
 {
-    Document document;
+    Document document("tables");
     bool complete = true;
     for (const Table* table : options.tables)
     {
         const auto outcome =
             readTable(*table, options.output.timeout, options.absence);
         complete = complete && !outcome.failure;
-        options.output.asJson ? document.add(*table, outcome)
-                              : printTable(*table, outcome, options);
+        options.output.asJson
+            ? document.add(table->name, jsonRows(*table, outcome.rows),
+                           outcome.failure)
+            : printTable(*table, outcome, options);
     }
     if (options.output.asJson)
     {

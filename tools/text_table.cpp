@@ -8,37 +8,9 @@ namespace morvath::tools
 namespace
 {
 
-constexpr auto missing = "n/a";
 constexpr auto gap = "  ";
 
 using Line = std::vector<std::string>;
-
-bool isControl(char character)
-{
-    const auto byte = static_cast<unsigned char>(character);
-    return byte < 0x20 || byte == 0x7f;
-}
-
-} // namespace
-
-std::string textOf(const Value& value)
-{
-    if (value.is_null())
-    {
-        return missing;
-    }
-    if (value.is_boolean())
-    {
-        return value.get<bool>() ? "yes" : "no";
-    }
-    auto text = value.is_string() ? value.get<std::string>() : value.dump();
-    // Whatever a service publishes, it must not steer the terminal.
-    std::ranges::replace_if(text, isControl, '?');
-    return text;
-}
-
-namespace
-{
 
 /** In characters: the bytes that continue one are not counted. */
 std::size_t widthOf(std::string_view text)

@@ -8,9 +8,6 @@
 namespace morvath::tools
 {
 
-/** A single value for people. */
-std::string textOf(const Value& value);
-
 /** Aligned columns, each as wide as its content, after a line of titles. */
 std::vector<std::string> textLines(const std::vector<Column>& columns,
                                    const std::vector<Cells>& rows,

@@ -21,4 +21,7 @@ Value valueOf(uint32_t number);
 /** Yes or no, for a field that is 1 or 0. */
 Value yesOrNo(int32_t flag);
 
+/** A value for people. */
+std::string textOf(const Value& value);
+
 } // namespace morvath::tools

@@ -10,13 +10,15 @@ namespace
 {
 
 constexpr auto service = "xyz.openbmc_project.State.Host";
+const std::string transition = "xyz.openbmc_project.State.Host.Transition.";
 constexpr auto path = "/xyz/openbmc_project/state/host0";
 constexpr auto interface = "xyz.openbmc_project.State.Host";
 
-Machine host(const std::string& property, const std::string& value)
+sim::Scenario host(const std::string& property, const std::string& value)
 {
-    return Machine().owns(path, service,
-                          {{interface, {{property, text(value)}}}});
+    return Machine()
+        .owns(path, service, {{interface, {{property, text(value)}}}})
+        .scenario();
 }
 
 TEST(PowerState, HasFourWords)
@@ -30,7 +32,6 @@ TEST(PowerState, HasFourWords)
         {state + "TransitioningToOff", {0, "PoweringOff"}},
         {state + "Off", {0, "PowerOff"}},
         {state + "Standby", {0, "PowerOff"}},
-        {state + "running", {0, "PowerOff"}},
         {state, {0, "PowerOff"}},
         {".Running", {0, "PowerOn"}},
         {"Running", {-1, nothing}},
@@ -39,21 +40,15 @@ TEST(PowerState, HasFourWords)
     };
     for (const auto& [value, result] : cases)
     {
-        sim::Platform platform(host("CurrentHostState", value).scenario());
+        sim::Platform platform(host("CurrentHostState", value));
         EXPECT_EQ(readText(getSystemPowerState), result) << value;
     }
     EXPECT_EQ(readText(getSystemPowerState), (TextResult{-1, nothing}));
 }
 
-TEST(PowerControl, GivesTheCodeOfTheLastRequest)
+TEST(PowerControl, GivesTheCodeOfAnyOtherRequest)
 {
-    const std::string transition = "xyz.openbmc_project.State.Host.Transition.";
     const std::pair<std::string, uint32_t> cases[]{
-        {transition + "Off", 0},
-        {transition + "On", 1},
-        {transition + "Reboot", 2},
-        {transition + "GracefulWarmReboot", 3},
-        {transition + "ForceWarmReboot", 4},
         {transition + "ForceWarm", 255},
         {transition, 255},
         {"x.On", 1},
@@ -62,8 +57,7 @@ TEST(PowerControl, GivesTheCodeOfTheLastRequest)
     };
     for (const auto& [value, code] : cases)
     {
-        sim::Platform platform(
-            host("RequestedHostTransition", value).scenario());
+        sim::Platform platform(host("RequestedHostTransition", value));
         EXPECT_EQ(readNumber(getSystemPowerCtl), (NumberResult{0, code}))
             << value;
     }
@@ -72,29 +66,20 @@ TEST(PowerControl, GivesTheCodeOfTheLastRequest)
 
 TEST(PowerControl, RequestsTheTransitionOfACode)
 {
-    const std::pair<uint32_t, const char*> cases[]{
-        {0, "xyz.openbmc_project.State.Host.Transition.Off"},
-        {1, "xyz.openbmc_project.State.Host.Transition.On"},
-        {2, "xyz.openbmc_project.State.Host.Transition.Reboot"},
-        {3, "xyz.openbmc_project.State.Host.Transition.GracefulWarmReboot"},
-        {4, "xyz.openbmc_project.State.Host.Transition.ForceWarmReboot"},
-    };
+    EXPECT_EQ(setSystemPowerCtl(1), -1);
     sim::Platform platform(sim::Scenario::standard());
-    for (const auto& [code, transition] : cases)
+    const char* words[]{"Off", "On", "Reboot", "GracefulWarmReboot",
+                        "ForceWarmReboot"};
+    for (uint32_t code = 0; code < std::size(words); ++code)
     {
         platform.clearCalls();
         EXPECT_EQ(setSystemPowerCtl(code), 0);
-        EXPECT_EQ(
-            platform.calls().at(0).arguments,
-            Json({interface, "RequestedHostTransition", text(transition)}));
+        EXPECT_EQ(platform.calls().at(0).arguments,
+                  Json({interface, "RequestedHostTransition",
+                        text(transition + words[code])}));
         EXPECT_EQ(readNumber(getSystemPowerCtl), (NumberResult{0, code}));
     }
-}
-
-TEST(PowerControl, RefusesOtherCodesWithoutACall)
-{
-    EXPECT_EQ(setSystemPowerCtl(1), -1);
-    sim::Platform platform(sim::Scenario::standard());
+    platform.clearCalls();
     for (const auto code : {5u, 255u, static_cast<uint32_t>(-1)})
     {
         EXPECT_EQ(setSystemPowerCtl(code), -3) << code;

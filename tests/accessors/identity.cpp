@@ -58,23 +58,26 @@ TEST(Identity, IsThatOfTheServer)
     }
 }
 
+sim::Scenario system(const Json& model)
+{
+    return Machine()
+        .owns(board + "/bios", smbios,
+              {{prefix + "Inventory.Item.System", {{"Model", model}}}})
+        .scenario();
+}
+
 TEST(Identity, LeavesTheOutputAloneWithoutAText)
 {
     for (const auto& [get, value] : getters)
     {
         EXPECT_EQ(readText(get), (TextResult{-1, nothing})) << value;
     }
-    const auto system = [](const Json& model) {
-        return Machine().owns(
-            board + "/bios", smbios,
-            {{prefix + "Inventory.Item.System", {{"Model", model}}}});
-    };
-    for (const auto& text : {std::string(), std::string(200, 'x')})
+    for (const auto& unfit : {std::string(), std::string(200, 'x')})
     {
-        sim::Platform platform(system(property("s", text)).scenario());
+        sim::Platform platform(system(text(unfit)));
         EXPECT_EQ(readText(getSystemModel), (TextResult{0, nothing}));
     }
-    sim::Platform platform(system(property("u", 1)).scenario());
+    sim::Platform platform(system(property("u", 1)));
     EXPECT_THROW(readText(getSystemModel), std::bad_variant_access);
 }
 

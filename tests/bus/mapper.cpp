@@ -2,7 +2,9 @@
 #include "support/machine.hpp"
 
 #include <gtest/gtest.h>
+#include <sdbusplus/exception.hpp>
 
+#include <algorithm>
 #include <cstdlib>
 
 namespace morvath::tests
@@ -33,16 +35,8 @@ struct Paths
 
     ~Paths()
     {
-        for (const auto& path : list())
-        {
-            std::free(const_cast<char*>(path));
-        }
+        std::for_each_n(paths, count, std::free);
         std::free(paths);
-    }
-
-    std::vector<const char*> list() const
-    {
-        return {paths, paths + count};
     }
 
     int32_t find(const char* prefix, const char* root = "/")
@@ -65,9 +59,8 @@ TEST(FindObjects, MatchesTheFirstOwnerAgainstThePrefix)
         Paths found;
         EXPECT_EQ(found.find(prefix), 0);
         EXPECT_NE(found.paths, nullptr);
-        EXPECT_EQ(
-            std::vector<std::string>(found.paths, found.paths + found.count),
-            expected)
+        EXPECT_TRUE(std::equal(found.paths, found.paths + found.count,
+                               expected.begin(), expected.end()))
             << prefix;
     }
 }
@@ -79,11 +72,7 @@ TEST(FindObjects, AddsToTheCounter)
     uint32_t count = 5;
     EXPECT_EQ(getDbusInterface("", "/fans", wanted, &paths, &count), 0);
     EXPECT_EQ(count, 8u);
-    for (auto index : {0, 1, 2})
-    {
-        std::free(paths[index]);
-    }
-    std::free(paths);
+    Paths{paths, 3};
 }
 
 TEST(ListObjects, AddsAllOwnersInOrder)
@@ -97,13 +86,10 @@ TEST(ListObjects, AddsAllOwnersInOrder)
     EXPECT_EQ(tree[2].first, "/fans/a2");
     ASSERT_EQ(tree[2].second.size(), 2u);
     EXPECT_EQ(tree[2].second[0].first, "com.example.A");
+    const std::string common = "org.freedesktop.DBus.";
     const std::vector<std::string> interfaces{
-        "com.example.Also",
-        "com.example.Wanted",
-        "org.freedesktop.DBus.Introspectable",
-        "org.freedesktop.DBus.Peer",
-        "org.freedesktop.DBus.Properties",
-    };
+        "com.example.Also", wanted, common + "Introspectable", common + "Peer",
+        common + "Properties"};
     EXPECT_EQ(tree[2].second[0].second, interfaces);
 
     const auto calls = platform.calls();
@@ -145,12 +131,19 @@ TEST(FindObjects, TakesAnObjectWithoutOwnersAsOneWithoutName)
                    {{"reply",
                      property("a{sa{sas}}", {{"/orphan", Json::object()}})}})
             .scenario());
-    Paths any;
-    EXPECT_EQ(any.find(""), 0);
-    EXPECT_EQ(any.count, 1u);
-    Paths named;
-    EXPECT_EQ(named.find("com"), 0);
-    EXPECT_EQ(named.count, 0u);
+    Paths found;
+    EXPECT_EQ(found.find("com"), 0);
+    EXPECT_EQ(found.count, 0u);
+    std::free(std::exchange(found.paths, nullptr));
+    EXPECT_EQ(found.find(""), 0);
+    EXPECT_EQ(found.count, 1u);
+
+    char*** rows = nullptr;
+    int32_t rowCount = 0;
+    EXPECT_THROW(getDbusTableData("/", wanted, nullptr, 0, &rows, &rowCount),
+                 sdbusplus::exception::SdBusError);
+    EXPECT_EQ(rowCount, 0);
+    std::free(rows);
 }
 
 } // namespace

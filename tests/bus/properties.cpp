@@ -1,12 +1,11 @@
 #include "morvath.h"
 #include "support/machine.hpp"
+#include "support/result.hpp"
 
 #include <gtest/gtest.h>
-#include <sdbusplus/exception.hpp>
 
 #include <cstdlib>
 #include <functional>
-#include <memory>
 #include <stdexcept>
 
 namespace morvath::tests
@@ -18,52 +17,52 @@ constexpr auto service = "com.example.Settings";
 constexpr auto path = "/com/example/settings";
 constexpr auto interface = "com.example.Values";
 
-Machine settings(const Json& properties)
+/** A property with the name Odd is answered with a bare number. */
+sim::Scenario settings(const Json& properties)
 {
-    return Machine().owns(path, service, {{interface, properties}});
+    return Machine()
+        .owns(path, service, {{interface, properties}})
+        .fault({{"property", "Odd"}}, {{"reply", property("u", 1)}})
+        .scenario();
+}
+
+template <typename Call, typename... Values>
+int32_t on(const char* name, Call call, Values... values)
+{
+    return call(service, path, interface, name, values...);
 }
 
 TEST(GetString, DeliversOneTo199Bytes)
 {
     const std::string longest(199, 'x');
-    sim::Platform platform(settings({{"Empty", text("")},
-                                     {"Short", text("a")},
-                                     {"Longest", text(longest)},
-                                     {"TooLong", text(longest + "x")}})
-                               .scenario());
-    const std::pair<const char*, const char*> cases[]{
-        {"Empty", nullptr},
-        {"Short", "a"},
-        {"Longest", longest.c_str()},
-        {"TooLong", nullptr},
+    const std::pair<std::string, TextResult> cases[]{
+        {"", {0, nothing}},
+        {"a", {0, "a"}},
+        {longest, {0, longest}},
+        {longest + "x", {0, nothing}},
     };
-    for (const auto& [name, expected] : cases)
+    for (const auto& [held, result] : cases)
     {
-        char* value = nullptr;
-        EXPECT_EQ(getDbusPropertyString(service, path, interface, name, &value),
-                  0);
-        EXPECT_STREQ(value, expected) << name;
-        std::free(value);
+        sim::Platform platform(settings({{"Text", text(held)}}));
+        const auto read = readText([](char** value) {
+            return on("Text", getDbusPropertyString, value);
+        });
+        EXPECT_EQ(read, result);
     }
 }
 
 TEST(GetTexts, WritesTheArrayOnlyForElements)
 {
     sim::Platform platform(settings({{"Two", property("as", {"one", ""})},
-                                     {"None", property("as", Json::array())}})
-                               .scenario());
+                                     {"None", property("as", Json::array())}}));
     char* untouched = nullptr;
     char** values = &untouched;
     uint32_t count = 7;
-    EXPECT_EQ(getDbusPropertyVectorString(service, path, interface, "None",
-                                          &values, &count),
-              0);
+    EXPECT_EQ(on("None", getDbusPropertyVectorString, &values, &count), 0);
     EXPECT_EQ(count, 0u);
     EXPECT_EQ(values, &untouched);
 
-    EXPECT_EQ(getDbusPropertyVectorString(service, path, interface, "Two",
-                                          &values, &count),
-              0);
+    EXPECT_EQ(on("Two", getDbusPropertyVectorString, &values, &count), 0);
     ASSERT_EQ(count, 2u);
     EXPECT_STREQ(values[0], "one");
     EXPECT_STREQ(values[1], "");
@@ -76,15 +75,13 @@ TEST(GetNumbers, DeliversBytesAndBooleans)
 {
     sim::Platform platform(settings({{"Byte", property("y", 255)},
                                      {"Yes", property("b", true)},
-                                     {"No", property("b", false)}})
-                               .scenario());
+                                     {"No", property("b", false)}}));
     uint8_t value = 9;
-    EXPECT_EQ(getDbusPropertyUint8(service, path, interface, "Byte", &value),
-              0);
+    EXPECT_EQ(on("Byte", getDbusPropertyUint8, &value), 0);
     EXPECT_EQ(value, 255);
-    EXPECT_EQ(getDbusPropertyBool(service, path, interface, "Yes", &value), 0);
+    EXPECT_EQ(on("Yes", getDbusPropertyBool, &value), 0);
     EXPECT_EQ(value, 1);
-    EXPECT_EQ(getDbusPropertyBool(service, path, interface, "No", &value), 0);
+    EXPECT_EQ(on("No", getDbusPropertyBool, &value), 0);
     EXPECT_EQ(value, 0);
 }
 
@@ -101,25 +98,14 @@ struct Getters
     std::vector<std::function<int32_t()>> on(const char* from, const char* at,
                                              const char* name)
     {
-        return {
-            [=, this] {
-                return getDbusPropertyString(from, at, interface, name,
-                                             &string);
-            },
-            [=, this] {
-                return getDbusPropertyVectorString(from, at, interface, name,
-                                                   &strings, &count);
-            },
-            [=, this] {
-                return getDbusPropertyUint8(from, at, interface, name, &byte);
-            },
-            [=, this] {
-                return getDbusPropertyBool(from, at, interface, name, &byte);
-            },
-            [=, this] {
-                return _getDbusProperty(from, at, interface, name, &value);
-            },
+        const auto bound = [=](auto get, auto... outputs) {
+            return [=] { return get(from, at, interface, name, outputs...); };
         };
+        return {bound(getDbusPropertyString, &string),
+                bound(getDbusPropertyVectorString, &strings, &count),
+                bound(getDbusPropertyUint8, &byte),
+                bound(getDbusPropertyBool, &byte),
+                bound(_getDbusProperty, &value)};
     }
 
     void expectUntouched() const
@@ -134,10 +120,7 @@ struct Getters
 
 TEST(GetFailures, GiveMinusOneAndWriteNothing)
 {
-    sim::Platform platform(
-        settings({{"Here", text("x")}, {"Odd", text("x")}})
-            .fault({{"property", "Odd"}}, {{"reply", property("u", 1)}})
-            .scenario());
+    sim::Platform platform(settings({{"Here", text("x")}, {"Odd", text("x")}}));
     const char* cases[][3]{
         {"com.example.Nobody", path, "Here"},
         {service, "/com/example/nothing", "Here"},
@@ -161,27 +144,18 @@ TEST(GetFailures, RaiseForARequestThatCannotBe)
     Getters getters;
     for (const auto& get : getters.on(service, "/not/a/path/", "Any"))
     {
-        try
-        {
-            get();
-            ADD_FAILURE() << "returned";
-        }
-        catch (const sdbusplus::exception::SdBusError& error)
-        {
-            EXPECT_EQ(error.get_errno(), EINVAL);
-            EXPECT_TRUE(std::string(error.what())
-                            .starts_with("sd_bus_message_new_method_call: "))
-                << error.what();
-        }
+        EXPECT_TRUE(busErrorOf(get).starts_with(
+            "sd_bus_message_new_method_call: "
+            "org.freedesktop.DBus.Error.InvalidArgs: "))
+            << busErrorOf(get);
     }
     getters.expectUntouched();
 }
 
 TEST(GetFailures, RaiseForAnotherType)
 {
-    sim::Platform platform(settings({{"Number", property("u", 1)},
-                                     {"Unknown", property("o", "/a")}})
-                               .scenario());
+    sim::Platform platform(settings(
+        {{"Number", property("u", 1)}, {"Unknown", property("o", "/a")}}));
     for (const auto* name : {"Number", "Unknown"})
     {
         Getters getters;
@@ -223,54 +197,37 @@ const Form forms[]{
     {"aq", Json::array(), std::vector<uint16_t>{}},
 };
 
-TEST(GetValue, ReadsEachTypeAsItsAlternative)
-{
-    for (std::size_t index = 0; index < std::size(forms); ++index)
-    {
-        const auto& form = forms[index];
-        sim::Platform platform(
-            settings({{"Value", property(form.type, form.json)}}).scenario());
-        PropertyValue value;
-        EXPECT_EQ(_getDbusProperty(service, path, interface, "Value", &value),
-                  0);
-        EXPECT_EQ(value.index(), index) << form.type;
-        EXPECT_EQ(value, form.value) << form.type;
-    }
-}
-
-TEST(GetValue, ReadsAnyOtherTypeAsTheEmptyFirst)
-{
-    for (const auto& [type, json] :
-         std::initializer_list<std::pair<const char*, Json>>{
-             {"o", "/a"},
-             {"ai", {1}},
-             {"(s)", {"a"}},
-             {"a{ss}", {{"a", "b"}}},
-             {"v", property("s", "a")}})
-    {
-        sim::Platform platform(
-            settings({{"Value", property(type, json)}}).scenario());
-        PropertyValue value = true;
-        EXPECT_EQ(_getDbusProperty(service, path, interface, "Value", &value),
-                  0);
-        EXPECT_EQ(value, PropertyValue()) << type;
-    }
-}
-
-TEST(SetValue, SendsTheTypeOfTheAlternative)
+TEST(Value, KeepsItsTypeBothWays)
 {
     for (const auto& form : forms)
     {
-        sim::Platform platform(
-            settings({{"Value", property(form.type, form.json)}}).scenario());
-        EXPECT_EQ(
-            _setDbusProperty(service, path, interface, "Value", &form.value), 0)
-            << form.type;
-        const auto calls = platform.calls();
-        ASSERT_EQ(calls.size(), 1u);
-        EXPECT_EQ(calls[0].member, "Set");
-        EXPECT_EQ(calls[0].arguments,
-                  Json({interface, "Value", property(form.type, form.json)}));
+        const auto published = property(form.type, form.json);
+        sim::Platform platform(settings({{"Value", published}}));
+        PropertyValue value;
+        EXPECT_EQ(on("Value", _getDbusProperty, &value), 0);
+        EXPECT_EQ(value.index(), static_cast<std::size_t>(&form - forms));
+        EXPECT_EQ(value, form.value) << form.type;
+
+        EXPECT_EQ(on("Value", _setDbusProperty, &form.value), 0) << form.type;
+        EXPECT_EQ(platform.calls().at(1).member, "Set");
+        EXPECT_EQ(platform.calls().at(1).arguments,
+                  Json({interface, "Value", published}));
+    }
+}
+
+TEST(Value, OfAnyOtherTypeIsReadAsTheEmptyFirst)
+{
+    const Json properties{{"o", property("o", "/a")},
+                          {"ai", property("ai", {1})},
+                          {"struct", property("(s)", {"a"})},
+                          {"dict", property("a{ss}", {{"a", "b"}})},
+                          {"v", property("v", property("s", "a"))}};
+    sim::Platform platform(settings(properties));
+    for (const auto& [name, published] : properties.items())
+    {
+        PropertyValue value = true;
+        EXPECT_EQ(on(name.c_str(), _getDbusProperty, &value), 0);
+        EXPECT_EQ(value, PropertyValue()) << name;
     }
 }
 
@@ -279,93 +236,72 @@ TEST(SetTyped, SendsWhatItIsGiven)
     sim::Platform platform(settings({{"Flag", property("b", false)},
                                      {"Number", property("t", 0)},
                                      {"Text", text("")},
-                                     {"Texts", property("as", {"old"})}})
-                               .scenario());
-    const char* none[]{nullptr};
-    const char* two[]{"one", "two", nullptr};
-    EXPECT_EQ(setDbusPropertyBool(service, path, interface, "Flag", 2), 0);
-    EXPECT_EQ(
-        setDbusPropertyUint64(service, path, interface, "Number", UINT64_MAX),
-        0);
-    EXPECT_EQ(setDbusPropertyString(service, path, interface, "Text", "new"),
-              0);
-    EXPECT_EQ(
-        setDbusPropertyVectorString(service, path, interface, "Texts", two), 0);
-
+                                     {"Texts", property("as", {"old"})}}));
     const auto held = [&](const char* name) {
         return platform.property(service, path, interface, name);
     };
+    const char* none[]{nullptr};
+    const char* two[]{"one", "two", nullptr};
+    EXPECT_EQ(on("Flag", setDbusPropertyBool, 2), 0);
     EXPECT_EQ(held("Flag"), true);
+    EXPECT_EQ(on("Number", setDbusPropertyUint64, UINT64_MAX), 0);
     EXPECT_EQ(held("Number"), UINT64_MAX);
+    EXPECT_EQ(on("Text", setDbusPropertyString, "new"), 0);
     EXPECT_EQ(held("Text"), "new");
+    EXPECT_EQ(on("Texts", setDbusPropertyVectorString, two), 0);
     EXPECT_EQ(held("Texts"), Json({"one", "two"}));
-
-    EXPECT_EQ(
-        setDbusPropertyVectorString(service, path, interface, "Texts", none),
-        0);
+    EXPECT_EQ(on("Texts", setDbusPropertyVectorString, none), 0);
     EXPECT_EQ(held("Texts"), Json::array());
-}
 
-TEST(SetTyped, ReportsRefusalAndRaisesForNull)
-{
-    sim::Platform platform(settings({{"Text", text("")}}).scenario());
-    EXPECT_EQ(setDbusPropertyBool(service, path, interface, "Text", 1), -1);
-    EXPECT_EQ(setDbusPropertyUint64(service, path, interface, "No", 1), -1);
-    EXPECT_THROW(
-        setDbusPropertyString(service, path, interface, "Text", nullptr),
-        std::logic_error);
+    EXPECT_EQ(on("Text", setDbusPropertyBool, 1), -1);
+    EXPECT_EQ(on("No", setDbusPropertyUint64, 1), -1);
+    EXPECT_THROW(on("Text", setDbusPropertyString, nullptr), std::logic_error);
     EXPECT_THROW(setDbusPropertyString(service, "", interface, "Text", "x"),
                  sdbusplus::exception::SdBusError);
-    EXPECT_EQ(platform.property(service, path, interface, "Text"), "");
-}
-
-Machine threePorts()
-{
-    Machine machine;
-    for (const auto* port : {"/net/a", "/net/b", "/net/c"})
-    {
-        machine.owns(port, service,
-                     {{interface, {{"Servers", property("as", {"old"})}}}});
-    }
-    return machine;
+    EXPECT_EQ(held("Text"), "new");
 }
 
 TEST(SetOnAll, WritesEveryObjectUntilOneRefuses)
 {
-    const char* values[]{"new", nullptr};
-    const auto setOnAll = [&](const char* of) {
-        return setDbusPropertyVectorStringWithoutPath(service, of, "Servers",
-                                                      values);
-    };
-    const auto held = [](const sim::Platform& platform, const char* port) {
-        return platform.property(service, port, interface, "Servers");
-    };
+    Machine ports;
+    for (const auto* port : {"/net/a", "/net/b", "/net/c"})
     {
-        sim::Platform platform(threePorts().scenario());
-        EXPECT_EQ(setOnAll(interface), 0);
-        EXPECT_EQ(held(platform, "/net/a"), Json({"new"}));
-        EXPECT_EQ(held(platform, "/net/c"), Json({"new"}));
-        EXPECT_EQ(platform.calls().size(), 4u);
-        EXPECT_EQ(platform.calls()[0].arguments,
-                  Json({"/", 0, Json::array({interface})}));
-        EXPECT_EQ(setOnAll("com.example.Nobody"), 0);
-        EXPECT_EQ(platform.calls().size(), 5u);
+        ports.owns(port, service,
+                   {{interface, {{"Servers", property("as", {"old"})}}}});
     }
+    const Json atSecond{{"member", "Set"}, {"path", "/net/b"}};
+    const Json refused{{"error", "com.example.Refused"}, {"message", ""}};
+    struct
     {
-        sim::Platform platform(
-            threePorts()
-                .fault({{"member", "Set"}, {"path", "/net/b"}},
-                       {{"error", "com.example.Refused"}, {"message", ""}})
-                .scenario());
-        EXPECT_EQ(setOnAll(interface), -1);
-        EXPECT_EQ(held(platform, "/net/a"), Json({"new"}));
-        EXPECT_EQ(held(platform, "/net/c"), Json({"old"}));
-        EXPECT_EQ(platform.calls().size(), 3u);
-    }
+        Machine machine;
+        const char* of;
+        int32_t code;
+        const char* first;
+        const char* last;
+        std::size_t calls;
+    } const cases[]{
+        {ports, interface, 0, "new", "new", 4},
+        {ports, "com.example.Nobody", 0, "old", "old", 1},
+        {Machine(ports).fault(atSecond, refused), interface, -1, "new", "old",
+         3},
+        {Machine(ports).withoutMapper(), interface, 0, "old", "old", 0},
+    };
+    for (const auto& one : cases)
     {
-        sim::Platform platform(threePorts().withoutMapper().scenario());
-        EXPECT_EQ(setOnAll(interface), 0);
-        EXPECT_EQ(held(platform, "/net/a"), Json({"old"}));
+        sim::Platform platform(one.machine.scenario());
+        const auto held = [&](const char* port) {
+            return platform.property(service, port, interface, "Servers");
+        };
+        const char* values[]{"new", nullptr};
+        EXPECT_EQ(setDbusPropertyVectorStringWithoutPath(service, one.of,
+                                                         "Servers", values),
+                  one.code);
+        EXPECT_EQ(held("/net/a"), Json::array({one.first}));
+        EXPECT_EQ(held("/net/c"), Json::array({one.last}));
+        const auto calls = platform.calls();
+        EXPECT_EQ(calls.size(), one.calls);
+        EXPECT_TRUE(calls.empty() || calls[0].arguments ==
+                                         Json({"/", 0, Json::array({one.of})}));
     }
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <sdbusplus/exception.hpp>
+
 #include <cstdint>
 #include <cstdlib>
 #include <optional>
@@ -47,6 +49,21 @@ NumberResult readNumber(const Getter& get)
     uint32_t number = unwritten;
     const int32_t code = get(&number);
     return {code, number == unwritten ? nothing : std::optional(number)};
+}
+
+/** The text of the bus error that a call raises. */
+template <typename Call>
+std::string busErrorOf(const Call& call)
+{
+    try
+    {
+        call();
+    }
+    catch (const sdbusplus::exception::SdBusError& error)
+    {
+        return error.what();
+    }
+    return "none";
 }
 
 } // namespace morvath::tests

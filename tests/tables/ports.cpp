@@ -83,20 +83,16 @@ TEST(NetworkPorts, EndAtAnAdapterThatIsNotListed)
 {
     const std::string port = "0|nic-1|port1|null|null|null|25|1|0|0.8%|0|0";
     // The first query is for the adapters, of which the second has the port.
-    const Lines cases[]{
-        {"0", port}, {"-1"}, {"0"}, {"0"}, {"0", port},
-    };
+    const Lines cases[]{{"-1"}, {"0"}, {"0"}, {"0", port}};
     for (const auto& lines : cases)
     {
-        const auto call = &lines - cases;
-        auto machine = onePort({})
-                           .owns(root + "A", service, adapter)
-                           .owns(root + "a", service, adapter);
-        if (call > 0)
-        {
-            machine.fault({{"member", "GetSubTree"}, {"call", call}},
-                          {{"error", "com.example.Busy"}});
-        }
+        const auto call = 1 + (&lines - cases);
+        const auto machine =
+            onePort({})
+                .owns(root + "A", service, adapter)
+                .owns(root + "a", service, adapter)
+                .fault({{"member", "GetSubTree"}, {"call", call}},
+                       {{"error", "com.example.Busy"}});
         EXPECT_EQ(linesOf<Ports>(machine), lines) << call;
     }
 }

@@ -37,27 +37,29 @@ TEST(RaidControllers, AreUnknownWhereTheyAreNotConfigured)
 TEST(RaidControllers, ReadTextsToTheEndOfTheirRecordAtMost)
 {
     const std::string name(80, 'n');
-    const std::string rest(399 - 164, 'A');
-    std::string digits;
-    for (std::size_t byte = 0; byte < rest.size(); ++byte)
-    {
-        digits += "41";
-    }
-    const Json controller{{"raid_id", 1},
-                          {"name", name},
-                          {"text84", "next"},
-                          {"raw", {{"164", digits}}}};
+    const std::string rest(399 - 164, 'D');
+    const Json controller{
+        {"raid_id", 1},
+        {"name", name},
+        {"text84", "next"},
+        {"raw", {{"164", std::string(2 * rest.size(), '4')}}}};
     EXPECT_EQ(controllersOf({{"controllers", {controller}}}),
               (Lines{"0", "0|" + name +
                               "next|next|unknown|unknown|unknown|"
                               "unknown|" +
                               rest +
-                              "||0x4141|0x4141|0x4141|0x4141|SAS, SATA||PCIE|"
-                              "65|16705|0|0"}));
+                              "||0x4444|0x4444|0x4444|0x4444|SAS, SATA||PCIE|"
+                              "68|17476|0|0"}));
 }
 
 TEST(RaidControllers, FailAsTheLibraryDoes)
 {
+    const Calls asked{{"checkRaidMgrExist", 1}};
+    const Calls listed{{"checkRaidMgrExist", 1}, {"getRaidIdList", 1}};
+    auto readOne = listed;
+    readOne["getRaidInfoById"] = 1;
+    auto readTwo = listed;
+    readTwo["getRaidInfoById"] = 2;
     struct
     {
         const char* operation;
@@ -66,30 +68,10 @@ TEST(RaidControllers, FailAsTheLibraryDoes)
         const char* outputs;
         Calls calls;
     } const cases[]{
-        {"checkRaidMgrExist",
-         1,
-         0,
-         "0, array untouched, count 0",
-         {{"checkRaidMgrExist", 1}}},
-        {"getRaidIdList",
-         1,
-         9,
-         "-4, array untouched, count untouched",
-         {{"checkRaidMgrExist", 1}, {"getRaidIdList", 1}}},
-        {"getRaidInfoById",
-         1,
-         -1,
-         "-4, array, count 2",
-         {{"checkRaidMgrExist", 1},
-          {"getRaidIdList", 1},
-          {"getRaidInfoById", 1}}},
-        {"getRaidInfoById",
-         2,
-         9,
-         "-4, array, count 2",
-         {{"checkRaidMgrExist", 1},
-          {"getRaidIdList", 1},
-          {"getRaidInfoById", 2}}},
+        {"checkRaidMgrExist", 1, 0, "0, array untouched, count 0", asked},
+        {"getRaidIdList", 1, 9, "-4, array untouched, count untouched", listed},
+        {"getRaidInfoById", 1, -1, "-4, array, count 2", readOne},
+        {"getRaidInfoById", 2, 9, "-4, array, count 2", readTwo},
     };
     for (const auto& one : cases)
     {

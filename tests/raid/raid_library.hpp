@@ -80,6 +80,21 @@ Lines raidLinesOf(const Json& section)
     return linesOf<Table>();
 }
 
+/** How a table's first record looks after each of two releases. */
+template <typename Table, typename Release>
+Lines releasedTwice(const Release& release)
+{
+    Table table;
+    Lines lines{outcomeOf([&] { return table.read(); })};
+    for (int time = 0; time < 2; ++time)
+    {
+        release(&table.records[0]);
+        lines.push_back(lineOf(table.records[0]));
+    }
+    release(nullptr);
+    return lines;
+}
+
 /** What a getter leaves in its outputs, in words. */
 template <typename Record, typename Getter>
 std::string outputsOf(const Getter& getter)

@@ -33,7 +33,7 @@ Client::Client()
 
 Reply Client::call(const std::string& service, const std::string& path,
                    const std::string& interface, const std::string& member,
-                   const std::vector<Value>& arguments, std::uint64_t timeout)
+                   const std::vector<Value>& arguments)
 {
     sd_bus_message* raw = nullptr;
     sim::check(sd_bus_message_new_method_call(bus(), &raw, service.c_str(),
@@ -47,7 +47,7 @@ Reply Client::call(const std::string& service, const std::string& path,
     }
     sd_bus_error error{};
     sd_bus_message* answer = nullptr;
-    if (sd_bus_call(bus(), raw, timeout, &error, &answer) < 0)
+    if (sd_bus_call(bus(), raw, patience, &error, &answer) < 0)
     {
         Reply reply{
             error.name, error.message == nullptr ? "" : error.message, {}};

@@ -37,8 +37,7 @@ class Client
 
     Reply call(const std::string& service, const std::string& path,
                const std::string& interface, const std::string& member,
-               const std::vector<Value>& arguments = {},
-               std::uint64_t timeout = patience);
+               const std::vector<Value>& arguments = {});
 
     Reply get(const std::string& service, const std::string& path,
               const std::string& interface, const std::string& name);

@@ -48,8 +48,6 @@ TEST(Faults, ReachExactlyTheCallsTheyDescribe)
     const std::string unknown =
         "\"org.freedesktop.DBus.Error.UnknownProperty\"";
     const std::vector<Case> cases{
-        {R"({"when": {"path": "/none"}, "then": {"error": "x.E"}})",
-         {"\"one\"", "2", all, "\"b\""}},
         {R"({"when": {"property": "P"}, "then": {"error": "x.E"}})",
          {"\"x.E\"", "2", "\"x.E\"", "\"x.E\""}},
         {R"({"when": {"path": "/a", "property": "Q", "member": "GetAll"},
@@ -71,11 +69,6 @@ TEST(Faults, ReachExactlyTheCallsTheyDescribe)
         {R"({"when": {"path": "/a", "property": "P"},
              "then": {"missing": true}})",
          {unknown, "2", onlyQ, "\"b\""}},
-        {R"({"when": {"path": "/a", "property": "P"},
-             "then": {"missing": true}},
-            {"when": {"path": "/a", "property": "Q"},
-             "then": {"missing": true}})",
-         {unknown, unknown, "{}", "\"b\""}},
         {R"({"when": {"path": "/a"}, "then": {"vanished": true}})",
          {gone, gone, gone, "\"b\""}},
         {R"({"when": {"path": "/b"}, "then":
@@ -104,15 +97,6 @@ TEST(Faults, ErrorCarriesItsText)
     EXPECT_EQ(client.mapper("GetObject", {text("/a"), texts({})}).error, "x.E");
 }
 
-TEST(Faults, EmptyReplyHasNoBody)
-{
-    const sim::Platform platform(
-        withFaults(R"({"when": {}, "then": {"reply": {"type": ""}}})"));
-    const Reply reply = Client().getAll("x.S", "/a", "");
-    EXPECT_EQ(reply.error, "");
-    EXPECT_TRUE(reply.values.empty());
-}
-
 TEST(Faults, DelayedCallIsAnsweredLate)
 {
     const sim::Platform platform(withFaults(
@@ -125,41 +109,6 @@ TEST(Faults, DelayedCallIsAnsweredLate)
     EXPECT_GE(Clock::now() - start, std::chrono::milliseconds(60));
     EXPECT_EQ(client.get("x.S", "/a", "x.I", "P").shown(),
               "org.freedesktop.DBus.Error.UnknownProperty");
-}
-
-TEST(Faults, SilentServiceNeverAnswers)
-{
-    const sim::Platform platform(
-        withFaults(R"({"when": {"path": "/a"}, "then": {"silent": true}})"));
-    Client client;
-    const Reply reply = client.call("x.S", "/a", "org.freedesktop.DBus.Peer",
-                                    "Ping", {}, 50'000);
-    EXPECT_EQ(reply.error, "org.freedesktop.DBus.Error.Timeout");
-    EXPECT_EQ(client.get("x.S", "/b", "x.I", "P").shown(), "b");
-}
-
-TEST(Faults, DeadServiceLeavesTheBus)
-{
-    const sim::Platform platform(withFaults(
-        R"({"when": {"path": "/b", "call": 2}, "then": {"die": true}})"));
-    Client client;
-    EXPECT_EQ(client.get("x.S", "/b", "x.I", "P").shown(), "b");
-    EXPECT_EQ(client.get("x.S", "/b", "x.I", "P").error,
-              "org.freedesktop.DBus.Error.NoReply");
-    EXPECT_EQ(client.get("x.S", "/a", "x.I", "P").error,
-              "org.freedesktop.DBus.Error.ServiceUnknown");
-}
-
-TEST(Faults, MapperCanBeAbsent)
-{
-    const sim::Platform platform(
-        sim::Scenario::parse(R"({"format": 1, "mapper": false, "objects": )" +
-                                 std::string(objects) + "}",
-                             "machine"));
-    Client client;
-    EXPECT_EQ(client.mapper("GetObject", {text("/a"), texts({})}).error,
-              "org.freedesktop.DBus.Error.ServiceUnknown");
-    EXPECT_EQ(client.get("x.S", "/b", "x.I", "P").shown(), "b");
 }
 
 TEST(Platform, NamesAreFreeForTheNextOne)

@@ -67,23 +67,16 @@ TEST(RaidSection, BadInputIsRefusedWithItsPlace)
     const std::string controller = "file: /raid/controllers/0/";
     const std::string drive = controller + "physical/0/";
     const std::vector<std::pair<std::string, std::string>> cases{
-        {"[]", "file: /raid: must be an object"},
         {R"({"manager": true})", "file: /raid/manager: the key is unknown "
                                  "here"},
         {R"({"controllers": [{}]})",
          "file: /raid/controllers/0: \"raid_id\" is missing"},
-        {R"({"controllers": [{"raid_id": 4294967296}]})",
-         controller + "raid_id: must be a whole number from 0 to 4294967295"},
         {R"({"controllers": [{"raid_id": 2}, {"raid_id": 2}]})",
          "file: /raid/controllers/1/raid_id: the id stands here twice"},
-        {withController(R"("id": 0)"),
-         controller + "id: the key is unknown here"},
         {withController(R"("name": ")" + std::string(81, 'n') + '"'),
          controller + "name: must have at most 80 bytes"},
         {withController(R"("pci_vendor": -1)"),
          controller + "pci_vendor: must be a whole number from 0 to 65535"},
-        {withController(R"("raw": {"399": ""})"),
-         controller + "raw/399: must be at an offset from 0 to 398"},
         {withController(R"("raw": {"99999999999999999999": ""})"),
          controller + "raw/99999999999999999999: must be at an offset from 0 "
                       "to 398"},
@@ -92,15 +85,9 @@ TEST(RaidSection, BadInputIsRefusedWithItsPlace)
                       "end of the record"},
         {withController(R"("raw": {"0": "0g"})"),
          controller + "raw/0: must consist of hexadecimal digits"},
-        {withDrive(R"("vendor": "123456789")"),
-         drive + "vendor: must have at most 8 bytes"},
-        {withDrive(R"("temperature": 256)"),
-         drive + "temperature: must be a whole number from 0 to 255"},
         {withDrive(R"("blocks": 18446744073709551616)"),
          drive + "blocks: must be a whole number from 0 to "
                  "18446744073709551615"},
-        {withController(R"("physical": [{"device_id": 3}, {"device_id": 3}])"),
-         controller + "physical/1/device_id: the id stands here twice"},
         {withMembers(255), ""},
         {withMembers(256), controller + "logical/0/members/255: is one member "
                                         "too many for a logical drive"},
@@ -119,9 +106,6 @@ TEST(RaidSection, BadInputIsRefusedWithItsPlace)
          "with a result"},
         {R"({"faults": [{"operation": "getRaidConf"}]})",
          "file: /raid/faults/0: \"result\" is missing"},
-        {R"({"faults": [{"operation": "getRaidConf", "result": 0,
-             "call": 0}]})",
-         "file: /raid/faults/0/call: must be at least 1"},
     };
     for (const auto& [section, message] : cases)
     {

@@ -9,7 +9,7 @@ namespace
 {
 
 /** Unlike other tables this one keeps copies and nothing of the rows. */
-void storeCopy(char*& field, CText cell)
+void storeCopy(char*& field, CText&& cell)
 {
     if (cell)
     {

@@ -9,7 +9,7 @@ namespace
 {
 
 /** The short word of an enumeration value. */
-void storeWord(char*& field, CText cell)
+void storeWord(char*& field, CText&& cell)
 {
     field = copyText(getLastStr(cell.get()).c_str()).release();
 }

@@ -23,7 +23,7 @@ constexpr int32_t originNone = 3;
 
 constexpr uint32_t maskBits = 32;
 
-void storeOrigin(int32_t& field, CText cell)
+void storeOrigin(int32_t& field, CText&& cell)
 {
     const std::string origin(cell.get());
     field = origin == staticOrigin ? originStatic : originOther;
@@ -38,7 +38,7 @@ uint32_t maskOf(int32_t prefixLength)
     return shift < maskBits ? ~uint32_t{0} << shift : 0;
 }
 
-void storeNetmask(char*& field, CText cell)
+void storeNetmask(char*& field, CText&& cell)
 {
     int32_t prefixLength = 0;
     store(prefixLength, std::move(cell));

@@ -27,7 +27,7 @@ constexpr auto noRatio = "-";
 // A ratio has up to 20 digits, then the point, one more and the sign.
 constexpr std::size_t longestRatio = 23;
 
-void storeGigabits(uint32_t& field, CText cell)
+void storeGigabits(uint32_t& field, CText&& cell)
 {
     field = static_cast<uint32_t>(std::stoull(cell.get()) / bitsPerGigabit);
 }

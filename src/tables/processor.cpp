@@ -11,7 +11,7 @@ namespace
 
 constexpr auto namePrefix = "CPU";
 
-void storeName(char*& field, CText cell)
+void storeName(char*& field, CText&& cell)
 {
     // Appending a null cell would be undefined; making a text of it raises.
     const auto name = namePrefix + std::string(cell.get());

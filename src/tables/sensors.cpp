@@ -15,7 +15,7 @@ constexpr auto noLimit = "-";
 constexpr auto unknownUnit = "unknown";
 
 /** The short word of the unit. */
-void storeUnit(char*& field, CText cell)
+void storeUnit(char*& field, CText&& cell)
 {
     const std::string unit(cell.get());
     const auto dot = unit.rfind('.');

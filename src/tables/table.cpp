@@ -7,12 +7,12 @@
 namespace morvath
 {
 
-void store(char*& field, CText cell)
+void store(char*& field, CText&& cell)
 {
     field = cell.release();
 }
 
-void store(int32_t& field, CText cell)
+void store(int32_t& field, CText&& cell)
 {
     // Making a text of a null cell raises, and so does what is no number.
     field = std::stoi(cell.get());

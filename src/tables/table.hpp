@@ -22,7 +22,7 @@ struct Column
 {
     const char* property;
     /** Null for a cell that is left to the table's finish. */
-    void (*store)(void* record, CText cell) = nullptr;
+    void (*store)(void* record, CText&& cell) = nullptr;
 };
 
 struct Table
@@ -35,15 +35,16 @@ struct Table
 };
 
 // Conversions of a cell into the field of a record. One that raises leaves the
-// field as it was.
-void store(char*& field, CText cell);
-void store(int32_t& field, CText cell);
+// field as it was. They take the cell by reference, so that the code that
+// releases it exists once and not in every column.
+void store(char*& field, CText&& cell);
+void store(int32_t& field, CText&& cell);
 
 template <typename Record, typename Field>
 Record recordOf(Field Record::*);
 
 /** The conversion that the type of the field asks for. */
-constexpr auto byType = [](auto& field, CText cell) {
+constexpr auto byType = [](auto& field, CText&& cell) {
     store(field, std::move(cell));
 };
 
@@ -52,7 +53,7 @@ template <auto Field, auto Convert = byType>
 constexpr Column column(const char* property)
 {
     using Record = decltype(recordOf(Field));
-    return {property, [](void* record, CText cell) {
+    return {property, [](void* record, CText&& cell) {
                 Convert(static_cast<Record*>(record)->*Field, std::move(cell));
             }};
 }

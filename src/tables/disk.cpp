@@ -19,12 +19,12 @@ constexpr unsigned gibibyteShift = 30;
 // Spelt so, with a capital K, since the first release.
 constexpr auto noRevision = "UnKnown";
 
-void storeGibibytes(uint32_t& field, CText cell)
+void storeGibibytes(uint32_t& field, CText&& cell)
 {
     field = static_cast<uint32_t>(std::stoull(cell.get()) >> gibibyteShift);
 }
 
-void storeSpeed(char*& field, CText cell)
+void storeSpeed(char*& field, CText&& cell)
 {
     field = copyText((std::string(cell.get()) + speedUnit).c_str()).release();
 }

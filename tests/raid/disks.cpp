@@ -176,7 +176,7 @@ TEST(Disks, AreReleasedTextByText)
     const std::string released =
         "0|null|null|null|null|null|null|null|null|null|1|931|1|0|0";
     EXPECT_EQ(releasedTwice<Disks>(freeHddInfoEntry),
-              (Lines{"0", released, released}));
+              (Lines{"0", "count 5", released, released}));
 }
 
 } // namespace

@@ -84,8 +84,10 @@ Lines raidLinesOf(const Json& section)
 template <typename Table, typename Release>
 Lines releasedTwice(const Release& release)
 {
-    Table table;
+    constexpr int32_t preset = 77;
+    Table table{nullptr, preset};
     Lines lines{outcomeOf([&] { return table.read(); })};
+    lines.push_back("count " + std::to_string(table.count));
     for (int time = 0; time < 2; ++time)
     {
         release(&table.records[0]);

@@ -68,11 +68,10 @@ TEST(FindObjects, MatchesTheFirstOwnerAgainstThePrefix)
 TEST(FindObjects, AddsToTheCounter)
 {
     sim::Platform platform(fans().scenario());
-    char** paths = nullptr;
-    uint32_t count = 5;
-    EXPECT_EQ(getDbusInterface("", "/fans", wanted, &paths, &count), 0);
-    EXPECT_EQ(count, 8u);
-    Paths{paths, 3};
+    Paths found{nullptr, 5};
+    EXPECT_EQ(found.find("", "/fans"), 0);
+    EXPECT_EQ(found.count, 8u);
+    found.count = 3;
 }
 
 TEST(ListObjects, AddsAllOwnersInOrder)

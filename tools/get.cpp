@@ -60,7 +60,7 @@ std::string shown(const Value& value)
     std::string line;
     for (const auto& part : value)
     {
-        line += (line.empty() ? "" : " ") + textOf(part);
+        line.append(line.empty() ? "" : " ").append(textOf(part));
     }
     return line;
 }

@@ -1,6 +1,5 @@
+#include "cli/program.hpp"
 #include "sim/commands.hpp"
-
-#include <CLI/CLI.hpp>
 
 #include <cerrno>
 #include <cstdio>
@@ -153,8 +152,7 @@ void addRun(CLI::App& app, Options& options, Action& chosen)
         app.add_subcommand("run", "Run a command with a simulated platform");
     addScenarioOption(*command, options);
     addLogOption(*command, options);
-    command->add_option("command", options.command, "The command, after --")
-        ->type_name("")
+    command->add_option("COMMAND", options.command, "The command, after --")
         ->required();
     command->callback([&] { chosen = run; });
 }
@@ -182,26 +180,41 @@ void addCheck(CLI::App& app, Options& options, Action& chosen)
     command->callback([&] { chosen = checkScenario; });
 }
 
+morvath::cli::About about()
+{
+    return {
+        .name = "morvath-sim",
+        .version = MORVATH_VERSION,
+        .summary = "Simulates the services of a managed server on a bus.",
+        .exitStatuses = {{"0", "success"},
+                         {"1", "failure"},
+                         {"2", "misuse, or a mistake in a scenario"},
+                         {"126, 127",
+                          "the command of \"run\" cannot be run, or not found"},
+                         {"other", "the status of the command of \"run\""}},
+        .environment = {{"DBUS_SYSTEM_BUS_ADDRESS",
+                         "The bus, for \"serve\" the one to serve on; \"run\" "
+                         "sets it for its command"},
+                        {"MORVATH_SIM_RAID",
+                         "The file of the RAID section; \"run\" sets it"}},
+        .examples = {{"morvath-sim run -- morvath show memory",
+                      "The command on a simulated server"},
+                     {"morvath-sim run --log calls -- morvath get --all",
+                      "The same, with a log of all calls"},
+                     {"morvath-sim scenario --scenario my.json",
+                      "Check a scenario"}},
+    };
+}
+
 int parseAndExecute(int argc, char** argv)
 {
     Options options;
     Action chosen = nullptr;
-    CLI::App app("Simulates the services of a managed server on a bus",
-                 "morvath-sim");
-    app.set_version_flag("--version", "morvath-sim " MORVATH_VERSION);
-    app.require_subcommand(1);
-    addRun(app, options, chosen);
-    addServe(app, options, chosen);
-    addCheck(app, options, chosen);
-    try
-    {
-        app.parse(argc, argv);
-    }
-    catch (const CLI::ParseError& error)
-    {
-        return app.exit(error) == 0 ? EXIT_SUCCESS : statusUsage;
-    }
-    return chosen(options);
+    morvath::cli::Program program(about());
+    addRun(program.app(), options, chosen);
+    addServe(program.app(), options, chosen);
+    addCheck(program.app(), options, chosen);
+    return program.run(argc, argv, [&] { return chosen(options); });
 }
 
 } // namespace

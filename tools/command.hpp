@@ -1,6 +1,6 @@
 #pragma once
 
-#include <CLI/CLI.hpp>
+#include "cli/program.hpp"
 
 #include <functional>
 
@@ -11,14 +11,15 @@ namespace morvath::tools
 using Action = std::function<bool()>;
 
 // Each adds one command to the program; the one chosen sets the action.
-void addFacts(CLI::App& app, Action& chosen);
-void addGet(CLI::App& app, Action& chosen);
-void addSensors(CLI::App& app, Action& chosen);
-void addSet(CLI::App& app, Action& chosen);
-void addShow(CLI::App& app, Action& chosen);
+void addFacts(cli::Program& program, Action& chosen);
+void addGet(cli::Program& program, Action& chosen);
+void addSensors(cli::Program& program, Action& chosen);
+void addSet(cli::Program& program, Action& chosen);
+void addShow(cli::Program& program, Action& chosen);
 
 // Each adds one kind of thing to the command that sets things.
-void addLldp(CLI::App& setCommand, Action& chosen);
-void addFactSettings(CLI::App& setCommand, Action& chosen);
+void addLldp(cli::Program& program, CLI::App& setCommand, Action& chosen);
+void addFactSettings(cli::Program& program, CLI::App& setCommand,
+                     Action& chosen);
 
 } // namespace morvath::tools

@@ -5,11 +5,13 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdlib>
+#include <iterator>
 #include <memory>
 #include <optional>
 #include <sstream>
 #include <stdexcept>
 #include <variant>
+#include <vector>
 
 namespace morvath::tools
 {
@@ -128,13 +130,30 @@ Value readFact(const Fact& fact)
     }
 }
 
+std::string acceptedBy(const Fact& fact)
+{
+    std::vector<std::string_view> kinds;
+    std::ranges::transform(fact.words, std::back_inserter(kinds), &Word::text);
+    if (!fact.values.empty())
+    {
+        kinds.push_back(fact.values);
+    }
+    std::string text(kinds.front());
+    for (std::size_t kind = 1; kind < kinds.size(); ++kind)
+    {
+        text += kind + 1 < kinds.size() ? ", " : " or ";
+        text += kinds[kind];
+    }
+    return text;
+}
+
 void writeFact(const Fact& fact, const std::string& value)
 {
     const int32_t code = fact.write(value);
     if (code == rejected)
     {
         throw std::invalid_argument('"' + value + "\" is not " +
-                                    std::string(fact.values));
+                                    acceptedBy(fact));
     }
     if (code == busFailure)
     {

@@ -21,6 +21,13 @@ struct Answer
     Value value;
 };
 
+/** A word for a code of the library. */
+struct Word
+{
+    uint32_t code;
+    std::string_view text;
+};
+
 /** A single value of the platform. */
 struct Fact
 {
@@ -32,17 +39,11 @@ struct Fact
     Answer (*read)();
     /** Null when it cannot be written; otherwise the library's code. */
     int32_t (*write)(const std::string& value) = nullptr;
-    /** What can be written. */
+    /** What can be written, besides the words. */
     std::string_view values{};
+    std::span<const Word> words{};
     /** Whether writing can seem to work and is checked by reading. */
     bool isReadBack = false;
-};
-
-/** A word for a code of the library. */
-struct Word
-{
-    uint32_t code;
-    std::string_view text;
 };
 
 // How the kinds of facts are read; an empty text is no value, and a list is a
@@ -70,6 +71,9 @@ int32_t writeNumber(const std::string& value, int32_t (*set)(int32_t));
  * when it has but could not be read.
  */
 Value readFact(const Fact& fact);
+
+/** What can be written, for people. */
+std::string acceptedBy(const Fact& fact);
 
 /** Raises std::invalid_argument for a value that is refused unsent. */
 void writeFact(const Fact& fact, const std::string& value);

@@ -29,9 +29,10 @@ bool listFacts()
 
 } // namespace
 
-void addFacts(CLI::App& app, Action& chosen)
+void addFacts(cli::Program& program, Action& chosen)
 {
-    app.add_subcommand("facts", "List the facts that \"get\" knows")
+    program.app()
+        .add_subcommand("facts", "List the facts that \"get\" knows")
         ->callback([&chosen] { chosen = listFacts; });
 }
 

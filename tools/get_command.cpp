@@ -1,3 +1,4 @@
+#include "cli/suggest.hpp"
 #include "command.hpp"
 #include "facts.hpp"
 #include "get.hpp"
@@ -14,12 +15,22 @@ namespace morvath::tools
 namespace
 {
 
+cli::Terms factTerms()
+{
+    cli::Terms terms;
+    for (const auto& fact : facts())
+    {
+        terms.push_back({std::string(fact.name), std::string(fact.summary)});
+    }
+    return terms;
+}
+
 const Fact* factOf(const std::string& name)
 {
     const auto* fact = findFact(name);
     if (!fact)
     {
-        throw CLI::ValidationError("FACT", "there is no fact " + name);
+        throw CLI::ValidationError(cli::unknown("fact", name, factTerms()));
     }
     return fact;
 }
@@ -35,10 +46,9 @@ void chooseAll(GetOptions& options)
 
 } // namespace
 
-void addGet(CLI::App& app, Action& chosen)
+void addGet(cli::Program& program, Action& chosen)
 {
-    auto* command =
-        app.add_subcommand("get", "Print facts; \"facts\" lists them");
+    auto* command = program.app().add_subcommand("get", "Print facts");
     const auto options = std::make_shared<GetOptions>();
     command->callback([&chosen, options] {
         if (options->facts.empty())
@@ -54,6 +64,7 @@ void addGet(CLI::App& app, Action& chosen)
                                    factOf);
         },
         "The facts to print");
+    program.offer(names, factTerms());
     command
         ->add_flag_callback(
             "--all", [options] { chooseAll(*options); },

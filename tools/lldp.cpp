@@ -71,7 +71,7 @@ bool setLldp(const std::string& adapter, const std::string& port, bool on)
     return true;
 }
 
-void addLldp(CLI::App& setCommand, Action& chosen)
+void addLldp(cli::Program& program, CLI::App& setCommand, Action& chosen)
 {
     auto* command =
         setCommand.add_subcommand("lldp", "Switch LLDP of a network port");
@@ -90,9 +90,11 @@ void addLldp(CLI::App& setCommand, Action& chosen)
                      "Last segment of the port's object path")
         ->required()
         ->check(problemOfSegment);
-    command->add_option("STATE", options->state, "The new state")
-        ->required()
-        ->check(CLI::IsMember({on, off}));
+    program.offer(
+        command->add_option("STATE", options->state, "The new state, on or off")
+            ->required()
+            ->check(CLI::IsMember({on, off})),
+        {{on, ""}, {off, ""}});
     addTimeout(*command, options->timeout);
 }
 

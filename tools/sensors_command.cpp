@@ -6,10 +6,10 @@
 namespace morvath::tools
 {
 
-void addSensors(CLI::App& app, Action& chosen)
+void addSensors(cli::Program& program, Action& chosen)
 {
-    auto* command =
-        app.add_subcommand("sensors", "Print all sensors and their state");
+    auto* command = program.app().add_subcommand(
+        "sensors", "Print all sensors and their state");
     const auto options = std::make_shared<SensorOptions>();
     command->callback([&chosen, options] {
         chosen = [options] { return showSensors(*options); };

@@ -1,15 +1,16 @@
 #include "command.hpp"
+#include "facts.hpp"
 
 namespace morvath::tools
 {
 
-void addSet(CLI::App& app, Action& chosen)
+void addSet(cli::Program& program, Action& chosen)
 {
-    auto* command = app.add_subcommand("set", "Change a setting");
-    addFactSettings(*command, chosen);
-    addLldp(*command, chosen);
+    auto* command = program.app().add_subcommand("set", "Change a setting");
+    addFactSettings(program, *command, chosen);
+    addLldp(program, *command, chosen);
 
-    // What is no setting would otherwise only be called missing.
+    // So that a fact which is no setting is not called unknown.
     command->allow_extras();
     command->callback([command] {
         if (!command->get_subcommands().empty())
@@ -17,11 +18,11 @@ void addSet(CLI::App& app, Action& chosen)
             return;
         }
         const auto words = command->remaining();
-        if (words.empty())
+        if (!words.empty() && findFact(words.front()))
         {
-            throw CLI::RequiredError("a setting");
+            throw CLI::ValidationError(words.front() + " cannot be set");
         }
-        throw CLI::ValidationError("set", words.front() + " cannot be set");
+        throw CLI::RequiredError("a setting");
     });
 }
 

@@ -36,7 +36,18 @@ bool setFact(const Fact& fact, const SetOptions& options)
     return true;
 }
 
-void addFactSetting(CLI::App& setCommand, const Fact& fact, Action& chosen)
+cli::Terms wordTerms(const Fact& fact)
+{
+    cli::Terms terms;
+    for (const auto& word : fact.words)
+    {
+        terms.push_back({std::string(word.text), ""});
+    }
+    return terms;
+}
+
+void addFactSetting(cli::Program& program, CLI::App& setCommand,
+                    const Fact& fact, Action& chosen)
 {
     auto* command = setCommand.add_subcommand(std::string(fact.name),
                                               std::string(fact.summary));
@@ -44,20 +55,27 @@ void addFactSetting(CLI::App& setCommand, const Fact& fact, Action& chosen)
     command->callback([&chosen, &fact, options] {
         chosen = [&fact, options] { return setFact(fact, *options); };
     });
-    command->add_option("VALUE", options->value, "The new value")->required();
-    command->footer("VALUE is " + std::string(fact.values) + '.');
+    const auto* value =
+        command->add_option("VALUE", options->value, "The new value")
+            ->required();
+    if (!fact.words.empty())
+    {
+        program.offer(value, wordTerms(fact));
+    }
+    command->footer("VALUE is " + acceptedBy(fact) + '.');
     addTimeout(*command, options->timeout);
 }
 
 } // namespace
 
-void addFactSettings(CLI::App& setCommand, Action& chosen)
+void addFactSettings(cli::Program& program, CLI::App& setCommand,
+                     Action& chosen)
 {
     for (const auto& fact : facts())
     {
         if (fact.write)
         {
-            addFactSetting(setCommand, fact, chosen);
+            addFactSetting(program, setCommand, fact, chosen);
         }
     }
 }

@@ -22,6 +22,13 @@ constexpr Word methods[]{
     {1, "ntp"},
 };
 
+// The library takes the words themselves.
+constexpr Word policies[]{
+    {0, "AlwaysOn"},
+    {1, "AlwaysOff"},
+    {2, "LastState"},
+};
+
 constexpr Source ofSetup(const char* property)
 {
     return {"xyz.openbmc_project.Smbios.MDR_V2",
@@ -70,8 +77,7 @@ constexpr Fact all[]{
      text<getSystemPowerState>},
     {"power-control", "last requested transition of the host",
      ofHost("RequestedHostTransition"), word<getSystemPowerCtl, transitions>,
-     toWord<setSystemPowerCtl, transitions>,
-     "off, on, reboot, graceful-warm-reboot, force-warm-reboot or 0 to 4"},
+     toWord<setSystemPowerCtl, transitions>, "0 to 4", transitions},
     {"power-restore-policy",
      "what the host does when power returns",
      {"xyz.openbmc_project.Settings",
@@ -79,7 +85,8 @@ constexpr Fact all[]{
       "xyz.openbmc_project.Control.Power.RestorePolicy", "PowerRestorePolicy"},
      text<getPowerRestorePolicy>,
      writePolicy,
-     "AlwaysOn, AlwaysOff or LastState"},
+     {},
+     policies},
     {"time",
      "clock, in seconds since 1970",
      {"xyz.openbmc_project.Time.Manager", "/xyz/openbmc_project/time/bmc",
@@ -94,7 +101,8 @@ constexpr Fact all[]{
       "xyz.openbmc_project.Time.Synchronization", "TimeSyncMethod"},
      word<getNtpServerStatus, methods>,
      toWord<setNtpServerStatus, methods>,
-     "ntp, manual, 1 or 0"},
+     "0 to 1",
+     methods},
     {"ntp-servers",
      "NTP servers of the first network interface",
      {"xyz.openbmc_project.Network", "",
@@ -102,6 +110,7 @@ constexpr Fact all[]{
      list<getNtpPreferServer>,
      toText<setNtpServerIP>,
      "one to three IPv4 addresses with blanks in between",
+     {},
      true},
 };
 

@@ -1,4 +1,5 @@
 #include "catalogue.hpp"
+#include "cli/suggest.hpp"
 #include "command.hpp"
 #include "options.hpp"
 #include "show.hpp"
@@ -14,17 +15,14 @@ namespace morvath::tools
 namespace
 {
 
-std::string knownTables()
+cli::Terms tableTerms()
 {
-    constexpr std::size_t nameWidth = 20;
-    std::string text = "Tables:\n";
+    cli::Terms terms;
     for (const auto& table : tables())
     {
-        auto name = table.name;
-        name.resize(std::max(nameWidth, name.size()), ' ');
-        text += "  " + name + "  " + table.summary + '\n';
+        terms.push_back({table.name, table.summary});
     }
-    return text;
+    return terms;
 }
 
 const Table* tableOf(const std::string& name)
@@ -32,7 +30,7 @@ const Table* tableOf(const std::string& name)
     const auto* table = findTable(name);
     if (!table)
     {
-        throw CLI::ValidationError("TABLE", "there is no table " + name);
+        throw CLI::ValidationError(cli::unknown("table", name, tableTerms()));
     }
     return table;
 }
@@ -49,9 +47,10 @@ void chooseAll(ShowOptions& options)
 
 } // namespace
 
-void addShow(CLI::App& app, Action& chosen)
+void addShow(cli::Program& program, Action& chosen)
 {
-    auto* command = app.add_subcommand("show", "Print tables of the platform");
+    auto* command =
+        program.app().add_subcommand("show", "Print tables of the platform");
     const auto options = std::make_shared<ShowOptions>();
     command->callback([&chosen, options] {
         if (options->tables.empty())
@@ -60,7 +59,6 @@ void addShow(CLI::App& app, Action& chosen)
         }
         chosen = [options] { return show(*options); };
     });
-    command->footer(knownTables());
     auto* names = command->add_option_function<std::vector<std::string>>(
         "TABLE",
         [options](const std::vector<std::string>& names) {
@@ -68,6 +66,7 @@ void addShow(CLI::App& app, Action& chosen)
                                    tableOf);
         },
         "The tables to print");
+    program.offer(names, tableTerms());
     command
         ->add_flag_callback(
             "--all", [options] { chooseAll(*options); },

@@ -195,9 +195,9 @@ TEST(Set, RefusesMisuseWithoutACall)
     sim::Platform platform(sim::Scenario::standard());
     const std::pair<const char*, const char*> cases[]{
         {"get", "FACT or --all is required"},
-        {"get nothing", "FACT: there is no fact nothing"},
+        {"get nothing", "no fact 'nothing'"},
         {"set", "a setting is required"},
-        {"set board-name x", "set: board-name cannot be set"},
+        {"set board-name x", "board-name cannot be set"},
         {"set time", "VALUE is required"},
         {"set time 1s",
          "time: \"1s\" is not a whole number of seconds, from -2147483648 to "
@@ -205,7 +205,7 @@ TEST(Set, RefusesMisuseWithoutACall)
         {"set power-control 5",
          "power-control: \"5\" is not off, on, reboot, graceful-warm-reboot, "
          "force-warm-reboot or 0 to 4"},
-        {"set time-sync 2", "time-sync: \"2\" is not ntp, manual, 1 or 0"},
+        {"set time-sync 2", "time-sync: \"2\" is not manual, ntp or 0 to 1"},
         {"set power-restore-policy never",
          "power-restore-policy: \"never\" is not AlwaysOn, AlwaysOff or "
          "LastState"},

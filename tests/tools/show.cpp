@@ -175,29 +175,6 @@ TEST(Show, NeedsABus)
               "file or directory\n");
 }
 
-TEST(Usage, IsToldOnTheRightStream)
-{
-    for (const auto* arguments : {"--help", "-h", "show -h", "sensors -h",
-                                  "set -h", "set lldp -h", "--version"})
-    {
-        const auto help = morvath(arguments);
-        EXPECT_EQ(help.status, 0) << arguments;
-        EXPECT_NE(help.output, "") << arguments;
-        EXPECT_EQ(help.errors, "") << arguments;
-    }
-    for (const auto* arguments :
-         {"", "show", "show nothing", "show power-supplies --timeout 0",
-          "show power-supplies --unknown", "show --all memory",
-          "sensors --watch 0", "set", "set lldp nic0 port1",
-          "set lldp nic0 port1 ON", "set lldp nic-0 port1 on"})
-    {
-        const auto misuse = morvath(arguments);
-        EXPECT_EQ(misuse.status, 2) << arguments;
-        EXPECT_EQ(misuse.output, "") << arguments;
-        EXPECT_TRUE(misuse.errors.starts_with("morvath: ")) << misuse.errors;
-    }
-}
-
 TEST(Show, NoticesThatItsOutputIsLost)
 {
     sim::Platform platform(twoSupplies().scenario());

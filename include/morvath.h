@@ -90,6 +90,19 @@ extern "C" {
  * property, access denied, refused value, time-out. Outputs are untouched
  * then. They raise SdBusError when the request could not be created, and the
  * getters std::bad_variant_access for a property of another type.
+ *
+ * @code
+ * char *state = NULL;
+ * if (getDbusPropertyString("xyz.openbmc_project.State.Chassis",
+ *                           "/xyz/openbmc_project/state/chassis0",
+ *                           "xyz.openbmc_project.State.Chassis",
+ *                           "CurrentPowerState", &state) == 0 &&
+ *     state != NULL)
+ * {
+ *     puts(state);
+ *     free(state);
+ * }
+ * @endcode
  */
 
 /**
@@ -182,6 +195,24 @@ int32_t setDbusPropertyVectorStringWithoutPath(const char *service,
 
 /*
  * Objects
+ *
+ * What the object mapper knows, for what has no function of its own.
+ *
+ * @code
+ * char **paths = NULL;
+ * uint32_t count = 0;
+ * if (getDbusInterface("", "/xyz/openbmc_project/inventory",
+ *                      "xyz.openbmc_project.Inventory.Item.Fan", &paths,
+ *                      &count) == 0)
+ * {
+ *     for (uint32_t i = 0; i < count; ++i)
+ *     {
+ *         puts(paths[i]);
+ *         free(paths[i]);
+ *     }
+ *     free(paths);
+ * }
+ * @endcode
  */
 
 /**
@@ -242,6 +273,15 @@ int32_t getDbusTableData(const char *rootPath, const char *interfaceName,
  * All return 0, or -1 when the call failed; outputs are untouched then. They
  * raise SdBusError without a connection, and the getters
  * std::bad_variant_access for a property that is no text.
+ *
+ * @code
+ * char *serial = NULL;
+ * if (getSystemSerialNumber(&serial) == 0)
+ * {
+ *     puts(serial != NULL ? serial : "none");
+ *     free(serial);
+ * }
+ * @endcode
  */
 
 /**
@@ -337,6 +377,14 @@ int32_t getBoardSerialNum(char **value);
  * failed. Other than elsewhere the output is written in both cases: 0 with -1.
  * They raise SdBusError without a connection and std::bad_variant_access for a
  * property of another type; the output is untouched then.
+ *
+ * @code
+ * uint32_t enabled = 0;
+ * if (getBiosHyperThreading(&enabled) == 0)
+ * {
+ *     puts(enabled ? "several threads on a core" : "one thread on a core");
+ * }
+ * @endcode
  */
 
 /**
@@ -365,6 +413,18 @@ int32_t getBiosHyperThreading(uint32_t *value);
  *
  * The functions raise SdBusError without a connection, and the getters
  * std::bad_variant_access for a property that is no text.
+ *
+ * @code
+ * char *state = NULL;
+ * if (getSystemPowerState(&state) == 0)
+ * {
+ *     if (strcmp(state, "PowerOff") == 0 && setSystemPowerCtl(1) != 0)
+ *     {
+ *         fputs("the host cannot be switched on\n", stderr);
+ *     }
+ *     free(state);
+ * }
+ * @endcode
  */
 
 /**
@@ -420,6 +480,13 @@ int32_t setPowerRestorePolicy(const char *policy);
  *
  * The functions that use the bus raise SdBusError without a connection, and
  * their getters std::bad_variant_access for a property of another type.
+ *
+ * @code
+ * if (setNtpServerStatus(0) != 0 || setTimeStamp(1795250400) != 0)
+ * {
+ *     fputs("the clock cannot be set\n", stderr);
+ * }
+ * @endcode
  */
 
 /**
@@ -484,6 +551,17 @@ int32_t getNtpPreferServer(char **servers);
 
 /*
  * Device UUID
+ *
+ * An identifier that no two controllers share.
+ *
+ * @code
+ * char *uuid = NULL;
+ * if (getBMCDeviceUUID(&uuid) == 0)
+ * {
+ *     puts(uuid);
+ *     free(uuid);
+ * }
+ * @endcode
  */
 
 /**
@@ -796,10 +874,13 @@ int32_t getPwmTableInfo(BmcSensorEntry **outArray, int32_t *outCount);
 void freeBmcSensorEntry(BmcSensorEntry *one);
 
 /*
- * Network interfaces of the management controller
+ * Network interfaces
  */
 
-/** A network interface with one of its addresses. Texts are the record's. */
+/**
+ * A network interface of the management controller with one of its addresses.
+ * Texts are the record's.
+ */
 typedef struct BmcNetworkInfoEntry
 {
     int32_t id;            /**< always 0 */
@@ -839,12 +920,12 @@ int32_t getNetworkTableInfo(BmcNetworkInfoEntry **outArray, int32_t *outCount);
 void freeBmcNetworkInfoEntry(BmcNetworkInfoEntry *one);
 
 /*
- * Network ports of the host
+ * Network ports
  */
 
 /**
- * A port of a network adapter. Texts are the record's; all but the adapter's
- * name and the ratio may be NULL.
+ * A port of a network adapter of the host. Texts are the record's; all but the
+ * adapter's name and the ratio may be NULL.
  */
 typedef struct PortInfoEntry
 {
@@ -1024,6 +1105,24 @@ void free_raid_hdd_entry(RaidHddEntry *one);
 #include <utility>
 #include <variant>
 #include <vector>
+
+/*
+ * C++ interface
+ *
+ * For C++ programs that are built with the same standard library.
+ *
+ * @code
+ * PropertyValue value;
+ * if (_getDbusProperty("xyz.openbmc_project.Time.Manager",
+ *                      "/xyz/openbmc_project/time/bmc",
+ *                      "xyz.openbmc_project.Time.EpochTime", "Elapsed",
+ *                      &value) == 0)
+ * {
+ *     const auto microseconds = std::get<uint64_t>(value);
+ *     std::printf("%llu\n", static_cast<unsigned long long>(microseconds));
+ * }
+ * @endcode
+ */
 
 /**
  * The value of a property. A property of any other type reads as the first

@@ -1,0 +1,69 @@
+#!/usr/bin/env python3
+"""Makes manual pages and shell completion.
+
+usage: generate.py list HEADER MAP
+       generate.py library HEADER MAP FOLDER VERSION DATE EXAMPLE...
+       generate.py man DESCRIPTION FILE DATE
+       generate.py bash|zsh DESCRIPTION FILE
+
+"list" prints the names of the files that "library" makes. DESCRIPTION is what
+a program prints with --describe.
+"""
+
+import json
+import os
+import sys
+
+from command_page import command_page
+from completion import bash_completion, zsh_completion
+from header import exported, parse_header
+from library_pages import library_pages
+
+PROGRAMS = [("morvath", 1), ("morvath-sim", 1), ("libmorvath", 3)]
+
+
+def read(path):
+    with open(path, encoding="utf-8") as file:
+        return file.read()
+
+
+def write(path, text):
+    with open(path, "w", encoding="utf-8") as file:
+        file.write(text)
+
+
+def checked_header(header, exports):
+    """The header, with each exported function in it once."""
+    about, families = parse_header(header)
+    documented = sorted(name for family in families
+                        for name in family.functions)
+    if documented != exported(exports):
+        odd = sorted(set(documented) ^ set(exported(exports)))
+        sys.exit(f"{header}: not documented once, or not exported: {odd}")
+    return about, families
+
+
+def main(kind, source, *rest):
+    if kind == "list":
+        print("\n".join(library_pages(checked_header(source, *rest),
+                                       ("", ""), [])))
+    elif kind == "library":
+        exports, folder, *release = rest
+        examples = release[2:]
+        pages = library_pages(checked_header(source, exports), release[:2],
+                              [read(example) for example in examples])
+        for name, text in pages.items():
+            write(os.path.join(folder, name), text)
+    else:
+        program = json.loads(read(source))
+        file, *date = rest
+        makers = {"man": lambda: command_page(program, *date, PROGRAMS),
+                  "bash": lambda: bash_completion(program),
+                  "zsh": lambda: zsh_completion(program)}
+        write(file, makers[kind]())
+
+
+if __name__ == "__main__":
+    if len(sys.argv) < 4:
+        sys.exit(__doc__)
+    main(*sys.argv[1:])

@@ -6,8 +6,8 @@ usage: generate.py list HEADER MAP
        generate.py man DESCRIPTION FILE DATE
        generate.py bash|zsh DESCRIPTION FILE
 
-"list" prints the names of the files that "library" makes. DESCRIPTION is what
-a program prints with --describe.
+"list" prints a line for each page that "library" makes: its name and those of
+the functions on it. DESCRIPTION is what a program prints with --describe.
 """
 
 import json
@@ -17,7 +17,7 @@ import sys
 from command_page import command_page
 from completion import bash_completion, zsh_completion
 from header import exported, parse_header
-from library_pages import library_pages
+from library_pages import library_pages, page_name
 
 PROGRAMS = [("morvath", 1), ("morvath-sim", 1), ("libmorvath", 3)]
 
@@ -45,15 +45,16 @@ def checked_header(header, exports):
 
 def main(kind, source, *rest):
     if kind == "list":
-        print("\n".join(library_pages(checked_header(source, *rest),
-                                       ("", ""), [])))
+        print("libmorvath")
+        for family in checked_header(source, *rest)[1]:
+            print(page_name(family), *family.functions)
     elif kind == "library":
         exports, folder, *release = rest
         examples = release[2:]
         pages = library_pages(checked_header(source, exports), release[:2],
                               [read(example) for example in examples])
         for name, text in pages.items():
-            write(os.path.join(folder, name), text)
+            write(os.path.join(folder, name + ".3"), text)
     else:
         program = json.loads(read(source))
         file, *date = rest

@@ -220,14 +220,9 @@ class LibraryPages:
 
 
 def library_pages(header, release, examples):
-    """All pages by the name of their file, the links of functions among them.
-    """
+    """All pages by their names."""
     about, families = header
     pages = LibraryPages(about, families, release, examples)
-    files = {"libmorvath.3": pages.overview()}
-    for family in families:
-        name = page_name(family)
-        files[f"{name}.3"] = pages.family_page(family)
-        for function in family.functions:
-            files[f"{function}.3"] = f".so man3/{name}.3\n"
-    return files
+    return {"libmorvath": pages.overview(),
+            **{page_name(family): pages.family_page(family)
+               for family in families}}

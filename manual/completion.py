@@ -152,13 +152,26 @@ ZSH_COMMANDS = """\
 """
 
 
+ZSH_HANDOVER = """\
+_morvath_handover()
+{
+    if [[ $words[1] == -- ]]; then
+        shift words
+        ((--CURRENT))
+    fi
+    _normal
+}
+
+"""
+
+
 def quoted(text):
     return "'" + text.replace("'", "'\\''") + "'"
 
 
 def zsh_value(value):
     """The part of an argument that says what is completed."""
-    special = {FILE: ":_files", COMMAND: ":_normal"}
+    special = {FILE: ":_files", COMMAND: ":_morvath_handover"}
     if value["value"] in special:
         return special[value["value"]]
     words = []
@@ -211,5 +224,6 @@ def zsh_function(program, path, command):
 def zsh_completion(program):
     functions = [zsh_function(program, path, command)
                  for path, command in commands_of(program)]
-    return (f"#compdef {program['name']}\n\n" + "\n".join(functions)
+    return (f"#compdef {program['name']}\n\n" + ZSH_HANDOVER
+            + "\n".join(functions)
             + f'\n{function_name(program)} "$@"\n')

@@ -9,9 +9,14 @@
  * with its time-out (25 s unless it was set otherwise). A caller on the
  * thread that loaded the library gets the same connection from
  * sd_bus_default(), and so can set the time-out with
- * sd_bus_set_method_call_timeout(). Loading succeeds without a bus; the
- * functions then raise, see "Exceptions". The process ends while it loads the
- * library when a bus accepts the connection but never gives it a name.
+ * sd_bus_set_method_call_timeout().
+ *
+ * Loading succeeds without a bus; the functions then raise, see "Exceptions".
+ * The process ends while it loads the library when a bus accepts the
+ * connection but never gives it a name. A connection that breaks is not opened
+ * again: from then on every call on the bus fails like one that is refused.
+ * They fail in the same way in a process that was forked from one with the
+ * library and runs on without exec; the connection of its parent is safe.
  *
  * Threads. None are started and no lock is taken. Call one function at a
  * time.

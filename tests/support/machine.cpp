@@ -23,6 +23,12 @@ Machine& Machine::owns(const std::string& path, const std::string& service,
     return *this;
 }
 
+Machine& Machine::without(const std::string& path)
+{
+    document["objects"].push_back({{"path", path}, {"remove", true}});
+    return *this;
+}
+
 Machine& Machine::fault(const Json& when, const Json& then)
 {
     document["faults"].push_back({{"when", when}, {"then", then}});

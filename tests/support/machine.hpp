@@ -21,6 +21,7 @@ class Machine
 
     Machine& owns(const std::string& path, const std::string& service,
                   const Json& interfaces);
+    Machine& without(const std::string& path);
     Machine& fault(const Json& when, const Json& then);
     Machine& withoutMapper();
     Machine& behaves(const std::string& behaviour);

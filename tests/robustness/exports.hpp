@@ -1,0 +1,39 @@
+#pragma once
+
+#include <span>
+#include <string>
+
+namespace morvath::tests
+{
+
+/** What one call returned or raised, and what it left in its outputs. */
+struct Effect
+{
+    std::string result;
+    std::string outputs;
+
+    bool operator==(const Effect&) const = default;
+};
+
+/**
+ * An export with arguments that the default server knows. Results of faults
+ * stand in words, one per call on the bus; the last one counts for all others.
+ */
+struct Export
+{
+    const char* name;
+    Effect (*call)();
+    /** When a call is answered with an error or not at all. */
+    const char* failed;
+    /** When a call is answered with something else. */
+    const char* confused;
+    /** What -1 leaves in the outputs. */
+    const char* unread = "untouched";
+    /** Whether some of what fails is left out, with 0. */
+    bool skips = false;
+};
+
+/** All exports but those that only release memory. */
+std::span<const Export> allExports();
+
+} // namespace morvath::tests

@@ -200,14 +200,15 @@ class LibraryPages:
                    for name in family.functions):
                 return text
         if family.comment.examples:
-            return "\n\n".join(family.comment.examples)
+            return "\n\n".join(family.comment.examples) + "\n"
         record, release = next(iter(self.releases(family).items()))
         entry = next(entry for entry in family.entries
                      if entry.record == record)
         use = next(f"puts(entries[i].{name});"
                    for kind, name, _ in entry.fields if kind == "char *")
-        read = next(name for name in family.functions
-                    if name.startswith("get"))
+        read = re.search(rf"(\w+)\({record} \*\*\w+,\s*int32_t \*\w+\)",
+                         "".join(entry.code for entry in family.entries)
+                         ).group(1)
         return TABLE_EXAMPLE.format(record=record, read=read, use=use,
                                     free=release)
 
@@ -217,6 +218,18 @@ class LibraryPages:
         page.paragraph(",\n".join(
             f"{bold(name)}({number})"
             for name, number in [*pages, ("morvath", 1), ("morvath-sim", 1)]))
+
+
+def snippets(families):
+    """The examples of the pages that are no programs, for a compiler."""
+    pages = LibraryPages(None, families, None, [])
+    parts = ["#include <morvath.h>\n\n#include <cstdio>\n#include <cstdlib>\n"
+             "#include <cstring>\n"]
+    for family in families:
+        parts.append(f"void {page_name(family)}();\n"
+                     f"void {page_name(family)}()\n{{\n"
+                     f"{pages.example(family)}}}\n")
+    return "\n".join(parts)
 
 
 def library_pages(header, release, examples):

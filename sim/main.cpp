@@ -211,9 +211,10 @@ int parseAndExecute(int argc, char** argv)
     Options options;
     Action chosen = nullptr;
     morvath::cli::Program program(about());
-    addRun(program.app(), options, chosen);
-    addServe(program.app(), options, chosen);
-    addCheck(program.app(), options, chosen);
+    CLI::App& app = program.app();
+    addRun(app, options, chosen);
+    addServe(app, options, chosen);
+    addCheck(app, options, chosen);
     return program.run(argc, argv, [&] { return chosen(options); });
 }
 

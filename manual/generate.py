@@ -9,8 +9,8 @@ usage: generate.py list HEADER MAP
        generate.py bash|zsh DESCRIPTION FILE
 
 "list" prints a line for each page that "library" makes: its name and those of
-the functions on it. "snippets" writes the examples in the header as functions of
-C++. "records" writes docs/records.md, or checks that it is up to date.
+the functions on it. "snippets" writes the examples in the header as functions
+of C++. "records" writes docs/records.md, or checks that it is up to date.
 DESCRIPTION is what a program prints with --describe.
 """
 

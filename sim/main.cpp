@@ -177,6 +177,7 @@ void addCheck(CLI::App& app, Options& options, Action& chosen)
     addScenarioOption(*command, options);
     command->add_flag("--raid", options.raidOnly,
                       "Print its RAID section, for MORVATH_SIM_RAID");
+    command->footer("The documentation, scenario.md, tells what it can say.");
     command->callback([&] { chosen = checkScenario; });
 }
 

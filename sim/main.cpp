@@ -1,4 +1,5 @@
 #include "sim/commands.hpp"
+#include "sim/record/command.hpp"
 
 #include <CLI/CLI.hpp>
 
@@ -26,6 +27,7 @@ struct Options
     std::string address;
     std::vector<std::string> command;
     bool raidOnly = false;
+    RecordOptions record;
 };
 
 /** Writes calls as lines of JSON; discards them without a file. */
@@ -182,6 +184,13 @@ void addCheck(CLI::App& app, Options& options, Action& chosen)
     command->callback([&] { chosen = checkScenario; });
 }
 
+void addRecord(CLI::App& app, Options& options, Action& chosen)
+{
+    addRecordCommand(app, options.record)->callback([&] {
+        chosen = [](const Options& given) { return record(given.record); };
+    });
+}
+
 int parseAndExecute(int argc, char** argv)
 {
     Options options;
@@ -193,6 +202,7 @@ int parseAndExecute(int argc, char** argv)
     addRun(app, options, chosen);
     addServe(app, options, chosen);
     addCheck(app, options, chosen);
+    addRecord(app, options, chosen);
     try
     {
         app.parse(argc, argv);

@@ -83,7 +83,7 @@ ObjectRecorder::recordOwner(const Source& source,
     catch (const ServiceLost& loss)
     {
         lostServices_.insert(source.service);
-        omissions_.tell(source.service + " from " + source.path + " on",
+        omissions_.tell(source.service + ", from object " + source.path + " on",
                         loss.what());
     }
     catch (const ObjectGone& loss)

@@ -2,6 +2,7 @@
 
 #include "sim/record/layout.hpp"
 #include "sim/record/object_recorder.hpp"
+#include "sim/record/raid_recorder.hpp"
 #include "sim/scenario.hpp"
 
 #include <cstdio>
@@ -37,6 +38,14 @@ Json recordScenario(const RecordOptions& options, Omissions& omissions)
     scenario["objects"] = ObjectRecorder(reader, omissions)
                               .record(objects, {options.services.begin(),
                                                 options.services.end()});
+    // The manager of drives is no service that could be chosen.
+    if (options.services.empty())
+    {
+        if (auto raid = recordRaid(omissions))
+        {
+            scenario["raid"] = *std::move(raid);
+        }
+    }
     return scenario;
 }
 

@@ -1,5 +1,6 @@
 #include "sim/record/record.hpp"
 
+#include "sim/record/anonymize.hpp"
 #include "sim/record/layout.hpp"
 #include "sim/record/object_recorder.hpp"
 #include "sim/record/raid_recorder.hpp"
@@ -49,14 +50,31 @@ Json recordScenario(const RecordOptions& options, Omissions& omissions)
     return scenario;
 }
 
+/** What is printed is meant to be replayed. */
+void checkReplay(const std::string& text, Omissions& omissions)
+{
+    try
+    {
+        Scenario::parse(text, "the recording");
+    }
+    catch (const ScenarioError& error)
+    {
+        omissions.tell("a correct scenario", error.what());
+    }
+}
+
 } // namespace
 
 int record(const RecordOptions& options)
 {
     Omissions omissions;
-    const std::string text = laidOut(recordScenario(options, omissions));
-    // What is printed is meant to be replayed.
-    Scenario::parse(text, "the recording");
+    Json scenario = recordScenario(options, omissions);
+    if (options.anonymize)
+    {
+        scenario = anonymized(scenario);
+    }
+    const std::string text = laidOut(scenario);
+    checkReplay(text, omissions);
     const bool isWritten =
         std::fputs(text.c_str(), stdout) >= 0 && std::fflush(stdout) == 0;
     if (!isWritten)

@@ -85,8 +85,12 @@ class RaidRecorder
                                    {{"raid_id", raidId}});
         const std::string place = "controller " + std::to_string(raidId) + ": ";
         tried(place + "levels", [&] {
-            json["supported_raid_levels"] =
-                checkedText(library_.getSupportRaidLevels(selector, raidId));
+            const std::string levels =
+                library_.getSupportRaidLevels(selector, raidId);
+            if (!levels.empty())
+            {
+                json["supported_raid_levels"] = checkedText(levels);
+            }
         });
         tried(place + "configuration",
               [&] { addConfiguration(configuration, library_, info); });

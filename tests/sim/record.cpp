@@ -1,0 +1,274 @@
+#include "sim/json.hpp"
+#include "sim/memory_file.hpp"
+#include "support/program.hpp"
+
+#include <gtest/gtest.h>
+
+#include <set>
+#include <string>
+
+namespace morvath::tests
+{
+
+namespace
+{
+
+using sim::Json;
+using sim::MemoryFile;
+
+Outcome inScenario(const std::string& scenario, const std::string& command)
+{
+    return run("MORVATH_SIM", "run " + scenario + " -- " + command);
+}
+
+Outcome recorded(const std::string& scenario, const std::string& options = "")
+{
+    return inScenario(scenario, "$MORVATH_SIM record " + options);
+}
+
+std::string option(const MemoryFile& file)
+{
+    return "--scenario " + file.path();
+}
+
+/** One object; in the order in which the interfaces are registered. */
+std::string withProperties(const std::string& interfaces,
+                           const std::string& rest = "")
+{
+    return R"({"format": 1, "objects": [{"path": "/a/b", "services": [
+        {"name": "x.S", "interfaces": )" +
+           interfaces + "}]}]" + rest + "}";
+}
+
+Json interfacesOf(const Outcome& recording)
+{
+    return Json::parse(
+        recording.output)["objects"][0]["services"][0]["interfaces"];
+}
+
+} // namespace
+
+TEST(Record, ReplaysAsTheOriginal)
+{
+    const Outcome first = recorded("");
+    EXPECT_EQ(first.status, 0);
+    EXPECT_EQ(first.errors, "");
+    const MemoryFile recording(first.output);
+    EXPECT_EQ(recorded(option(recording)).output, first.output);
+    const std::string show = "$MORVATH show --all --json";
+    const Outcome original = inScenario("", show);
+    EXPECT_EQ(original.status, 0);
+    EXPECT_EQ(inScenario(option(recording), show).output, original.output);
+}
+
+TEST(Record, KeepsEveryTypeAndTheOrder)
+{
+    const std::string interfaces = R"json({
+        "x.Empty": {},
+        "x.Z": {"Same": {"type": "s", "value": "first"}},
+        "x.B": {
+            "Byte": {"type": "y", "value": 255, "readOnly": true},
+            "Least": {"type": "x", "value": -9223372036854775808},
+            "Most": {"type": "t", "value": 18446744073709551615},
+            "Small": {"type": "(nqiu)", "value": [-32768, 65535, -1, 4294967295]},
+            "Doubles": {"type": "ad", "value": [0.1, -0.0, 5e-324, 1e300, 3.0,
+                                                "nan", "inf", "-inf"]},
+            "Flag": {"type": "b", "value": true},
+            "Text": {"type": "s", "value": "\u00fc \"\\\n"},
+            "Path": {"type": "o", "value": "/"},
+            "Types": {"type": "g", "value": "a{sv}"},
+            "Bytes": {"type": "ay", "value": [0, 127, 255]},
+            "None": {"type": "a(sss)", "value": []},
+            "Inner": {"type": "v", "value": {"type": "v", "value":
+                {"type": "as", "value": ["a"]}}},
+            "ByName": {"type": "a{sv}", "value":
+                {"k": {"type": "a{us}", "value": [[7, "seven"]]}}},
+            "Twice": {"type": "a{os}", "value": [["/k", "1"], ["/k", "2"]]}},
+        "x.A": {"Same": {"type": "s", "value": "second"}}})json";
+    const MemoryFile scenario(withProperties(interfaces));
+    const Outcome recording = recorded(option(scenario));
+    EXPECT_EQ(recording.status, 0) << recording.errors;
+    EXPECT_EQ(interfacesOf(recording).dump(2), Json::parse(interfaces).dump(2));
+    const MemoryFile again(recording.output);
+    EXPECT_EQ(recorded(option(again)).output, recording.output);
+}
+
+TEST(Record, KeepsRecordsOfDrivesToTheByte)
+{
+    const std::string raid =
+        R"({"controllers":[{"raid_id":7,)"
+        R"("physical":[{"device_id":3,"vendor":"A B",)"
+        R"("raw":{"0":"ff","30":"e4c4","212":"01"}}],)"
+        R"("logical":[{"id":2,"members":[3,513],)"
+        R"("raw":{"98":"aa"}}],"raw":{"0":"08","398":"10"}}],)"
+        R"("texts":{"unknown":"?"}})";
+    const MemoryFile scenario(R"({"format": 1, "raid": )" + raid + "}");
+    const Outcome recording = recorded(option(scenario));
+    EXPECT_EQ(recording.status, 0) << recording.errors;
+    using Unordered = nlohmann::json;
+    EXPECT_EQ(Unordered::parse(recording.output)["raid"],
+              Unordered::parse(raid));
+}
+
+TEST(Record, TellsWhatItLeavesOut)
+{
+    const std::string two = R"({"x.I": {
+        "P": {"type": "s", "value": ""}, "Q": {"type": "i", "value": 1}}})";
+    struct
+    {
+        const char* when;
+        const char* then;
+        const char* interfaces;
+        const char* told;
+    } const cases[]{
+        {R"("service": "x.S")", R"("silent": true)", nullptr,
+         "x.S, from object / on: org.freedesktop.DBus.Error.Timeout"},
+        {R"("path": "/a/b", "member": "GetAll")", R"("die": true)", nullptr,
+         "x.S, from object /a/b on: "
+         "org.freedesktop.DBus.Error.ServiceUnknown"},
+        {R"("path": "/a/b")", R"("vanished": true)", nullptr,
+         "/a/b: x.S: org.freedesktop.DBus.Error.UnknownObject"},
+        {R"("path": "/a/b", "property": "P")", R"("missing": true)",
+         R"({"x.I": {"Q": {"type": "i", "value": 1}}})",
+         "/a/b: x.S: x.I.P: org.freedesktop.DBus.Error.UnknownProperty"},
+        {R"("path": "/a/b", "property": "P")", R"("error": "x.Error")",
+         R"({"x.I": {"Q": {"type": "i", "value": 1}}})",
+         "/a/b: x.S: x.I: x.Error"},
+        {R"("member": "GetAll")", R"("reply": {"type": "s", "value": ""})",
+         R"({"x.I": {"P": {"type": "s", "value": ""},
+                     "Q": {"type": "i", "value": 1}}})",
+         "/a/b: x.S: x.I: "},
+    };
+    for (const auto& one : cases)
+    {
+        const MemoryFile scenario(withProperties(
+            two, std::string(R"(, "faults": [{"when": {)") + one.when +
+                     R"(}, "then": {)" + one.then + "}}]"));
+        const Outcome recording = recorded(option(scenario), "--timeout 0.5");
+        EXPECT_EQ(recording.status, 1) << one.told;
+        EXPECT_NE(recording.errors.find(one.told), std::string::npos)
+            << recording.errors;
+        const Json objects = Json::parse(recording.output)["objects"];
+        EXPECT_EQ(objects.empty(), one.interfaces == nullptr) << one.told;
+        if (one.interfaces != nullptr)
+        {
+            EXPECT_EQ(interfacesOf(recording), Json::parse(one.interfaces));
+        }
+    }
+}
+
+TEST(Record, ChoosesServicesAndRefusesWhatIsNone)
+{
+    const Outcome chosen =
+        recorded("", "--service xyz.openbmc_project.Settings --service x.None");
+    EXPECT_EQ(chosen.status, 1);
+    EXPECT_EQ(chosen.errors, "morvath-sim: left out: x.None: the object mapper "
+                             "does not know the service\n");
+    const Json recording = Json::parse(chosen.output);
+    EXPECT_FALSE(recording.contains("raid"));
+    EXPECT_EQ(recording["objects"].size(), 3U);
+
+    EXPECT_EQ(recorded("", "--service none").status, 2);
+    const MemoryFile bare(R"({"format": 1, "mapper": false})");
+    const Outcome none = recorded(option(bare));
+    EXPECT_EQ(none.status, 1);
+    EXPECT_EQ(none.output, "");
+    EXPECT_TRUE(none.errors.starts_with(
+        "morvath-sim: the object mapper cannot be asked: "))
+        << none.errors;
+}
+
+TEST(Record, MasksWhatIdentifiesTheMachine)
+{
+    const std::string interfaces = R"({"x.Original": {
+        "SerialNumber": {"type": "s", "value": "SN-7Q "},
+        "ASSET_TAG": {"type": "ay", "value": [75, 74, 49, 50, 51, 0]},
+        "HostName": {"type": "s", "value": "rack7"},
+        "MACAddress": {"type": "s", "value": "5A3C9B102204"},
+        "Address": {"type": "as", "value": ["10.1.2.3", "0x50"]},
+        "Version": {"type": "s", "value": "1.2.3.4"},
+        "Kept": {"type": "as", "value": ["0.0.0.0", "::1", "255.255.252.0",
+            "224.0.0.1", "127.0.0.1", "00:00:00:00:00:00", "11:22:33"]},
+        "Text": {"type": "s", "value":
+            "rack7: KJ123, 5a-3c-9b-10-22-04, [fe80::1%eth0], 10.1.2.3/24."},
+        "Path": {"type": "o", "value":
+            "/sn/x_SN_7Q/_310_2e1_2e2_2e3_2f24/10_1_2_3/5a_3c_9b_10_22_04"},
+        "Known": {"type": "a{sv}", "value": {"10.1.2.4": {"type": "a{ss}",
+            "value": {"UUID": "7D1F0C52-8B3E-1F6A-9C27-15E8A4D2B6F0"}}}}}})";
+    const MemoryFile scenario(withProperties(interfaces));
+    const Outcome recording = recorded(option(scenario), "--anonymize");
+    EXPECT_EQ(recording.status, 0) << recording.errors;
+    EXPECT_EQ(interfacesOf(recording).dump(2), Json::parse(R"({"x.Original": {
+        "SerialNumber": {"type": "s", "value": "AA-0A "},
+        "ASSET_TAG": {"type": "ay", "value": [65, 65, 48, 48, 48, 0]},
+        "HostName": {"type": "s", "value": "aaaa0"},
+        "MACAddress": {"type": "s", "value": "020000000001"},
+        "Address": {"type": "as", "value": ["192.0.2.1", "0x50"]},
+        "Version": {"type": "s", "value": "1.2.3.4"},
+        "Kept": {"type": "as", "value": ["0.0.0.0", "::1", "255.255.252.0",
+            "224.0.0.1", "127.0.0.1", "00:00:00:00:00:00", "11:22:33"]},
+        "Text": {"type": "s", "value":
+            "aaaa0: AA000, 02-00-00-00-00-01, [2001:db8::1%eth0], 192.0.2.1/24."},
+        "Path": {"type": "o", "value":
+            "/sn/x_AA_0A/_3192_2e0_2e2_2e1_2f24/192_0_2_1/02_00_00_00_00_01"},
+        "Known": {"type": "a{sv}", "value": {"192.0.2.2": {"type": "a{ss}",
+            "value": {"UUID": "00000000-0000-1000-8000-000000000001"}}}}}})")
+                                                   .dump(2));
+}
+
+TEST(Record, MasksDifferAsTheOriginalsDo)
+{
+    // More than the first networks hold, and more than one digit can count.
+    const std::size_t count = 800;
+    Json addresses = Json::array();
+    Json serials = Json::array();
+    for (std::size_t number = 0; number < count; number++)
+    {
+        addresses.push_back("10.0." + std::to_string(number / 250) + "." +
+                            std::to_string(number % 250));
+        serials.push_back(std::string(number % 10 + 2, '-') +
+                          std::to_string(number));
+    }
+    const Json interfaces{{"x.I",
+                           {{"Ip", {{"type", "as"}, {"value", addresses}}},
+                            {"Serial", {{"type", "as"}, {"value", serials}}}}}};
+    const MemoryFile scenario(withProperties(interfaces.dump()));
+    const Json masked =
+        interfacesOf(recorded(option(scenario), "--anonymize"))["x.I"];
+    std::set<std::string> all;
+    for (const char* name : {"Ip", "Serial"})
+    {
+        const Json& list = masked[name]["value"];
+        all.insert(list.begin(), list.end());
+    }
+    EXPECT_EQ(all.size(), 2 * count);
+    for (const char* last :
+         {"192.0.2.254", "198.51.100.254", "203.0.113.254", "198.18.0.38"})
+    {
+        EXPECT_TRUE(all.contains(last)) << last;
+    }
+}
+
+TEST(Record, ServerIsAnonymizedAndShown)
+{
+    const Outcome masked = recorded("", "--anonymize");
+    EXPECT_EQ(masked.status, 0) << masked.errors;
+    EXPECT_EQ(recorded("", "--anonymize").output, masked.output);
+    for (const char* original :
+         {"VSN26A0417", "SF9600071A", "7d1f0c52", "AT-004512", "rack7",
+          "5a:3c:9b", "5a3c9b", "10.20.30.", "_310_2e20", "192.168.70",
+          "fe80::", "0x4c1f9a21", "DR9408-66"})
+    {
+        EXPECT_EQ(masked.output.find(original), std::string::npos) << original;
+    }
+    const MemoryFile recording(masked.output);
+    const Outcome shown =
+        inScenario(option(recording), "$MORVATH show disks --json");
+    EXPECT_EQ(shown.status, 0) << shown.errors;
+    const Json document = Json::parse(shown.output);
+    // The drive's name is made of its serial number.
+    EXPECT_EQ(document["tables"]["disks"][9]["name"],
+              "DRISKO-DSSATA960-AA0000000A");
+}
+
+} // namespace morvath::tests

@@ -81,6 +81,12 @@ std::string objectText(const Json& object, std::size_t depth)
            "]}";
 }
 
+std::string objectsText(const Json& objects)
+{
+    return "[" + newLine(2) + joined(objects, "," + newLine(2), 2, objectText) +
+           newLine(1) + "]";
+}
+
 } // namespace
 
 std::string laidOut(const Json& scenario)
@@ -88,13 +94,10 @@ std::string laidOut(const Json& scenario)
     std::string text;
     for (const auto& [key, member] : scenario.items())
     {
-        text +=
-            (text.empty() ? "" : ",") + newLine(1) + Json(key).dump() + ": ";
-        text += key == "objects"
-                    ? "[" + newLine(2) +
-                          joined(member, "," + newLine(2), 2, objectText) +
-                          newLine(1) + "]"
-                    : onSomeLines(member, 1);
+        const bool isObjects = key == "objects" && !member.empty();
+        text += (text.empty() ? "" : ",") + newLine(1) + Json(key).dump() +
+                ": " +
+                (isObjects ? objectsText(member) : onSomeLines(member, 1));
     }
     return "{" + text + "\n}\n";
 }

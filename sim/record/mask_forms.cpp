@@ -58,7 +58,8 @@ bool isGroupMac(const std::string& digits)
 
 bool isCommonIpv6(const std::string& text)
 {
-    return text == "::" || text == "::1" || text.starts_with("ff");
+    return text == "::" || text == "::1" ||
+           (text.starts_with("ff") && text.find(':') == 4);
 }
 
 bool isCommonIpv4(const std::string& text)

@@ -22,6 +22,13 @@ std::string pathSpelling(std::string text)
     return text;
 }
 
+std::string withoutSeparators(std::string text)
+{
+    std::erase_if(text,
+                  [](char character) { return !isAlphanumeric(character); });
+    return text;
+}
+
 bool isApart(std::string_view text, std::size_t place, std::size_t length,
              bool isWord)
 {
@@ -70,8 +77,13 @@ Occurrences::Occurrences(const Masks& masks)
     });
     for (const auto& [form, text] : masks.spellings())
     {
-        add({pathSpelling(text), pathSpelling(masks.maskOf(form, text)),
-             Place::inPath});
+        const std::string mask = masks.maskOf(form, text);
+        add({pathSpelling(text), pathSpelling(mask), Place::inPath});
+        if (form == Form::mac || form == Form::uuid)
+        {
+            add({withoutSeparators(text), withoutSeparators(mask),
+                 Place::anywhere});
+        }
     }
     for (auto& [start, entries] : entries_)
     {

@@ -40,7 +40,7 @@ class Changer
         }
         if (!value.is_structured())
         {
-            return number(rule, value);
+            return value;
         }
         if (value.is_array())
         {
@@ -73,15 +73,6 @@ class Changer
     std::string text(const NameRule* rule, const Json& text) const
     {
         return change_(rule, text.get_ref<const std::string&>());
-    }
-
-    /** A serial number may be one in the literal sense. */
-    Json number(const NameRule* rule, const Json& value) const
-    {
-        const bool isSerial = rule != nullptr && value.is_number_unsigned() &&
-                              rule->treatment == Treatment::everywhere;
-        return isSerial ? Json(std::stoull(change_(rule, value.dump())))
-                        : value;
     }
 
     void changeTyped(const NameRule* rule, Json& typed) const

@@ -28,7 +28,9 @@ void find(void* library, const std::string& mangled, Function*& function)
 
 std::unique_ptr<VontelLibrary> VontelLibrary::load()
 {
-    std::unique_ptr<void, Close> library(dlopen(libraryName, RTLD_NOW));
+    // It stays: an exception of its own is caught when this is closed already.
+    std::unique_ptr<void, Close> library(
+        dlopen(libraryName, RTLD_NOW | RTLD_NODELETE));
     if (library)
     {
         return std::unique_ptr<VontelLibrary>(

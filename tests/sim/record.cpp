@@ -119,6 +119,11 @@ TEST(Record, KeepsRecordsOfDrivesToTheByte)
     const MemoryFile scenario(R"({"format": 1, "raid": )" + raid + "}");
     const Outcome recording = recorded(option(scenario));
     EXPECT_EQ(recording.status, 0) << recording.errors;
+    const Outcome unread =
+        inScenario("", "env MORVATH_SIM_RAID=/none $MORVATH_SIM record");
+    EXPECT_EQ(unread.status, 1);
+    EXPECT_EQ(unread.errors,
+              "morvath-sim: left out: RAID: /none: cannot be read\n");
     using Unordered = nlohmann::json;
     EXPECT_EQ(Unordered::parse(recording.output)["raid"],
               Unordered::parse(raid));
@@ -199,7 +204,7 @@ TEST(Record, MasksWhatIdentifiesTheMachine)
         const char* masked;
     } const cases[]{
         {"SerialNumber", "s", R"("SN-7Q ")", R"("AA-0A ")"},
-        {"Serial", "u", "4711", "0"},
+        {"Bare", "s", R"("eth-5a3c9b102204")", R"("eth-020000000001")"},
         {"ASSET_TAG", "ay", "[75,74,49,50,51,0]", "[65,65,48,48,48,0]"},
         {"HostName", "s", R"("rack7")", R"("aaaa0")"},
         {"MACAddress", "s", R"("5A3C9B102204")", R"("020000000001")"},

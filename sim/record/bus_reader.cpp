@@ -11,8 +11,6 @@
 namespace morvath::sim
 {
 
-constexpr const char* mapperPath = "/xyz/openbmc_project/object_mapper";
-
 namespace
 {
 
@@ -100,6 +98,10 @@ Value BusReader::ask(const Source& source, std::string_view interface,
             bus_.get(), call.get(),
             static_cast<std::uint64_t>(patience_.count()), &error, &raw);
         const Message answer(raw);
+        if (result < 0 && sd_bus_is_open(bus_.get()) <= 0)
+        {
+            throw std::runtime_error("the bus went away");
+        }
         if (result < 0)
         {
             refuse(error);

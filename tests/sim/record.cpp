@@ -159,7 +159,7 @@ TEST(Record, TellsWhatItLeavesOut)
                         "Q": {"type": "i", "value": 2}}})",
             std::string(R"(, "faults": [{"when": {)") + one.when +
                 R"(}, "then": {)" + one.then + "}}]"));
-        const Outcome recording = recorded(option(scenario), "--timeout 0.5");
+        const Outcome recording = recorded(option(scenario), "--timeout 3");
         EXPECT_EQ(recording.status, 1) << one.told;
         EXPECT_NE(recording.errors.find(one.told), std::string::npos)
             << recording.errors;

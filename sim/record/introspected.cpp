@@ -31,27 +31,36 @@ class Tags
     std::string_view rest_;
 };
 
+bool isBlank(char character)
+{
+    return std::isspace(static_cast<unsigned char>(character)) != 0;
+}
+
 bool isTag(std::string_view tag, std::string_view name)
 {
     return tag.starts_with(name) &&
-           (tag.size() == name.size() ||
-            std::isspace(static_cast<unsigned char>(tag[name.size()])) != 0);
+           (tag.size() == name.size() || isBlank(tag[name.size()]));
 }
 
 /** No name that the bus allows is ever escaped. */
-std::string attribute(std::string_view tag, std::string_view name)
+std::string attribute(std::string_view tag, const std::string& name)
 {
-    for (const char quote : {'"', '\''})
+    auto start = tag.find(name + '=');
+    while (start != tag.npos && (start == 0 || !isBlank(tag[start - 1])))
     {
-        const std::string opening = ' ' + std::string(name) + '=' + quote;
-        const auto start = tag.find(opening);
-        if (start != tag.npos)
-        {
-            const std::string_view value = tag.substr(start + opening.size());
-            return std::string(value.substr(0, value.find(quote)));
-        }
+        start = tag.find(name + '=', start + 1);
     }
-    return {};
+    if (start == tag.npos)
+    {
+        return {};
+    }
+    const std::string_view quoted = tag.substr(start + name.size() + 1);
+    if (quoted.empty())
+    {
+        return {};
+    }
+    const std::string_view value = quoted.substr(1);
+    return std::string(value.substr(0, value.find(quoted.front())));
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "sim/json.hpp"
 #include "sim/memory_file.hpp"
+#include "sim/record/introspected.hpp"
 #include "support/program.hpp"
 
 #include <gtest/gtest.h>
@@ -105,6 +106,24 @@ TEST(Record, KeepsEveryTypeAndTheOrder)
     EXPECT_EQ(interfacesOf(recording).dump(2), Json::parse(interfaces).dump(2));
     const MemoryFile again(recording.output);
     EXPECT_EQ(recorded(option(again)).output, recording.output);
+}
+
+TEST(Record, UnderstandsForeignIntrospection)
+{
+    const auto read = sim::introspectedFromXml(
+        "<?xml version='1.0'?><!-- <interface name=\"x.No\"> -->\n<node>"
+        "<interface name='x.I'><property access='read' type='s' name='P'>"
+        "<annotation name='a' value='b'/></property>"
+        "<property name=\"Q\" type=\"s\"\naccess=\"readwrite\"/></interface>"
+        "<node name=\"child\"><interface name=\"x.Child\"/></node>"
+        "<node name='leaf'/><interface name=\"x.J\"></interface></node><");
+    ASSERT_EQ(read.size(), 2U);
+    EXPECT_TRUE(read.at("x.J").empty());
+    ASSERT_EQ(read.at("x.I").size(), 2U);
+    EXPECT_EQ(read.at("x.I")[0].name, "P");
+    EXPECT_TRUE(read.at("x.I")[0].isReadOnly);
+    EXPECT_EQ(read.at("x.I")[1].name, "Q");
+    EXPECT_FALSE(read.at("x.I")[1].isReadOnly);
 }
 
 TEST(Record, KeepsRecordsOfDrivesToTheByte)

@@ -34,11 +34,6 @@ TEST(Firmware, IsTheLastOfItsPurpose)
         TextResult bmc;
         TextResult bios;
     } const cases[]{
-        {"nothing at all", Machine(), {-1, nothing}, {-1, nothing}},
-        {"the server",
-         Machine::server(),
-         {0, "3.2.1-r0"},
-         {0, "VSB4410.2.14.0"}},
         {"none for the BIOS", two, {0, "2"}, {0, nothing}},
         {"a longer purpose",
          Machine(two).owns(root + "d", updater, image("BMCx", "")),
@@ -59,19 +54,6 @@ TEST(Firmware, IsTheLastOfItsPurpose)
         EXPECT_EQ(readText(getBMCFirmwareVersion), one.bmc) << one.what;
         EXPECT_EQ(readText(getBiosFirmwareVersion), one.bios) << one.what;
     }
-}
-
-TEST(Firmware, RaisesForAnyImageThatCannotBeRead)
-{
-    const auto machine =
-        Machine()
-            .owns(root + "a", updater, image("BMC", "1"))
-            .owns(root + "b", updater, image("PSU", "2"))
-            .fault({{"path", root + "b"}}, {{"vanished", true}});
-    sim::Platform platform(machine.scenario());
-    char* value = nullptr;
-    EXPECT_NE(busErrorOf([&] { getBMCFirmwareVersion(&value); }), "none");
-    EXPECT_EQ(value, nullptr);
 }
 
 } // namespace

@@ -84,23 +84,5 @@ TEST(RaidControllers, FailAsTheLibraryDoes)
     }
 }
 
-TEST(RaidControllers, AreReleasedTextByText)
-{
-    const RaidLibrary library(twoControllers());
-    Controllers controllers;
-    ASSERT_EQ(controllers.read(), 0);
-    auto& left = controllers.records[0];
-    std::free(left.confText2);
-    left.confText2 = nullptr;
-    for (int time = 0; time < 2; ++time)
-    {
-        freeRaidControllerEntry(&left);
-        EXPECT_EQ(lineOf(left),
-                  "0|null|null|null|null|null|null|null|null|null|null|null|"
-                  "null|null|null|null|255|65535|0|0");
-    }
-    freeRaidControllerEntry(nullptr);
-}
-
 } // namespace
 } // namespace morvath::tests

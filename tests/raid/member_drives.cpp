@@ -117,13 +117,5 @@ TEST(MemberDrives, CopeWithAManagerThatGoes)
               Lines{"0"});
 }
 
-TEST(MemberDrives, AreReleasedTextByText)
-{
-    const RaidLibrary library(twoControllers());
-    const std::string released = "0|null|null|null|null|0|0";
-    EXPECT_EQ(releasedTwice<MemberDrives>(free_raid_hdd_entry),
-              (Lines{"0", "count 4", released, released}));
-}
-
 } // namespace
 } // namespace morvath::tests

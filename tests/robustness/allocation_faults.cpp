@@ -27,13 +27,13 @@ void expectAllowed(const Export& one, const Effect& effect, const Effect& usual)
     const std::set<std::string> results{"0", "-1", "-2", "no-memory",
                                         "bus-error"};
     EXPECT_TRUE(results.contains(effect.result)) << effect.result;
-    if (effect.result == "0" && !one.skips)
+    if (effect.result == "0" && !one.results.skips)
     {
         EXPECT_EQ(effect.outputs, usual.outputs);
     }
     if (effect.result == "-1")
     {
-        EXPECT_EQ(effect.outputs, one.unread);
+        EXPECT_EQ(effect.outputs, one.results.unread);
     }
 }
 

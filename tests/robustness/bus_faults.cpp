@@ -55,7 +55,7 @@ struct Usual
 struct Kind
 {
     Json fault;
-    const char* Export::*results;
+    const char* Results::*results;
     /** A service that dies is gone for good. */
     bool isLasting = false;
 };
@@ -72,7 +72,7 @@ std::string mistakeOf(const Export& one, const Usual& usual, const Kind& kind,
     const sim::Platform platform(serverWith(kind.fault, call));
     const auto during = one.call();
     if (during.result != result ||
-        (result == "-1" && during.outputs != one.unread))
+        (result == "-1" && during.outputs != one.results.unread))
     {
         return "during: " + textOf(during);
     }
@@ -91,7 +91,10 @@ void forEachCall(const Kind& kind, const Check& check)
     {
         const Usual usual(one);
         EXPECT_EQ(usual.effect.result, "0") << one.name;
-        std::istringstream words(one.*kind.results);
+        EXPECT_EQ(one.usual ? one.usual : usual.effect.outputs,
+                  usual.effect.outputs)
+            << one.name;
+        std::istringstream words(one.results.*kind.results);
         std::string result;
         for (std::size_t call = 1; call <= usual.calls; ++call)
         {
@@ -111,9 +114,9 @@ class BusFaults : public ::testing::Test
 TEST_F(BusFaults, OfOneCallHaveKnownResultsAndPass)
 {
     const Json refusal{{"error", "com.example.Refused"}};
-    forEachCall({refusal, &Export::failed}, mistakeOf);
-    forEachCall({{{"reply", property("u", 1)}}, &Export::confused}, mistakeOf);
-    forEachCall({{{"die", true}}, &Export::failed, true}, mistakeOf);
+    forEachCall({refusal, &Results::failed}, mistakeOf);
+    forEachCall({{{"reply", property("u", 1)}}, &Results::confused}, mistakeOf);
+    forEachCall({{{"die", true}}, &Results::failed, true}, mistakeOf);
 }
 
 /** How long a call waits for its answer; as before when it goes. */
@@ -163,7 +166,7 @@ TEST_F(BusFaults, EndWithTheTimeOut)
         timeOut.set(0);
         return mistake;
     };
-    forEachCall({{{"silent", true}}, &Export::failed}, mistakeInTime);
+    forEachCall({{{"silent", true}}, &Results::failed}, mistakeInTime);
 }
 
 } // namespace

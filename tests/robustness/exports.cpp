@@ -6,9 +6,7 @@
 
 #include <cstdlib>
 #include <iterator>
-#include <new>
 #include <string>
-#include <variant>
 #include <vector>
 
 namespace morvath::tests
@@ -21,23 +19,10 @@ constexpr auto untouched = "untouched";
 template <typename Call>
 std::string resultOf(const Call& call)
 {
-    try
-    {
+    return outcomeOf([&] {
         const AllocationWindow window;
-        return std::to_string(call());
-    }
-    catch (const sdbusplus::exception::SdBusError&)
-    {
-        return "bus-error";
-    }
-    catch (const std::bad_alloc&)
-    {
-        return "no-memory";
-    }
-    catch (const std::bad_variant_access&)
-    {
-        return "another-type";
-    }
+        return call();
+    });
 }
 
 std::string written(bool wasWritten, const std::string& value)
@@ -225,154 +210,146 @@ Effect lastPart()
 }
 
 // What becomes of a call, by the kind of function.
-constexpr auto local = "";
-constexpr auto single = "-1";
-constexpr auto listed = "-1 bus-error";
-constexpr auto accepted = "0";
+constexpr Results local{"", ""};
+constexpr Results single{"-1", "-1"};
+constexpr Results choice{"-1", "-1", "0"};
+constexpr Results listed{"-1 bus-error", "-1 bus-error"};
+constexpr Results writing{"-1", "0"};
+constexpr Results writingAll{"0 -1", "0"};
 // Two interfaces, then for each its list of addresses and those addresses.
-constexpr auto interfaces = "-1 bus-error bus-error "
-                            "0 bus-error bus-error 0 bus-error";
+constexpr auto addressFaults = "-1 bus-error bus-error "
+                               "0 bus-error bus-error 0 bus-error";
+constexpr Results interfaces{addressFaults, addressFaults, untouched, true};
 // For each adapter its list of ports and those ports.
-constexpr auto ports = "-1 0 bus-error bus-error 0 bus-error bus-error";
+constexpr auto portFaults = "-1 0 bus-error bus-error 0 bus-error bus-error";
+constexpr Results ports{portFaults, portFaults, untouched, true};
 
-#define TEXT(name)                           \
-    {                                        \
-#name, text < name>, single, single, \
-    }
-#define LISTED_TEXT(name)                    \
-    {                                        \
-#name, text < name>, listed, listed, \
-    }
-#define CHOICE(name)                                         \
-    {                                                        \
-#name, number < uint32_t, name>, single, single, "0" \
-    }
-#define CODE(name)                                       \
-    {                                                    \
-#name, number < uint32_t, name>, single, single, \
-    }
-#define SET(name, ...)                                    \
-    {                                                     \
-#name, set < name, __VA_ARGS__>, single, accepted \
-    }
-#define TABLE(name, release)                          \
-    {                                                 \
-#name, table < name, release>, listed, listed \
-    }
+template <auto Call>
+constexpr const char* nameOf()
+{
+    return __PRETTY_FUNCTION__;
+}
 
-const Export exports[]{
-    {"getDbusPropertyString",
-     text<getDbusPropertyString, network, eth0, ethernet, interfaceName>,
-     single, single},
-    {"getDbusPropertyVectorString",
-     texts<getDbusPropertyVectorString, network, eth0, ethernet, ntpServers>,
-     single, single},
-    {"getDbusPropertyUint8",
-     number<uint8_t, getDbusPropertyUint8, smbios, bios, choices, bootType>,
-     single, single},
-    {"getDbusPropertyBool",
-     number<uint8_t, getDbusPropertyBool, smbios, bios, choices,
-            hyperThreading>,
-     single, single},
-    SET(setDbusPropertyBool, network, eth0, ethernet, emitLldp, 1),
-    SET(setDbusPropertyUint64, timeService, clockPath, epoch, elapsed, 1),
-    SET(setDbusPropertyString, network, eth0, ethernet, gateway, address),
-    SET(setDbusPropertyVectorString, network, eth0, ethernet, ntpServers,
-        addresses),
-    {"setDbusPropertyVectorStringWithoutPath",
-     set<setDbusPropertyVectorStringWithoutPath, network, ethernet, ntpServers,
-         addresses>,
-     "0 -1", accepted},
-    {"getDbusInterface", texts<getDbusInterface, anyOwner, supplies, supply>,
-     single, single},
-    {"getDbusTableData", tableData, listed, listed},
-    {"getSubTree", subTree, single, single},
-    {"_getDbusProperty", value, single, single},
-    {"_setDbusProperty", setValue, single, accepted},
-    {"getLastStr", lastPart, local, local},
+template <auto Call>
+constexpr Export on(const Results& results, const char* usual = nullptr)
+{
+    return {nameOf<Call>(), Call, results, usual};
+}
 
-    TEXT(getSystemManufacturer),
-    TEXT(getSystemModel),
-    TEXT(getSystemSerialNumber),
-    TEXT(getSystemUUID),
-    TEXT(getSystemAssetTag),
-    TEXT(getSystemHostName),
-    TEXT(getSystemConfModel),
-    SET(setSystemAssetTag, model),
-    SET(setSystemHostName, model),
-    SET(setSystemConfModel, model),
-    TEXT(getBiosVendor),
-    TEXT(getBiosBuildDate),
-    TEXT(getCpldFirmwareVersion),
-    LISTED_TEXT(getBMCFirmwareVersion),
-    LISTED_TEXT(getBiosFirmwareVersion),
-    {"getBMCProperty", text<getBMCProperty, model>, single, single},
-    TEXT(getBMCManufacturer),
-    TEXT(getBMCModel),
-    TEXT(getBMCSerialNumber),
-    TEXT(getBMCPartNumber),
-    TEXT(getProductAssetTag),
-    TEXT(getProductManufacturer),
-    TEXT(getProductPartNum),
-    TEXT(getProductPrettyName),
-    TEXT(getProductSerialNum),
-    TEXT(getProductVersion),
-    TEXT(getChassisPartNum),
-    TEXT(getChassisPrettyName),
-    TEXT(getChassisSerialNum),
-    TEXT(getBoardBuildDate),
-    TEXT(getBoardManufacturer),
-    TEXT(getBoardPartNum),
-    TEXT(getBoardPrettyName),
-    TEXT(getBoardSerialNum),
+template <auto Get>
+constexpr Export fact(const char* usual)
+{
+    return on<text<Get>>(single, usual);
+}
 
-    CHOICE(getBiosBootType),
-    CHOICE(getBiosBootOrder0),
-    CHOICE(getBiosBootOrder1),
-    CHOICE(getBiosBootOrder2),
-    CHOICE(getBiosBootOrder3),
-    CHOICE(getBiosIPV4Support),
-    CHOICE(getBiosIPV6Support),
-    CHOICE(getBiosHyperThreading),
+template <auto Get>
+constexpr Export code(const Results& results, const char* usual)
+{
+    return on<number<uint32_t, Get>>(results, usual);
+}
 
-    TEXT(getSystemPowerState),
-    CODE(getSystemPowerCtl),
-    SET(setSystemPowerCtl, 1),
-    TEXT(getPowerRestorePolicy),
-    SET(setPowerRestorePolicy, word),
-    {"getTimeStamp", clock, local, local},
-    {"getTimeZone", number<int32_t, getTimeZone>, local, local},
-    SET(setTimeStamp, 1),
-    CODE(getNtpServerStatus),
-    SET(setNtpServerStatus, 0),
-    {"setNtpServerIP", set<setNtpServerIP, address>, "0 -1", accepted},
-    TEXT(getNtpPreferServer),
-    {"getBMCDeviceUUID", text<getBMCDeviceUUID>, local, local},
+constexpr Export exports[]{
+    on<text<getDbusPropertyString, network, eth0, ethernet, interfaceName>>(
+        single, "eth0"),
+    on<texts<getDbusPropertyVectorString, network, eth0, ethernet, ntpServers>>(
+        single, "10.20.30.5|10.20.30.6|"),
+    on<number<uint8_t, getDbusPropertyUint8, smbios, bios, choices, bootType>>(
+        single, "1"),
+    on<number<uint8_t, getDbusPropertyBool, smbios, bios, choices,
+              hyperThreading>>(single, "1"),
+    on<set<setDbusPropertyBool, network, eth0, ethernet, emitLldp, 1>>(writing),
+    on<set<setDbusPropertyUint64, timeService, clockPath, epoch, elapsed, 1>>(
+        writing),
+    on<set<setDbusPropertyString, network, eth0, ethernet, gateway, address>>(
+        writing),
+    on<set<setDbusPropertyVectorString, network, eth0, ethernet, ntpServers,
+           addresses>>(writing),
+    on<set<setDbusPropertyVectorStringWithoutPath, network, ethernet,
+           ntpServers, addresses>>(writingAll),
+    on<texts<getDbusInterface, anyOwner, supplies, supply>>(single),
+    on<tableData>(listed),
+    on<subTree>(single),
+    on<value>(single),
+    on<setValue>(writing),
+    on<lastPart>(local, "AWord"),
 
-    TABLE(getPsuTableInfo, freePsuInfoEntry),
-    TABLE(getPcieTableInfo, freePcieInfoEntry),
-    TABLE(getNetAdapterTableInfo, free_adapter_entry_content),
-    TABLE(getGpuInfoEntry, freeGpuInfoEntry),
-    TABLE(getMemoryTableInfo, freeMemInfoEntry),
-    TABLE(getCpuTableInfo, freeCpuInfoEntry),
-    {"getCommonSensorTableInfo", table<pwms, freeBmcSensorEntry>, listed,
-     listed},
-    TABLE(getTempTableInfo, freeBmcSensorEntry),
-    TABLE(getFanTableInfo, freeBmcSensorEntry),
-    TABLE(getVoltageTableInfo, freeBmcSensorEntry),
-    TABLE(getCurrentTableInfo, freeBmcSensorEntry),
-    TABLE(getPowerTableInfo, freeBmcSensorEntry),
-    TABLE(getPwmTableInfo, freeBmcSensorEntry),
-    {"getNetworkTableInfo", table<getNetworkTableInfo, freeBmcNetworkInfoEntry>,
-     interfaces, interfaces, untouched, true},
-    {"getNetPortTableInfo", table<getNetPortTableInfo, free_port_entry_content>,
-     ports, ports, untouched, true},
-    SET(setLldpEnalbed, nic, port, 1),
-    TABLE(getHddTableInfo, freeHddInfoEntry),
-    {"getRaidControllerInfo",
-     table<getRaidControllerInfo, freeRaidControllerEntry>, local, local},
-    {"getRaidHddTableInfo", table<getRaidHddTableInfo, free_raid_hdd_entry>,
-     local, local},
+    fact<getSystemManufacturer>("Velmora Systems"),
+    fact<getSystemModel>("VS2-2288"),
+    fact<getSystemSerialNumber>("VSN26A0417"),
+    fact<getSystemUUID>("7d1f0c52-8b3e-4f6a-9c27-15e8a4d2b6f0"),
+    fact<getSystemAssetTag>("AT-004512"),
+    fact<getSystemHostName>("rack7-node12"),
+    fact<getSystemConfModel>("balanced"),
+    on<set<setSystemAssetTag, model>>(writing),
+    on<set<setSystemHostName, model>>(writing),
+    on<set<setSystemConfModel, model>>(writing),
+    fact<getBiosVendor>("Velmora Systems"),
+    fact<getBiosBuildDate>("03/14/2026"),
+    fact<getCpldFirmwareVersion>("1.07"),
+    on<text<getBMCFirmwareVersion>>(listed, "3.2.1-r0"),
+    on<text<getBiosFirmwareVersion>>(listed, "VSB4410.2.14.0"),
+    on<text<getBMCProperty, model>>(single, "KM2600"),
+    fact<getBMCManufacturer>("Kelvane Micro"),
+    fact<getBMCModel>("KM2600"),
+    fact<getBMCSerialNumber>("BM0071F3A9"),
+    fact<getBMCPartNumber>("KM-BMC-26"),
+    fact<getProductAssetTag>("DC4-R07-U12"),
+    fact<getProductManufacturer>("Velmora Systems"),
+    fact<getProductPartNum>("VS2-2288-B01"),
+    fact<getProductPrettyName>("VS2-2288 two-socket server"),
+    fact<getProductSerialNum>("VSN26A0417"),
+    fact<getProductVersion>("02"),
+    fact<getChassisPartNum>("VSC-2U-25B"),
+    fact<getChassisPrettyName>("2U chassis, 25 bays"),
+    fact<getChassisSerialNum>("CHS9930412"),
+    fact<getBoardBuildDate>("2026-01-19 - 07:42:00 UTC"),
+    fact<getBoardManufacturer>("Velmora Systems"),
+    fact<getBoardPartNum>("VSB-4410-03"),
+    fact<getBoardPrettyName>("VSB-4410"),
+    fact<getBoardSerialNum>("MBQ60221873"),
+
+    code<getBiosBootType>(choice, "1"),
+    code<getBiosBootOrder0>(choice, "2"),
+    code<getBiosBootOrder1>(choice, "1"),
+    code<getBiosBootOrder2>(choice, "3"),
+    code<getBiosBootOrder3>(choice, "255"),
+    code<getBiosIPV4Support>(choice, "1"),
+    code<getBiosIPV6Support>(choice, "0"),
+    code<getBiosHyperThreading>(choice, "1"),
+
+    fact<getSystemPowerState>("PowerOn"),
+    code<getSystemPowerCtl>(single, "1"),
+    on<set<setSystemPowerCtl, 1>>(writing),
+    fact<getPowerRestorePolicy>("LastState"),
+    on<set<setPowerRestorePolicy, word>>(writing),
+    on<clock>(local, "a time"),
+    on<number<int32_t, getTimeZone>>(local),
+    on<set<setTimeStamp, 1>>(writing),
+    code<getNtpServerStatus>(single, "1"),
+    on<set<setNtpServerStatus, 0>>(writing),
+    on<set<setNtpServerIP, address>>(writingAll),
+    fact<getNtpPreferServer>("10.20.30.5 10.20.30.6 "),
+    on<text<getBMCDeviceUUID>>(local),
+
+    on<table<getPsuTableInfo, freePsuInfoEntry>>(listed),
+    on<table<getPcieTableInfo, freePcieInfoEntry>>(listed),
+    on<table<getNetAdapterTableInfo, free_adapter_entry_content>>(listed),
+    on<table<getGpuInfoEntry, freeGpuInfoEntry>>(listed),
+    on<table<getMemoryTableInfo, freeMemInfoEntry>>(listed),
+    on<table<getCpuTableInfo, freeCpuInfoEntry>>(listed),
+    on<table<pwms, freeBmcSensorEntry>>(listed),
+    on<table<getTempTableInfo, freeBmcSensorEntry>>(listed),
+    on<table<getFanTableInfo, freeBmcSensorEntry>>(listed),
+    on<table<getVoltageTableInfo, freeBmcSensorEntry>>(listed),
+    on<table<getCurrentTableInfo, freeBmcSensorEntry>>(listed),
+    on<table<getPowerTableInfo, freeBmcSensorEntry>>(listed),
+    on<table<getPwmTableInfo, freeBmcSensorEntry>>(listed),
+    on<table<getNetworkTableInfo, freeBmcNetworkInfoEntry>>(interfaces),
+    on<table<getNetPortTableInfo, free_port_entry_content>>(ports),
+    on<set<setLldpEnalbed, nic, port, 1>>(writing),
+    on<table<getHddTableInfo, freeHddInfoEntry>>(listed),
+    on<table<getRaidControllerInfo, freeRaidControllerEntry>>(local),
+    on<table<getRaidHddTableInfo, free_raid_hdd_entry>>(local),
 };
 
 } // namespace

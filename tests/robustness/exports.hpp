@@ -16,13 +16,11 @@ struct Effect
 };
 
 /**
- * An export with arguments that the default server knows. Results of faults
- * stand in words, one per call on the bus; the last one counts for all others.
+ * What faults of single calls on the bus lead to: words, one per call; the
+ * last one counts for all others.
  */
-struct Export
+struct Results
 {
-    const char* name;
-    Effect (*call)();
     /** When a call is answered with an error or not at all. */
     const char* failed;
     /** When a call is answered with something else. */
@@ -31,6 +29,17 @@ struct Export
     const char* unread = "untouched";
     /** Whether some of what fails is left out, with 0. */
     bool skips = false;
+};
+
+/** An export with arguments that the default server knows. */
+struct Export
+{
+    /** The name stands in it. */
+    const char* name;
+    Effect (*call)();
+    Results results;
+    /** The outputs without a fault; null where another test checks them. */
+    const char* usual;
 };
 
 /** All exports but those that only release memory. */

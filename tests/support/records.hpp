@@ -8,8 +8,11 @@
 
 #include <cstdint>
 #include <cstdlib>
+#include <new>
 #include <stdexcept>
 #include <string>
+#include <tuple>
+#include <variant>
 #include <vector>
 
 namespace morvath::tests
@@ -52,35 +55,38 @@ inline std::string textOf(int64_t number)
     return std::to_string(number);
 }
 
+#define FIELDS_OF(Record, ...)          \
+    inline auto fieldsOf(Record& entry) \
+    {                                   \
+        auto& [__VA_ARGS__] = entry;    \
+        return std::tie(__VA_ARGS__);   \
+    }
+FIELDS_OF(PsuInfoEntry, a, b, c, d, e, f, g, h, i)
+FIELDS_OF(PcieInfoEntry, a, b, c, d, e, f, g)
+FIELDS_OF(NetAdapterInfoEntry, a, b, c, d, e, f, g, h, i)
+FIELDS_OF(GpuInfoEntry, a, b, c, d, e, f, g, h, i, j, k)
+FIELDS_OF(MemInfoEntry, a, b, c, d, e, f, g, h, i, j, k, l, m, n, o, p)
+FIELDS_OF(CpuInfoEntry, a, b, c, d, e, f, g, h, i, j, k, l, m, n, o, p, q, r)
+FIELDS_OF(BmcSensorEntry, a, b, c, d, e, f, g, h, i, j, k, l, m, n, o, p)
+FIELDS_OF(BmcNetworkInfoEntry, a, b, c, d, e, f, g, h, i, j, k)
+FIELDS_OF(PortInfoEntry, a, b, c, d, e, f, g, h, i, j, k, l)
+FIELDS_OF(HddInfoEntry, a, b, c, d, e, f, g, h, i, j, k, l, m, n, o)
+FIELDS_OF(RaidControllerEntry, a, b, c, d, e, f, g, h, i, j, k, l, m, n, o, p,
+          q, r, s, t)
+FIELDS_OF(RaidHddEntry, a, b, c, d, e, f, g)
+#undef FIELDS_OF
+
 /** All fields of a record, in their order. */
-template <typename... Field>
-std::string describe(const Field&... fields)
+template <typename Record>
+std::string lineOf(Record entry)
 {
     std::string line;
-    ((line += (line.empty() ? "" : "|") + textOf(fields)), ...);
+    const auto add = [&line](const auto&... fields) {
+        ((line += (line.empty() ? "" : "|") + textOf(fields)), ...);
+    };
+    std::apply(add, fieldsOf(entry));
     return line;
 }
-
-#define LINE_OF(Record, ...)                       \
-    inline std::string lineOf(const Record& entry) \
-    {                                              \
-        const auto& [__VA_ARGS__] = entry;         \
-        return describe(__VA_ARGS__);              \
-    }
-LINE_OF(PsuInfoEntry, a, b, c, d, e, f, g, h, i)
-LINE_OF(PcieInfoEntry, a, b, c, d, e, f, g)
-LINE_OF(NetAdapterInfoEntry, a, b, c, d, e, f, g, h, i)
-LINE_OF(GpuInfoEntry, a, b, c, d, e, f, g, h, i, j, k)
-LINE_OF(MemInfoEntry, a, b, c, d, e, f, g, h, i, j, k, l, m, n, o, p)
-LINE_OF(CpuInfoEntry, a, b, c, d, e, f, g, h, i, j, k, l, m, n, o, p, q, r)
-LINE_OF(BmcSensorEntry, a, b, c, d, e, f, g, h, i, j, k, l, m, n, o, p)
-LINE_OF(BmcNetworkInfoEntry, a, b, c, d, e, f, g, h, i, j, k)
-LINE_OF(PortInfoEntry, a, b, c, d, e, f, g, h, i, j, k, l)
-LINE_OF(HddInfoEntry, a, b, c, d, e, f, g, h, i, j, k, l, m, n, o)
-LINE_OF(RaidControllerEntry, a, b, c, d, e, f, g, h, i, j, k, l, m, n, o, p, q,
-        r, s, t)
-LINE_OF(RaidHddEntry, a, b, c, d, e, f, g)
-#undef LINE_OF
 
 /** The code, or what was raised. */
 template <typename Call>
@@ -92,7 +98,15 @@ std::string outcomeOf(const Call& call)
     }
     catch (const sdbusplus::exception::SdBusError&)
     {
-        return "bus error";
+        return "bus-error";
+    }
+    catch (const std::bad_alloc&)
+    {
+        return "no-memory";
+    }
+    catch (const std::bad_variant_access&)
+    {
+        return "another-type";
     }
     catch (const std::invalid_argument& error)
     {
@@ -114,9 +128,9 @@ constexpr auto nullText = "basic_string: construction from null is not valid";
 using Lines = std::vector<std::string>;
 
 template <typename Table>
-Lines linesOf()
+Lines linesOf(int32_t countBefore = 0)
 {
-    Table table;
+    Table table{nullptr, countBefore};
     Lines lines{outcomeOf([&] { return table.read(); })};
     for (int32_t index = 0; table.records && index < table.count; ++index)
     {

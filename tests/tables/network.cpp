@@ -91,7 +91,7 @@ TEST(NetworkInterfaces, ShowTheFirstAddress)
          "invalid argument: stoi", "10.0.0.1|null|null|1|1"},
         {"gone between listing and reading",
          oneAddress({}).fault({{"path", eth0 + "/b"}}, {{"vanished", true}}),
-         "bus error", "null|null|null|0|1"},
+         "bus-error", "null|null|null|0|1"},
         {"no state", interface({{"NICEnabled", nullptr}}), nullText,
          "null|null|null|0|0"},
     };

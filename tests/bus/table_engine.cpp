@@ -233,36 +233,23 @@ TEST(TableEngine, WritesNothingWhenThereIsNoList)
 TEST(TableEngine, KeepsTheRowsBeforeAnObjectThatFails)
 {
     const Json third{{"member", "GetAll"}, {"call", 3}};
-    struct
-    {
-        Json when;
-        Json then;
-        std::string error;
-    } const cases[]{
-        {third,
-         {{"error", "com.example.Refused"}, {"message", "not now"}},
+    const std::pair<Json, std::string> cases[]{
+        {{{"error", "com.example.Refused"}, {"message", "not now"}},
          "sd_bus_call: com.example.Refused: not now"},
-        {{{"path", "/items/item2"}},
-         {{"vanished", true}},
-         "sd_bus_call: org.freedesktop.DBus.Error.UnknownObject: "},
-        {third,
-         {{"die", true}},
-         "sd_bus_call: org.freedesktop.DBus.Error.NoReply: "},
-        {third,
-         {{"reply", property("a{ss}", {{"A", "a"}})}},
+        {{{"reply", property("a{ss}", {{"A", "a"}})}},
          "sd_bus_message_enter_container: "},
     };
-    for (const auto& one : cases)
+    for (const auto& [fault, expected] : cases)
     {
         sim::Platform platform(items({{{"A", text("0")}},
                                       {{"A", text("1")}},
                                       {{"A", text("2")}},
                                       {{"A", text("3")}}})
-                                   .fault(one.when, one.then)
+                                   .fault(third, fault)
                                    .scenario());
         Rows rows{{"A"}};
         const auto error = busErrorOf([&] { rows.read(); });
-        EXPECT_EQ(error.substr(0, one.error.size()), one.error);
+        EXPECT_TRUE(error.starts_with(expected)) << error;
         EXPECT_EQ(rows.cells(), (Cells{{"0"}, {"1"}}));
     }
 }

@@ -1,35 +1,13 @@
 #include "client.hpp"
 
-#include <stdexcept>
-
 namespace morvath::tests
 {
-
-Json Reply::shown() const
+namespace
 {
-    if (!error.empty())
-    {
-        return error;
-    }
-    return values.empty() ? Json() : sim::toJson(values.front());
-}
 
-std::vector<std::string> Reply::names() const
-{
-    std::vector<std::string> result;
-    for (const Value& entry : values.at(0).members())
-    {
-        result.push_back(*entry.members().at(0).text());
-    }
-    return result;
-}
+constexpr auto properties = "org.freedesktop.DBus.Properties";
 
-Client::Client()
-{
-    sd_bus* bus = nullptr;
-    sim::check(sd_bus_open(&bus), "sd_bus_open");
-    bus_.reset(bus);
-}
+} // namespace
 
 Reply Client::call(const std::string& service, const std::string& path,
                    const std::string& interface, const std::string& member,
@@ -49,25 +27,23 @@ Reply Client::call(const std::string& service, const std::string& path,
     sd_bus_message* answer = nullptr;
     if (sd_bus_call(bus(), raw, patience, &error, &answer) < 0)
     {
-        Reply reply{
-            error.name, error.message == nullptr ? "" : error.message, {}};
+        Reply reply{error.name, error.message ? error.message : "", error.name};
         sd_bus_error_free(&error);
         return reply;
     }
     const sim::Message owned(answer);
-    return {"", "", sim::readValues(answer)};
+    const auto values = sim::readValues(answer);
+    return {"", "", values.empty() ? Json() : sim::toJson(values.front())};
 }
 
 Reply Client::get(const std::string& service, const std::string& path,
                   const std::string& interface, const std::string& name)
 {
-    Reply reply = call(service, path, "org.freedesktop.DBus.Properties", "Get",
-                       {text(interface), text(name)});
+    Reply reply =
+        call(service, path, properties, "Get", {text(interface), text(name)});
     if (reply.error.empty())
     {
-        // Only the content of the variant is of interest.
-        Value content = reply.values.at(0).members().at(0);
-        reply.values = {std::move(content)};
+        reply.value = Json(reply.value.at("value"));
     }
     return reply;
 }
@@ -75,15 +51,14 @@ Reply Client::get(const std::string& service, const std::string& path,
 Reply Client::getAll(const std::string& service, const std::string& path,
                      const std::string& interface)
 {
-    return call(service, path, "org.freedesktop.DBus.Properties", "GetAll",
-                {text(interface)});
+    return call(service, path, properties, "GetAll", {text(interface)});
 }
 
 Reply Client::set(const std::string& service, const std::string& path,
                   const std::string& interface, const std::string& name,
                   const Value& value)
 {
-    return call(service, path, "org.freedesktop.DBus.Properties", "Set",
+    return call(service, path, properties, "Set",
                 {text(interface), text(name), {"v", Value::Members{value}}});
 }
 
@@ -98,11 +73,6 @@ Reply Client::mapper(const std::string& member,
 Value text(const std::string& text)
 {
     return {"s", text};
-}
-
-Value number(std::int32_t number)
-{
-    return {"i", number};
 }
 
 Value texts(const std::vector<std::string>& texts)

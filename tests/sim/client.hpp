@@ -18,13 +18,8 @@ struct Reply
     /** The error's name and text; empty after success. */
     std::string error;
     std::string message;
-    std::vector<Value> values;
-
-    /** The first value, or the error's name. */
-    Json shown() const;
-
-    /** The names in a dictionary, in the order of the reply. */
-    std::vector<std::string> names() const;
+    /** The first value; the content of a variant, or the error's name. */
+    Json value;
 };
 
 constexpr std::uint64_t patience = 20'000'000;
@@ -33,8 +28,6 @@ constexpr std::uint64_t patience = 20'000'000;
 class Client
 {
   public:
-    Client();
-
     Reply call(const std::string& service, const std::string& path,
                const std::string& interface, const std::string& member,
                const std::vector<Value>& arguments = {});
@@ -55,11 +48,10 @@ class Client
     }
 
   private:
-    sim::Bus bus_;
+    const sim::Bus bus_ = sim::openBus("");
 };
 
 Value text(const std::string& text);
-Value number(std::int32_t number);
 Value texts(const std::vector<std::string>& texts);
 
 } // namespace morvath::tests

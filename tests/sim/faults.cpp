@@ -5,7 +5,7 @@
 
 #include <chrono>
 #include <string>
-#include <vector>
+#include <utility>
 
 namespace morvath::tests
 {
@@ -29,72 +29,54 @@ sim::Scenario withFaults(const std::string& faults)
                                 "faults");
 }
 
-using Clock = std::chrono::steady_clock;
-
 } // namespace
 
 /** What Get P, Get Q and GetAll of x.I on /a and Get P on /b answer. */
 TEST(Faults, ReachExactlyTheCallsTheyDescribe)
 {
-    struct Case
-    {
-        std::string faults;
-        std::vector<std::string> answers;
-    };
-    const std::string all = R"({"P":{"type":"s","value":"one"},)"
-                            R"("Q":{"type":"i","value":2}})";
-    const std::string onlyQ = R"({"Q":{"type":"i","value":2}})";
-    const std::string gone = "\"org.freedesktop.DBus.Error.UnknownObject\"";
-    const std::string unknown =
-        "\"org.freedesktop.DBus.Error.UnknownProperty\"";
-    const std::vector<Case> cases{
+    const Json two{{"type", "i"}, {"value", 2}};
+    const Json onlyQ{{"Q", two}};
+    const Json all{{"P", {{"type", "s"}, {"value", "one"}}}, {"Q", two}};
+    const std::string gone = "org.freedesktop.DBus.Error.UnknownObject";
+    const std::string unknown = "org.freedesktop.DBus.Error.UnknownProperty";
+    const std::pair<std::string, Json> cases[]{
         {R"({"when": {"property": "P"}, "then": {"error": "x.E"}})",
-         {"\"x.E\"", "2", "\"x.E\"", "\"x.E\""}},
+         {"x.E", 2, "x.E", "x.E"}},
         {R"({"when": {"path": "/a", "property": "Q", "member": "GetAll"},
              "then": {"error": "x.E"}})",
-         {"\"one\"", "2", "\"x.E\"", "\"b\""}},
+         {"one", 2, "x.E", "b"}},
         {R"({"when": {"property": "H"}, "then": {"error": "x.E"}})",
-         {"\"one\"", "2", all, "\"b\""}},
+         {"one", 2, all, "b"}},
         {R"({"when": {"interface": "x.J", "property": "P"},
              "then": {"error": "x.E"}})",
-         {"\"one\"", "2", all, "\"b\""}},
+         {"one", 2, all, "b"}},
         {R"({"when": {"interface": "org.freedesktop.DBus.Properties",
                       "property": "Q"}, "then": {"error": "x.E"}})",
-         {"\"one\"", "\"x.E\"", "\"x.E\"", "\"b\""}},
+         {"one", "x.E", "x.E", "b"}},
         {R"({"when": {"path": "/a", "call": 2}, "then": {"error": "x.E"}})",
-         {"\"one\"", "\"x.E\"", all, "\"b\""}},
+         {"one", "x.E", all, "b"}},
         {R"({"when": {"path": "/a"}, "then": {"error": "x.First"}},
             {"when": {}, "then": {"error": "x.Second"}})",
-         {"\"x.First\"", "\"x.First\"", "\"x.First\"", "\"x.Second\""}},
+         {"x.First", "x.First", "x.First", "x.Second"}},
         {R"({"when": {"path": "/a", "property": "P"},
              "then": {"missing": true}})",
-         {unknown, "2", onlyQ, "\"b\""}},
+         {unknown, 2, onlyQ, "b"}},
         {R"({"when": {"path": "/a"}, "then": {"vanished": true}})",
-         {gone, gone, gone, "\"b\""}},
+         {gone, gone, gone, "b"}},
         {R"({"when": {"path": "/b"}, "then":
              {"reply": {"type": "v", "value": {"type": "u", "value": 9}}}})",
-         {"\"one\"", "2", all, "9"}},
+         {"one", 2, all, 9}},
     };
-    for (const Case& c : cases)
+    for (const auto& [faults, expected] : cases)
     {
-        const sim::Platform platform(withFaults(c.faults));
+        const sim::Platform platform(withFaults(faults));
         Client client;
-        const std::vector<std::string> answers{
-            client.get("x.S", "/a", "x.I", "P").shown().dump(),
-            client.get("x.S", "/a", "x.I", "Q").shown().dump(),
-            client.getAll("x.S", "/a", "x.I").shown().dump(),
-            client.get("x.S", "/b", "x.I", "P").shown().dump()};
-        EXPECT_EQ(answers, c.answers) << c.faults;
+        const Json answers{client.get("x.S", "/a", "x.I", "P").value,
+                           client.get("x.S", "/a", "x.I", "Q").value,
+                           client.getAll("x.S", "/a", "x.I").value,
+                           client.get("x.S", "/b", "x.I", "P").value};
+        EXPECT_EQ(answers, expected) << faults;
     }
-}
-
-TEST(Faults, ErrorCarriesItsText)
-{
-    const sim::Platform platform(withFaults(
-        R"({"when": {}, "then": {"error": "x.E", "message": "no, thanks"}})"));
-    Client client;
-    EXPECT_EQ(client.getAll("x.S", "/a", "").message, "no, thanks");
-    EXPECT_EQ(client.mapper("GetObject", {text("/a"), texts({})}).error, "x.E");
 }
 
 TEST(Faults, DelayedCallIsAnsweredLate)
@@ -104,20 +86,18 @@ TEST(Faults, DelayedCallIsAnsweredLate)
            {"when": {"path": "/a", "property": "P"},
             "then": {"missing": true}})"));
     Client client;
-    const auto start = Clock::now();
-    EXPECT_EQ(client.get("x.S", "/a", "x.I", "Q").shown(), 2);
-    EXPECT_GE(Clock::now() - start, std::chrono::milliseconds(60));
-    EXPECT_EQ(client.get("x.S", "/a", "x.I", "P").shown(),
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(client.get("x.S", "/a", "x.I", "Q").value, 2);
+    EXPECT_GE(std::chrono::steady_clock::now() - start,
+              std::chrono::milliseconds(60));
+    EXPECT_EQ(client.get("x.S", "/a", "x.I", "P").value,
               "org.freedesktop.DBus.Error.UnknownProperty");
 }
 
-TEST(Platform, NamesAreFreeForTheNextOne)
+TEST(Platform, HasItsNamesAlone)
 {
-    for (int round = 0; round < 20; round++)
-    {
-        const sim::Platform platform(withFaults(""));
-        EXPECT_THROW(sim::Platform(withFaults("")), std::system_error);
-    }
+    const sim::Platform platform(withFaults(""));
+    EXPECT_THROW(sim::Platform(withFaults("")), std::system_error);
 }
 
 } // namespace morvath::tests

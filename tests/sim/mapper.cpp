@@ -47,15 +47,22 @@ class Mapper : public testing::Test
     {
         return client
             .mapper("GetSubTreePaths",
-                    {text(root), number(depth), texts(interfaces)})
-            .shown();
+                    {text(root), {"i", depth}, texts(interfaces)})
+            .value;
     }
 
+    /** Their names, or the error's. */
     Json owners(const std::string& path,
                 const std::vector<std::string>& interfaces)
     {
-        return client.mapper("GetObject", {text(path), texts(interfaces)})
-            .shown();
+        const auto reply =
+            client.mapper("GetObject", {text(path), texts(interfaces)});
+        Json names;
+        for (const auto& [name, interfacesOfOwner] : reply.value.items())
+        {
+            names.push_back(name);
+        }
+        return reply.error.empty() ? names : reply.value;
     }
 
     const sim::Platform platform{sim::Scenario::parse(machine, "machine")};
@@ -97,7 +104,7 @@ TEST_F(Mapper, SubTreeFollowsRootDepthAndInterfaces)
             << c.root << " " << c.depth;
     }
     const Reply unknown =
-        client.mapper("GetSubTree", {text("/no"), number(0), texts({})});
+        client.mapper("GetSubTree", {text("/no"), {"i", 0}, texts({})});
     EXPECT_EQ(unknown.error, notFound);
     EXPECT_EQ(unknown.message, "The resource is not found.");
 }
@@ -105,8 +112,8 @@ TEST_F(Mapper, SubTreeFollowsRootDepthAndInterfaces)
 TEST_F(Mapper, SubTreeListsWantedOwnersWithAllInterfaces)
 {
     const Reply reply = client.mapper(
-        "GetSubTree", {text("/m/"), number(1), texts({"x.Two", "x.Upper"})});
-    EXPECT_EQ(reply.shown().dump(),
+        "GetSubTree", {text("/m/"), {"i", 1}, texts({"x.Two", "x.Upper"})});
+    EXPECT_EQ(reply.value.dump(),
               R"({"/m/b":{"x.first":["org.freedesktop.DBus.Introspectable",)"
               R"("org.freedesktop.DBus.Peer",)"
               R"("org.freedesktop.DBus.Properties","x.One","x.Two"]}})");
@@ -114,12 +121,9 @@ TEST_F(Mapper, SubTreeListsWantedOwnersWithAllInterfaces)
 
 TEST_F(Mapper, ObjectHasItsOwnersInByteOrder)
 {
-    EXPECT_EQ(
-        client.mapper("GetObject", {text("/m/b"), texts({"x.One"})}).names(),
-        (std::vector<std::string>{"x.first", "x.second"}));
-    EXPECT_EQ(client.mapper("GetObject", {text("/m"), texts({})}).names(),
-              (std::vector<std::string>{"x.Upper", "x.first", "x.second",
-                                        "xyz.openbmc_project.ObjectMapper"}));
+    EXPECT_EQ(owners("/m/b", {"x.One"}), (Json{"x.first", "x.second"}));
+    EXPECT_EQ(owners("/m", {}), (Json{"x.Upper", "x.first", "x.second",
+                                      "xyz.openbmc_project.ObjectMapper"}));
     EXPECT_EQ(owners("/m/b", {"x.Nobody"}), notFound);
     EXPECT_EQ(owners("/m/b/", {}), notFound);
     EXPECT_EQ(owners("/none", {}), notFound);
@@ -128,15 +132,11 @@ TEST_F(Mapper, ObjectHasItsOwnersInByteOrder)
 TEST_F(Mapper, AssociationsAreObjectsOfTheMapper)
 {
     const std::string association = "xyz.openbmc_project.Association";
+    const std::string mapper = "xyz.openbmc_project.ObjectMapper";
     EXPECT_EQ(paths("/", 0, {association}), (Json{"/m/b/down", "/p/q/r/up"}));
-    EXPECT_EQ(client
-                  .get("xyz.openbmc_project.ObjectMapper", "/p/q/r/up",
-                       association, "endpoints")
-                  .shown(),
+    EXPECT_EQ(client.get(mapper, "/p/q/r/up", association, "endpoints").value,
               Json{"/m/b"});
-    EXPECT_EQ(client.mapper("GetObject", {text("/p/q/r"), texts({})}).names(),
-              (std::vector<std::string>{"x.Upper",
-                                        "xyz.openbmc_project.ObjectMapper"}));
+    EXPECT_EQ(owners("/p/q/r", {}), (Json{"x.Upper", mapper}));
 }
 
 TEST_F(Mapper, DeadServiceTakesItsEntriesAlong)

@@ -11,6 +11,7 @@
 namespace morvath::tests
 {
 
+using sim::Json;
 using sim::Scenario;
 using sim::ScenarioError;
 
@@ -30,24 +31,23 @@ std::string errorOf(const std::string& json)
     return "";
 }
 
-/** A scenario whose only object has one property. */
-std::string withProperty(const std::string& property)
+/** A text with another in place of its '@'. */
+std::string in(const std::string& frame, const std::string& part)
 {
-    return R"({"format": 1, "objects": [{"path": "/a", "services": [
-        {"name": "x.y", "interfaces": {"x.I": {"P": )" +
-           property + "}}}]}]}";
+    const auto place = frame.find('@');
+    return frame.substr(0, place) + part + frame.substr(place + 1);
 }
 
-std::string withObject(const std::string& object)
-{
-    return R"({"format": 1, "objects": [)" + object + "]}";
-}
-
-std::string withFault(const std::string& when, const std::string& then)
-{
-    return R"({"format": 1, "faults": [{"when": )" + when + R"(, "then": )" +
-           then + "}]}";
-}
+const std::string object = R"({"format": 1, "objects": [@]})";
+const std::string property = in(object, R"({"path": "/a", "services": [
+        {"name": "x.y", "interfaces": {"x.I": {"P": @}}}]})");
+const std::string fault = R"({"format": 1, "faults": [@]})";
+const std::string raid = R"({"format": 1, "raid": @})";
+const std::string controller =
+    in(raid, R"({"controllers": [{"raid_id": 1, @}]})");
+const std::string configuration = in(raid, R"({"configuration": [@]})");
+const std::string board = R"({"device": "0x0000", "subvendor": "0x0000",
+    "subdevice": "0x0000", "vendor": @})";
 
 /** A folder that goes with its contents. */
 class Folder
@@ -99,43 +99,43 @@ TEST(Scenario, BadInputIsRefusedWithItsPlace)
          "file: /behaviours/1: there is no behaviour \"magic\""},
         {R"({"format": 1, "extends": "none.json"})",
          "file: /extends: there is no file none.json"},
-        {withObject(R"({"path": "/a/", "services": []})"),
+        {in(object, R"({"path": "/a/", "services": []})"),
          place + "/path: \"/a/\" is not an object path"},
-        {withObject(R"({"path": "/a", "services": []})"),
+        {in(object, R"({"path": "/a", "services": []})"),
          place + "/services: an object needs a service"},
-        {withObject(R"({"path": "/a", "remove": true})"),
+        {in(object, R"({"path": "/a", "remove": true})"),
          place + ": there is no such object to remove"},
-        {withObject(R"({"path": "/a", "services": [)" + owner +
-                    R"(]}, {"path": "/a", "services": [)" + owner + "]}"),
+        {in(object, R"({"path": "/a", "services": [)" + owner +
+                        R"(]}, {"path": "/a", "services": [)" + owner + "]}"),
          "file: /objects/1: the object \"/a\" stands here twice"},
-        {withObject(R"({"path": "/a", "services": [{"name": ":1.7",
+        {in(object, R"({"path": "/a", "services": [{"name": ":1.7",
                        "interfaces": {}}]})"),
          place + "/services/0/name: \":1.7\" is not a name to ask the bus "
                  "for"},
-        {withObject(R"({"path": "/a", "services": [{"name":
+        {in(object, R"({"path": "/a", "services": [{"name":
                        "xyz.openbmc_project.ObjectMapper",
                        "interfaces": {}}]})"),
          "file: /: the object mapper's name is taken by a service"},
-        {withProperty(R"({"type": "a{vs}", "value": {}})"),
+        {in(property, R"({"type": "a{vs}", "value": {}})"),
          place + "/services/0/interfaces/x.I/P/type: \"a{vs}\" is not one "
                  "complete D-Bus type"},
-        {withProperty(R"({"type": "t", "value": -1})"),
+        {in(property, R"({"type": "t", "value": -1})"),
          valuePlace + "must be a whole number from 0 to "
                       "18446744073709551615 (type t)"},
-        {withProperty(R"({"type": "u", "value": 1.5})"),
+        {in(property, R"({"type": "u", "value": 1.5})"),
          valuePlace + "must be a whole number from 0 to 4294967295 (type u)"},
-        {withProperty(R"({"type": "d", "value": "NaN"})"),
+        {in(property, R"({"type": "d", "value": "NaN"})"),
          valuePlace + R"(must be a number, "nan", "inf" or "-inf" (type d))"},
-        {withProperty(R"({"type": "s", "value": "a\u0000b"})"),
+        {in(property, R"({"type": "s", "value": "a\u0000b"})"),
          valuePlace + "the bus carries no text with a zero character"},
-        {withProperty(R"json({"type": "(so)", "value": ["a"]})json"),
+        {in(property, R"json({"type": "(so)", "value": ["a"]})json"),
          valuePlace + "has too few fields for (so)"},
-        {withProperty(R"json({"type": "a(so)", "value": [["a", "b"]]})json"),
+        {in(property, R"json({"type": "a(so)", "value": [["a", "b"]]})json"),
          place + "/services/0/interfaces/x.I/P/value/0/1: \"b\" is no object "
                  "path"},
-        {withFault(R"({"path": "/a"})", R"({"missing": true})"),
+        {in(fault, R"({"when": {"path": "/a"}, "then": {"missing": true}})"),
          "file: /faults/0/when: \"property\" is needed for this fault"},
-        {withFault("{}", R"({"error": "plain"})"),
+        {in(fault, R"({"when": {}, "then": {"error": "plain"}})"),
          "file: /faults/0/then/error: \"plain\" is not an interface name"},
     };
     for (const auto& [json, message] : cases)
@@ -177,6 +177,79 @@ TEST(Scenario, ExtendingInACircleIsRefused)
     const auto two =
         folder.write("two.json", R"({"format": 1, "extends": "one.json"})");
     EXPECT_THROW(Scenario::load(two), ScenarioError);
+}
+
+TEST(RaidSection, BadInputIsRefusedWithItsPlace)
+{
+    const auto members = [](std::size_t count) {
+        return R"("logical": [{"id": 0, "members": )" +
+               Json(std::vector<int>(count)).dump() + "}]";
+    };
+    const auto usual = in(board, R"("0x0000", "outputs": ["", "", "", ""])");
+    const std::string place = "file: /raid/controllers/0/";
+    const std::string drive = place + "physical/0/";
+    const std::vector<std::pair<std::string, std::string>> cases{
+        {in(raid, R"({"manager": true})"),
+         "file: /raid/manager: the key is unknown "
+         "here"},
+        {in(raid, R"({"controllers": [{}]})"),
+         "file: /raid/controllers/0: \"raid_id\" is missing"},
+        {in(raid, R"({"controllers": [{"raid_id": 2}, {"raid_id": 2}]})"),
+         "file: /raid/controllers/1/raid_id: the id stands here twice"},
+        {in(controller, R"("name": ")" + std::string(81, 'n') + '"'),
+         place + "name: must have at most 80 bytes"},
+        {in(controller, R"("pci_vendor": -1)"),
+         place + "pci_vendor: must be a whole number from 0 to 65535"},
+        {in(controller, R"("raw": {"99999999999999999999": ""})"),
+         place + "raw/99999999999999999999: must be at an offset from 0 "
+                 "to 398"},
+        {in(controller, R"("raw": {"397": "000102"})"),
+         place + "raw/397: must have two digits for each byte, up to the "
+                 "end of the record"},
+        {in(controller, R"("raw": {"0": "0g"})"),
+         place + "raw/0: must consist of hexadecimal digits"},
+        {in(controller, R"("physical": [{"device_id": 1,
+            "blocks": 18446744073709551616}])"),
+         drive + "blocks: must be a whole number from 0 to "
+                 "18446744073709551615"},
+        {in(controller, members(255)), ""},
+        {in(controller, members(256)),
+         place + "logical/0/members/255: is one member "
+                 "too many for a logical drive"},
+        {in(configuration, in(board, R"("0xABCD", "outputs": [])")),
+         "file: /raid/configuration/0/vendor: must be 0x and four lower-case "
+         "hexadecimal digits"},
+        {in(configuration, in(board, R"("0x0000", "outputs": ["", ""])")),
+         "file: /raid/configuration/0/outputs: must have four texts"},
+        {in(configuration, usual + ',' + usual),
+         "file: /raid/configuration/1: the identifiers stand here twice"},
+        {in(raid, R"({"texts": {"speed": {"256": ""}}})"),
+         "file: /raid/texts/speed/256: must be the text of a code from 0 to "
+         "255"},
+        {in(raid,
+            R"({"faults": [{"operation": "getDriveSpeed", "result": 1}]})"),
+         "file: /raid/faults/0/operation: \"getDriveSpeed\" is no operation "
+         "with a result"},
+        {in(raid, R"({"faults": [{"operation": "getRaidConf"}]})"),
+         "file: /raid/faults/0: \"result\" is missing"},
+    };
+    for (const auto& [section, message] : cases)
+    {
+        EXPECT_EQ(errorOf(section), message) << section;
+    }
+}
+
+TEST(RaidSection, IsInheritedOrReplacedAsAWhole)
+{
+    const Json standard = Scenario::standard().raid();
+    EXPECT_EQ(standard["controllers"][0]["physical"].size(), 8U);
+    const auto raidOf = [](const std::string& members) {
+        return Scenario::parse(R"({"format": 1)" + members + "}", "test")
+            .raid();
+    };
+    EXPECT_EQ(raidOf(""), Json({{"manager_present", false}}));
+    EXPECT_EQ(raidOf(R"(, "extends": "default")"), standard);
+    EXPECT_EQ(raidOf(R"(, "extends": "default", "raid": {})"), Json::object());
 }
 
 } // namespace morvath::tests

@@ -174,5 +174,17 @@ TEST(SyncMethod, IsACode)
                   {});
 }
 
+TEST(LastStr, IsWhatFollowsTheLastDot)
+{
+    const std::pair<const char*, const char*> cases[]{
+        {"", "Unknown"}, {"word", "Unknown"}, {"a.b.Word", "Word"},
+        {"a.", ""},      {".a", "a"},
+    };
+    for (const auto& [text, expected] : cases)
+    {
+        EXPECT_EQ(getLastStr(text), expected) << text;
+    }
+}
+
 } // namespace
 } // namespace morvath::tests

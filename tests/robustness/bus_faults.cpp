@@ -119,6 +119,20 @@ TEST_F(BusFaults, OfOneCallHaveKnownResultsAndPass)
     forEachCall({{{"die", true}}, &Results::failed, true}, mistakeOf);
 }
 
+TEST(Platform, WithoutObjectsIsTold)
+{
+    const RaidLibrary raid(noManager);
+    const sim::Platform platform(Machine().scenario());
+    for (const auto& one : allExports())
+    {
+        const auto effect = one.call();
+        EXPECT_EQ(effect.result, one.results.absent) << one.name;
+        EXPECT_TRUE(effect.result != "-1" ||
+                    effect.outputs == one.results.unread)
+            << one.name;
+    }
+}
+
 /** How long a call waits for its answer; as before when it goes. */
 class TimeOut
 {

@@ -210,12 +210,15 @@ Effect lastPart()
 }
 
 // What becomes of a call, by the kind of function.
-constexpr Results local{"", ""};
+constexpr Results local{"", "", untouched, false, "0"};
 constexpr Results single{"-1", "-1"};
 constexpr Results choice{"-1", "-1", "0"};
 constexpr Results listed{"-1 bus-error", "-1 bus-error"};
+// What is looked for everywhere, and not found.
+constexpr Results anywhere{"-1 bus-error", "-1 bus-error", untouched, false,
+                           "0"};
 constexpr Results writing{"-1", "0"};
-constexpr Results writingAll{"0 -1", "0"};
+constexpr Results writingAll{"0 -1", "0", untouched, false, "0"};
 // Two interfaces, then for each its list of addresses and those addresses.
 constexpr auto addressFaults = "-1 bus-error bus-error "
                                "0 bus-error bus-error 0 bus-error";
@@ -332,11 +335,11 @@ constexpr Export exports[]{
     on<text<getBMCDeviceUUID>>(local),
 
     on<table<getPsuTableInfo, freePsuInfoEntry>>(listed),
-    on<table<getPcieTableInfo, freePcieInfoEntry>>(listed),
+    on<table<getPcieTableInfo, freePcieInfoEntry>>(anywhere),
     on<table<getNetAdapterTableInfo, free_adapter_entry_content>>(listed),
     on<table<getGpuInfoEntry, freeGpuInfoEntry>>(listed),
-    on<table<getMemoryTableInfo, freeMemInfoEntry>>(listed),
-    on<table<getCpuTableInfo, freeCpuInfoEntry>>(listed),
+    on<table<getMemoryTableInfo, freeMemInfoEntry>>(anywhere),
+    on<table<getCpuTableInfo, freeCpuInfoEntry>>(anywhere),
     on<table<pwms, freeBmcSensorEntry>>(listed),
     on<table<getTempTableInfo, freeBmcSensorEntry>>(listed),
     on<table<getFanTableInfo, freeBmcSensorEntry>>(listed),
@@ -347,7 +350,7 @@ constexpr Export exports[]{
     on<table<getNetworkTableInfo, freeBmcNetworkInfoEntry>>(interfaces),
     on<table<getNetPortTableInfo, free_port_entry_content>>(ports),
     on<set<setLldpEnalbed, nic, port, 1>>(writing),
-    on<table<getHddTableInfo, freeHddInfoEntry>>(listed),
+    on<table<getHddTableInfo, freeHddInfoEntry>>(anywhere),
     on<table<getRaidControllerInfo, freeRaidControllerEntry>>(local),
     on<table<getRaidHddTableInfo, free_raid_hdd_entry>>(local),
 };

@@ -29,6 +29,8 @@ struct Results
     const char* unread = "untouched";
     /** Whether some of what fails is left out, with 0. */
     bool skips = false;
+    /** The result on a platform without objects. */
+    const char* absent = "-1";
 };
 
 /** An export with arguments that the default server knows. */

@@ -1,4 +1,5 @@
 #include "robustness/small_server.hpp"
+#include "sim/daemon.hpp"
 #include "sim/descriptor.hpp"
 #include "support/program.hpp"
 
@@ -9,9 +10,6 @@
 #include <sys/un.h>
 
 #include <cstddef>
-#include <cstdio>
-#include <cstring>
-#include <memory>
 #include <string>
 #include <thread>
 
@@ -99,43 +97,16 @@ TEST(Process, KeepsItsConnectionThroughTheForkOfAnother)
     EXPECT_EQ(forked.errors, "");
 }
 
-/** A bus of its own; killed at the latest when it is destroyed. */
-class Bus
-{
-  public:
-    Bus()
-    {
-        const std::unique_ptr<std::FILE, decltype(&pclose)> started(
-            popen("dbus-daemon --session --fork --print-address=1 "
-                  "--print-pid=1",
-                  "r"),
-            pclose);
-        char line[256];
-        if (std::fgets(line, sizeof(line), started.get()))
-        {
-            address.assign(line, std::strcspn(line, "\n"));
-        }
-        if (std::fgets(line, sizeof(line), started.get()))
-        {
-            process.assign(line, std::strcspn(line, "\n"));
-        }
-    }
-
-    ~Bus()
-    {
-        run("sh -c 'kill " + process + " 2>/dev/null' -", "");
-    }
-
-    std::string address;
-    std::string process;
-};
-
 TEST(Process, FailsAndEndsWellWithoutItsBus)
 {
-    const Bus bus;
-    const sim::Platform platform(smallServer().scenario(), bus.address);
-    const auto left = consumer("'" + bus.address + "'",
-                               "call 'kill -9 " + bus.process + "' call call");
+    const sim::Daemon bus;
+    const sim::Platform platform(smallServer().scenario(), bus.address());
+    const auto left =
+        consumer("'" + bus.address() + "'",
+                 "call 'kill -9 $(dbus-send --session --print-reply=literal "
+                 "--dest=org.freedesktop.DBus / "
+                 "org.freedesktop.DBus.GetConnectionUnixProcessID "
+                 "string:org.freedesktop.DBus | sed \"s/.* //\")' call call");
     EXPECT_EQ(left.status, 0);
     EXPECT_EQ(left.output, "0 \n-1 0 \n-1 0 \n");
     EXPECT_EQ(left.errors, "");

@@ -1,4 +1,4 @@
-#include "client.hpp"
+#include "sim/client.hpp"
 
 namespace morvath::tests
 {

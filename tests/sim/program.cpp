@@ -1,5 +1,5 @@
 #include "support/program.hpp"
-#include "client.hpp"
+#include "sim/client.hpp"
 #include "sim/memory_file.hpp"
 #include "sim/pipe.hpp"
 #include "sim/process.hpp"

@@ -1,4 +1,4 @@
-#include "client.hpp"
+#include "sim/client.hpp"
 #include "sim/platform.hpp"
 
 #include <gtest/gtest.h>

@@ -46,6 +46,17 @@ TEST(PowerSupplies, HaveNullForWhatIsMissing)
     EXPECT_EQ(linesOf<PowerSupplies>(fan), Lines{"0"});
 }
 
+TEST(PowerSupplies, AreCountedUpToOneThatCannotBeRead)
+{
+    const auto dying = Machine::server().fault(
+        {{"member", "GetAll"}, {"call", 2}}, {{"die", true}});
+    sim::Platform platform(dying.scenario());
+    PowerSupplies table;
+    EXPECT_EQ(outcomeOf([&] { return table.read(); }), "bus-error");
+    EXPECT_EQ(table.records, nullptr);
+    EXPECT_EQ(table.count, 1);
+}
+
 TEST(PowerSupplies, FollowACounterThatWasNotZero)
 {
     const std::string first = "0|0|null|null|null|800|null|0|0";

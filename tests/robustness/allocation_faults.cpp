@@ -1,7 +1,6 @@
 #include "raid/raid_library.hpp"
 #include "robustness/allocations.hpp"
 #include "robustness/exports.hpp"
-#include "robustness/small_server.hpp"
 
 #include <gtest/gtest.h>
 
@@ -40,7 +39,7 @@ void expectAllowed(const Export& one, const Effect& effect, const Effect& usual)
 TEST(AllocationFaults, AreToldAndPass)
 {
     const RaidLibrary raid(sim::Scenario::standard().raid());
-    const sim::Platform platform(smallServer().scenario());
+    const sim::Platform platform(Machine::smallServer().scenario());
     for (const auto& one : allExports())
     {
         // Once before, for what libraries keep from their first call on.

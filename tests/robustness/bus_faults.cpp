@@ -1,6 +1,5 @@
 #include "raid/raid_library.hpp"
 #include "robustness/exports.hpp"
-#include "robustness/small_server.hpp"
 
 #include <gtest/gtest.h>
 #include <systemd/sd-bus.h>
@@ -29,7 +28,7 @@ const sim::Scenario& serverWith(const Json& fault, std::size_t call)
     {
         return place->second;
     }
-    auto machine = smallServer();
+    auto machine = Machine::smallServer();
     if (call != 0)
     {
         machine.fault({{"call", call}}, fault);

@@ -1,6 +1,7 @@
-#include "robustness/small_server.hpp"
 #include "sim/daemon.hpp"
 #include "sim/descriptor.hpp"
+#include "sim/platform.hpp"
+#include "support/machine.hpp"
 #include "support/program.hpp"
 
 #include <gtest/gtest.h>
@@ -90,7 +91,7 @@ TEST(Process, EndsWhileItLoadsWithoutAName)
 
 TEST(Process, KeepsItsConnectionThroughTheForkOfAnother)
 {
-    const sim::Platform platform(smallServer().scenario());
+    const sim::Platform platform(Machine::smallServer().scenario());
     const auto forked = consumer("$DBUS_SESSION_BUS_ADDRESS", "call fork call");
     EXPECT_EQ(forked.status, 0);
     EXPECT_EQ(forked.output, "0 \n-1 0 \nchild 0\n0 \n");
@@ -100,7 +101,8 @@ TEST(Process, KeepsItsConnectionThroughTheForkOfAnother)
 TEST(Process, FailsAndEndsWellWithoutItsBus)
 {
     const sim::Daemon bus;
-    const sim::Platform platform(smallServer().scenario(), bus.address());
+    const sim::Platform platform(Machine::smallServer().scenario(),
+                                 bus.address());
     const auto left =
         consumer("'" + bus.address() + "'",
                  "call 'kill -9 $(dbus-send --session --print-reply=literal "

@@ -1,12 +1,46 @@
 #include "support/machine.hpp"
 
+#include <map>
+
 namespace morvath::tests
 {
+namespace
+{
+
+/** Neighbours with the same interfaces are of one kind. */
+std::string kindOf(const sim::Object& object)
+{
+    auto kind = object.path.substr(0, object.path.rfind('/'));
+    for (const auto& interface : object.owners.at(0).interfaces)
+    {
+        kind += ' ' + interface.name;
+    }
+    return kind;
+}
+
+} // namespace
 
 Machine Machine::server()
 {
     Machine machine;
     machine.document["extends"] = "default";
+    return machine;
+}
+
+Machine Machine::smallServer()
+{
+    constexpr unsigned most = 2;
+    // One network service that refuses nothing, and a clock that can be set.
+    auto machine = server().behaves("ntp-servers-in-use");
+    std::map<std::string, unsigned> seen;
+    const auto standard = sim::Scenario::standard();
+    for (const auto& object : standard.objects())
+    {
+        if (++seen[kindOf(object)] > most)
+        {
+            machine.without(object.path);
+        }
+    }
     return machine;
 }
 

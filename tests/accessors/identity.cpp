@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <stdexcept>
-#include <variant>
 
 namespace morvath::tests
 {
@@ -17,25 +16,6 @@ constexpr auto smbios = "xyz.openbmc_project.Smbios.MDR_V2";
 const std::string board =
     "/xyz/openbmc_project/inventory/system/chassis/motherboard";
 const std::string prefix = "xyz.openbmc_project.";
-
-sim::Scenario system(const Json& model)
-{
-    return Machine()
-        .owns(board + "/bios", smbios,
-              {{prefix + "Inventory.Item.System", {{"Model", model}}}})
-        .scenario();
-}
-
-TEST(Identity, IsReadAsATextOfSomeLength)
-{
-    for (const auto& unfit : {std::string(), std::string(200, 'x')})
-    {
-        sim::Platform platform(system(text(unfit)));
-        EXPECT_EQ(readText(getSystemModel), (TextResult{0, nothing}));
-    }
-    sim::Platform platform(system(property("u", 1)));
-    EXPECT_THROW(readText(getSystemModel), std::bad_variant_access);
-}
 
 TEST(Identity, WritesThreeFacts)
 {

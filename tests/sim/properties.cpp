@@ -162,4 +162,35 @@ TEST_F(Properties, IntrospectionTellsWhatIsNotHidden)
     EXPECT_EQ(xml.find("Secret"), std::string::npos);
 }
 
+TEST(Behaviours, HostFollowsTransitions)
+{
+    const std::string host = "xyz.openbmc_project.State.Host";
+    const std::string hostPath = "/xyz/openbmc_project/state/host0";
+    const std::vector<std::pair<std::string, std::string>> steps{
+        {"Reboot", "Running"},
+        {"Off", "Off"},
+        {"Reboot", "Off"},
+        {"ForceWarmReboot", "Off"},
+        {"On", "Running"},
+        {"GracefulWarmReboot", "Running"},
+        {"ForceWarmReboot", "Running"},
+    };
+    const sim::Platform platform(sim::Scenario::standard());
+    Client client;
+    for (const auto& [transition, state] : steps)
+    {
+        const Value request = text(host + ".Transition." + transition);
+        client.set(host, hostPath, host, "RequestedHostTransition", request);
+        for (const std::string& service : {host, host + "0"})
+        {
+            const auto held = [&](const std::string& name) {
+                return platform.property(service, hostPath, host, name);
+            };
+            EXPECT_EQ(held("RequestedHostTransition"), *request.text());
+            EXPECT_EQ(held("CurrentHostState"), host + ".HostState." + state)
+                << transition;
+        }
+    }
+}
+
 } // namespace morvath::tests

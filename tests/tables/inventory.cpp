@@ -83,17 +83,6 @@ TEST(PcieSlots, ConvertTheirPresence)
         .expect();
 }
 
-TEST(NetworkAdapters, HaveANameInAnyCase)
-{
-    Variants<Adapters>{
-        board + "_6eic_2d1",
-        item + "NetAdapter",
-        {{"PortNum", property("y", 4)}},
-        {{{}, {"0", "0|nic-1|null|null|null|null|4|0|0"}},
-         {{{"Name", text("")}}, {"0", "0||null|null|null|null|4|0|0"}}}}
-        .expect();
-}
-
 TEST(Gpus, MayLackTextsButNoNumbers)
 {
     Variants<Gpus>{board + "gpu",

@@ -12,7 +12,6 @@ namespace
 {
 
 constexpr auto inventory = "xyz.openbmc_project.Inventory.Manager";
-constexpr auto smbios = "xyz.openbmc_project.Smbios.MDR_V2";
 const std::string board =
     "/xyz/openbmc_project/inventory/system/chassis/motherboard";
 const std::string prefix = "xyz.openbmc_project.";

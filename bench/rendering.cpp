@@ -54,7 +54,7 @@ class Comparison
 
     int report() const
     {
-        std::printf("%ld values, %ld differences\n", values, differences);
+        std::printf("%ld values, %ld of them different\n", values, differences);
         return differences != 0;
     }
 

@@ -23,4 +23,18 @@ Rows readWithLibrary()
     return rows;
 }
 
+Rows readTextWithLibrary()
+{
+    char* text = nullptr;
+    getDbusPropertyString(service, firstObject, interface, textProperty, &text);
+    return {Row{text}};
+}
+
+Rows readFlagWithLibrary()
+{
+    uint8_t flag = 0;
+    getDbusPropertyBool(service, firstObject, interface, flagProperty, &flag);
+    return {Row{textOf(uint64_t{flag})}};
+}
+
 } // namespace morvath::bench

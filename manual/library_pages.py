@@ -198,7 +198,7 @@ class LibraryPages:
         for text in self.examples:
             if any(re.search(rf"\b{name}\(", text)
                    for name in family.functions):
-                return text
+                return re.sub(r"^// SPDX-.*\n", "", text)
         if family.comment.examples:
             return "\n\n".join(family.comment.examples)
         record, release = next(iter(self.releases(family).items()))

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 SUMMARY = "Flat C view of an OpenBMC platform"
 DESCRIPTION = "Gives programs the inventory, sensors and settings of the \
 platform: one function per fact or table, blocking D-Bus calls underneath."

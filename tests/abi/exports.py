@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """Compares what the linker map, the built library and the header publish.
 
 usage: exports.py MAP LIBRARY HEADER

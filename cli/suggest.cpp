@@ -75,28 +75,14 @@ bool isOfWords(const CLI::ParseError& error)
            code == CLI::ExitCodes::RequiredError;
 }
 
-/** As it is typed after the name of the program. */
-std::string fullName(const CLI::App& command)
+Terms commandNames(const CLI::App& parent)
 {
-    const auto* parent = command.get_parent();
-    const auto before = parent ? fullName(*parent) : std::string();
-    return !parent          ? ""
-           : before.empty() ? command.get_name()
-                            : before + ' ' + command.get_name();
-}
-
-std::string unknownCommand(const CLI::App& parent, const std::string& word)
-{
-    const auto before = fullName(parent);
-    const auto typed = [&](const std::string& name) {
-        return before.empty() ? name : before + ' ' + name;
-    };
-    Terms known;
+    Terms names;
     for (const auto* command : parent.get_subcommands({}))
     {
-        known.push_back({typed(command->get_name()), {}});
+        names.push_back({command->get_name(), {}});
     }
-    return unknown("command", typed(word), known);
+    return names;
 }
 
 } // namespace
@@ -133,8 +119,9 @@ std::string explain(const CLI::App& app, const CLI::ParseError& error)
         return unknown("option", word.substr(0, word.find('=')),
                        optionNames(command));
     }
-    return command.get_subcommands({}).empty() ? "unexpected '" + word + '\''
-                                               : unknownCommand(command, word);
+    const auto known = commandNames(command);
+    return known.empty() ? "unexpected '" + word + '\''
+                         : unknown("command", word, known);
 }
 
 } // namespace morvath::cli

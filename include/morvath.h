@@ -243,12 +243,12 @@ int32_t getDbusInterface(const char *prefix, const char *root,
  * propertyNames. Costs one call for the list and one for each object.
  *
  * Texts are as they are, numbers are decimal, floating-point numbers have two
- * decimals ("nan", "inf", "-inf" for what is no number), booleans are "1" and
- * "0". Signed 16-bit numbers, lists and all other types give an empty text. A
- * property that the object lacks gives NULL; a name that begins with "Name",
- * in any case, then gives the last segment of the object's path instead. Of
- * several interfaces with the same property name the last in the reply
- * counts; of several owners only the first is asked.
+ * decimals ("nan", "-nan", "inf", "-inf" for what is no number), booleans are
+ * "1" and "0". Signed 16-bit numbers, lists and all other types give an empty
+ * text. A property that the object lacks gives NULL; a name that begins with
+ * "Name", in any case, then gives the last segment of the object's path
+ * instead. Of several interfaces with the same property name the last in the
+ * reply counts; of several owners only the first is asked.
  *
  * @param rootPath          root of the objects, itself not included
  * @param interfaceName     interface that an object must have
@@ -808,11 +808,11 @@ void freeCpuInfoEntry(CpuInfoEntry *one);
 
 /**
  * A sensor. Texts are the record's. Readings and limits are texts with two
- * decimals in the sensor's unit, and NULL when the sensor lacks them. "nan" is
- * a reading that is not available, or a limit that is not configured in this
- * direction; "inf" and "-inf" are ends of a range that nobody configured.
- * Critical and warning limits are "-" both, with alarms 0, for a sensor
- * without limits of this kind.
+ * decimals in the sensor's unit, and NULL when the sensor lacks them. "nan"
+ * (or "-nan") is a reading that is not available, or a limit that is not
+ * configured in this direction; "inf" and "-inf" are ends of a range that
+ * nobody configured. Critical and warning limits are "-" both, with alarms 0,
+ * for a sensor without limits of this kind.
  */
 typedef struct BmcSensorEntry
 {

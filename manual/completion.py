@@ -92,7 +92,8 @@ def bash_steps(path, command):
     """What a word before the one to complete does."""
     here = f"'{' '.join(path)}'"
     for inner in command["commands"]:
-        yield f"{here}:{inner['name']}", f"path='{' '.join([*path, inner['name']])}'"
+        name = inner["name"]
+        yield f"{here}:{name}", f"path='{' '.join([*path, name])}'"
     for option in command["options"]:
         if option["value"]:
             yield ("|".join(f"{here}:{name}" for name in option["names"]),

@@ -4,13 +4,15 @@
 
 usage: generate.py list HEADER MAP
        generate.py library HEADER MAP FOLDER VERSION DATE EXAMPLE...
+       generate.py snippets HEADER FILE
        generate.py records HEADER LAYOUTS FILE [check]
        generate.py man DESCRIPTION FILE DATE
        generate.py bash|zsh DESCRIPTION FILE
 
 "list" prints a line for each page that "library" makes: its name and those of
-the functions on it. "records" writes docs/records.md, or checks that it is up to
-date. DESCRIPTION is what a program prints with --describe.
+the functions on it. "snippets" writes the examples in the header as functions
+of C++. "records" writes docs/records.md, or checks that it is up to date.
+DESCRIPTION is what a program prints with --describe.
 """
 
 import json
@@ -20,7 +22,7 @@ import sys
 from command_page import command_page
 from completion import bash_completion, zsh_completion
 from header import exported, parse_header
-from library_pages import library_pages, page_name
+from library_pages import library_pages, page_name, snippets
 from records import records_document
 
 PROGRAMS = [("morvath", 1), ("morvath-sim", 1), ("libmorvath", 3)]
@@ -59,6 +61,8 @@ def main(kind, source, *rest):
                               [read(example) for example in examples])
         for name, text in pages.items():
             write(os.path.join(folder, name + ".3"), text)
+    elif kind == "snippets":
+        write(rest[0], snippets(parse_header(source)[1]))
     elif kind == "records":
         layouts, file, *check = rest
         text = records_document(parse_header(source)[1], layouts)

@@ -28,14 +28,6 @@ def page_name(family):
                                family.title.lower().replace("c++", "cxx"))
 
 
-def with_functions(text, known):
-    """Prose with the functions that have a page in bold."""
-    text = escape(re.sub(r"\s+", " ", text))
-    return re.sub(r"\b(\w+)\(\)",
-                  lambda name: bold(name.group(1)) + "()"
-                  if name.group(1) in known else name.group(), text)
-
-
 class LibraryPages:
     def __init__(self, about, families, release, examples):
         self.about = about
@@ -44,9 +36,21 @@ class LibraryPages:
         self.examples = examples
         self.known = {name for family in families
                       for name in family.functions}
+        # What the header calls by its title is a page here.
+        self.titles = {escape('"Exceptions"'):
+                       "EXCEPTIONS in \\fBlibmorvath\\fP(3)"}
+        for family in families:
+            self.titles[escape(f'"{family.title}"')] = (
+                bold(page_name(family)) + "(3)")
 
     def prose(self, text):
-        return with_functions(text, self.known)
+        """Text of the header with what it names in bold."""
+        text = escape(re.sub(r"\s+", " ", text))
+        for title, reference in self.titles.items():
+            text = text.replace(title, reference)
+        return re.sub(r"\b(\w+)\(\)",
+                      lambda name: bold(name.group(1)) + "()"
+                      if name.group(1) in self.known else name.group(), text)
 
     def page(self, name, names, meaning):
         page = Page(name, 3, self.release, "Library functions")
@@ -160,7 +164,7 @@ class LibraryPages:
                       if text.startswith("Status codes."))
         meanings = dict(re.findall(r"^ +(-\d)  (.*)$", status, re.M))
         if not codes:
-            page.paragraph("Nothing of these can fail with a status code.")
+            page.paragraph("None of them fails with a status code.")
         page.section("ERRORS")
         for code in sorted(codes, key=int, reverse=True):
             page.term(literal(code), self.prose(sentence(meanings[code])))
@@ -173,6 +177,8 @@ class LibraryPages:
                        "are explained in \\fBlibmorvath\\fP(3).")
 
     def ownership(self, page, family):
+        if not any("**" in entry.code for entry in family.entries):
+            return
         releases = self.releases(family)
         page.section("OWNERSHIP")
         for record, release in releases.items():
@@ -201,14 +207,15 @@ class LibraryPages:
                    for name in family.functions):
                 return re.sub(r"^// SPDX-.*\n", "", text)
         if family.comment.examples:
-            return "\n\n".join(family.comment.examples)
+            return "\n\n".join(family.comment.examples) + "\n"
         record, release = next(iter(self.releases(family).items()))
         entry = next(entry for entry in family.entries
                      if entry.record == record)
         use = next(f"puts(entries[i].{name});"
                    for kind, name, _ in entry.fields if kind == "char *")
-        read = next(name for name in family.functions
-                    if name.startswith("get"))
+        read = re.search(rf"(\w+)\({record} \*\*\w+,\s*int32_t \*\w+\)",
+                         "".join(entry.code for entry in family.entries)
+                         ).group(1)
         return TABLE_EXAMPLE.format(record=record, read=read, use=use,
                                     free=release)
 
@@ -218,6 +225,18 @@ class LibraryPages:
         page.paragraph(",\n".join(
             f"{bold(name)}({number})"
             for name, number in [*pages, ("morvath", 1), ("morvath-sim", 1)]))
+
+
+def snippets(families):
+    """The examples of the pages that are no programs, for a compiler."""
+    pages = LibraryPages(None, families, None, [])
+    parts = ["#include <morvath.h>\n\n#include <cstdio>\n#include <cstdlib>\n"
+             "#include <cstring>\n"]
+    for family in families:
+        parts.append(f"void {page_name(family)}();\n"
+                     f"void {page_name(family)}()\n{{\n"
+                     f"{pages.example(family)}}}\n")
+    return "\n".join(parts)
 
 
 def library_pages(header, release, examples):

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "cli/program.hpp"
 #include "sim/commands.hpp"
+#include "sim/record/command.hpp"
 
 #include <cerrno>
 #include <cstdio>
@@ -26,6 +27,7 @@ struct Options
     std::string address;
     std::vector<std::string> command;
     bool raidOnly = false;
+    RecordOptions record;
 };
 
 /** Writes calls as lines of JSON; discards them without a file. */
@@ -178,7 +180,15 @@ void addCheck(CLI::App& app, Options& options, Action& chosen)
     addScenarioOption(*command, options);
     command->add_flag("--raid", options.raidOnly,
                       "Print its RAID section, for MORVATH_SIM_RAID");
+    command->footer("The documentation, scenario.md, tells what it can say.");
     command->callback([&] { chosen = checkScenario; });
+}
+
+void addRecord(CLI::App& app, Options& options, Action& chosen)
+{
+    addRecordCommand(app, options.record)->callback([&] {
+        chosen = [](const Options& given) { return record(given.record); };
+    });
 }
 
 morvath::cli::About about()
@@ -188,20 +198,23 @@ morvath::cli::About about()
         .version = MORVATH_VERSION,
         .summary = "Simulates the services of a managed server on a bus.",
         .exitStatuses = {{"0", "success"},
-                         {"1", "failure"},
+                         {"1", "failure, or a recording with gaps"},
                          {"2", "misuse, or a mistake in a scenario"},
                          {"126, 127",
                           "the command of \"run\" cannot be run, or not found"},
                          {"other", "the status of the command of \"run\""}},
-        .environment = {{"DBUS_SYSTEM_BUS_ADDRESS",
-                         "The bus, for \"serve\" the one to serve on; \"run\" "
-                         "sets it for its command"},
-                        {"MORVATH_SIM_RAID",
-                         "The file of the RAID section; \"run\" sets it"}},
+        .environment =
+            {{"DBUS_SYSTEM_BUS_ADDRESS",
+              "The bus to serve on or to record; \"run\" sets it for "
+              "its command"},
+             {"MORVATH_SIM_RAID",
+              "The file of the RAID section; \"run\" sets it"}},
         .examples = {{"morvath-sim run -- morvath show memory",
                       "The command on a simulated server"},
                      {"morvath-sim run --log calls -- morvath get --all",
                       "The same, with a log of all calls"},
+                     {"morvath-sim record >my.json",
+                      "Record the platform of this machine"},
                      {"morvath-sim scenario --scenario my.json",
                       "Check a scenario"}},
     };
@@ -212,9 +225,11 @@ int parseAndExecute(int argc, char** argv)
     Options options;
     Action chosen = nullptr;
     morvath::cli::Program program(about());
-    addRun(program.app(), options, chosen);
-    addServe(program.app(), options, chosen);
-    addCheck(program.app(), options, chosen);
+    CLI::App& app = program.app();
+    addRun(app, options, chosen);
+    addServe(app, options, chosen);
+    addCheck(app, options, chosen);
+    addRecord(app, options, chosen);
     return program.run(argc, argv, [&] { return chosen(options); });
 }
 

@@ -9,7 +9,6 @@
 namespace morvath::sim
 {
 
-constexpr const char* mapperPath = "/xyz/openbmc_project/object_mapper";
 constexpr std::string_view mapperInterface = mapperService;
 constexpr const char* associationInterface = "xyz.openbmc_project.Association";
 constexpr std::string_view methods =

@@ -17,6 +17,7 @@ namespace morvath::sim
 {
 
 constexpr const char* mapperService = "xyz.openbmc_project.ObjectMapper";
+constexpr const char* mapperPath = "/xyz/openbmc_project/object_mapper";
 
 struct Property
 {

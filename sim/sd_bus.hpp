@@ -53,4 +53,7 @@ int check(int result, const char* operation);
 
 Message newReply(sd_bus_message* call);
 
+/** A connection; empty address: the bus of the environment. */
+Bus openBus(const std::string& address);
+
 } // namespace morvath::sim

@@ -14,26 +14,8 @@
 namespace morvath::sim
 {
 
-constexpr const char* connecting = "connecting to the bus";
-
 namespace
 {
-
-Bus connect(const std::string& address)
-{
-    sd_bus* bus = nullptr;
-    if (address.empty())
-    {
-        check(sd_bus_open(&bus), connecting);
-        return Bus(bus);
-    }
-    check(sd_bus_new(&bus), "sd_bus_new");
-    Bus owned(bus);
-    check(sd_bus_set_address(bus, address.c_str()), "sd_bus_set_address");
-    check(sd_bus_set_bus_client(bus, true), "sd_bus_set_bus_client");
-    check(sd_bus_start(bus), connecting);
-    return owned;
-}
 
 bool isMethodCall(sd_bus_message* message)
 {
@@ -81,7 +63,7 @@ Service::~Service()
 
 void Service::start()
 {
-    bus_ = connect(surroundings_.busAddress);
+    bus_ = openBus(surroundings_.busAddress);
     // The end of the loop must leave the connection to the destructor.
     check(sd_bus_set_close_on_exit(bus_.get(), false),
           "sd_bus_set_close_on_exit");

@@ -131,7 +131,16 @@ Json containerToJson(const Value& value)
     const bool textKeys = value.signature.starts_with("a{s") ||
                           value.signature.starts_with("a{o") ||
                           value.signature.starts_with("a{g");
-    return textKeys ? dictionaryToJson(members) : toJson(members);
+    if (textKeys)
+    {
+        Json dictionary = dictionaryToJson(members);
+        // Nor can equal keys.
+        if (dictionary.size() == members.size())
+        {
+            return dictionary;
+        }
+    }
+    return toJson(members);
 }
 
 } // namespace

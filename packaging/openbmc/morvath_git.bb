@@ -25,6 +25,7 @@ JSON = "nlohmann-json"
 # run them (qemu-usermode among the MACHINE_FEATURES).
 PACKAGECONFIG ??= "tools vontel"
 PACKAGECONFIG[bench] = "-Dbench=enabled,-Dbench=disabled,dbus glib-2.0 google-benchmark sdbus-c++"
+PACKAGECONFIG[fuzz] = "-Dfuzz=enabled,-Dfuzz=disabled"
 PACKAGECONFIG[install_simulated_vontel] = "-Dinstall_simulated_vontel=true,-Dinstall_simulated_vontel=false"
 PACKAGECONFIG[manual] = "-Dmanual=auto,-Dmanual=disabled"
 PACKAGECONFIG[sim] = "-Dsim=enabled,-Dsim=disabled,cli11 ${JSON}"

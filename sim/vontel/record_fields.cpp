@@ -2,6 +2,7 @@
 #include "sim/vontel/record_fields.hpp"
 
 #include "raid/vontel.hpp"
+#include "sim/vontel/field_values.hpp"
 
 #include <algorithm>
 #include <array>
@@ -16,56 +17,16 @@ namespace
 constexpr int hexadecimal = 16;
 
 template <std::unsigned_integral Number>
-void writeField(const JsonCursor& value, Bytes area)
-{
-    writeNumber(value.number<Number>(), area);
-}
-
-void writeText(const JsonCursor& value, Bytes area)
-{
-    const std::string& text = value.text();
-    if (text.size() > area.size())
-    {
-        value.fail("must have at most " + std::to_string(area.size()) +
-                   " bytes");
-    }
-    std::copy(text.begin(), text.end(), area.begin());
-}
-
-void writePadded(const JsonCursor& value, Bytes area)
-{
-    std::fill(area.begin(), area.end(), ' ');
-    writeText(value, area);
-}
-
-/** The number of members and then an entry for each. */
-void writeMembers(const JsonCursor& value, Bytes area)
-{
-    constexpr std::size_t most = std::numeric_limits<std::uint8_t>::max();
-    std::size_t count = 0;
-    value.forEachElement([&](const JsonCursor& member) {
-        if (count == most)
-        {
-            member.fail("is one member too many for a logical drive");
-        }
-        const std::size_t entry = 1 + count++ * logical_drive::memberSize;
-        writeField<std::uint16_t>(member,
-                                  area.subspan(entry, sizeof(std::uint16_t)));
-    });
-    writeNumber(count, area.first(1));
-}
-
-template <std::unsigned_integral Number>
 constexpr RecordField number(std::string_view key, std::size_t offset)
 {
-    return {key, offset, sizeof(Number), writeField<Number>};
+    return {key, offset, sizeof(Number), writeField<Number>, readField<Number>};
 }
 
 /** A text that ends where the next field begins, at the latest. */
 constexpr RecordField text(std::string_view key, std::size_t offset,
                            std::size_t next)
 {
-    return {key, offset, next - offset, writeText};
+    return {key, offset, next - offset, writeText, readText};
 }
 
 namespace controller = raid_info;
@@ -90,8 +51,10 @@ constexpr std::array physicalDriveTable{
     number<std::uint16_t>("device_id", drive::deviceId),
     number<std::uint8_t>("media_type", drive::mediaType),
     number<std::uint8_t>("state", drive::state),
-    RecordField{"vendor", drive::vendor, drive::vendorLength, writePadded},
-    RecordField{"model", drive::model, drive::modelLength, writePadded},
+    RecordField{"vendor", drive::vendor, drive::vendorLength, writePadded,
+                readPadded},
+    RecordField{"model", drive::model, drive::modelLength, writePadded,
+                readPadded},
     text("serial", drive::serial, drive::driveText),
     text("text80", drive::driveText, drive::interfaceType),
     number<std::uint8_t>("interface_type", drive::interfaceType),
@@ -108,7 +71,7 @@ constexpr std::array logicalDriveTable{
     number<std::uint8_t>("raid_level", logical_drive::raidLevel),
     RecordField{"members", logical_drive::memberCount,
                 sizeof(vontel::LogicalDevInfo_T) - logical_drive::memberCount,
-                writeMembers},
+                writeMembers, readMembers},
 };
 
 std::size_t offsetOf(const std::string& key, const JsonCursor& place,
@@ -146,20 +109,35 @@ void writeRaw(const std::string& key, const JsonCursor& value, Bytes record)
     }
 }
 
+/** Each run of bytes that differ, by its offset. */
+Json differences(Bytes record, Bytes described)
+{
+    constexpr std::string_view digits = "0123456789abcdef";
+    Json raw = Json::object();
+    std::string* run = nullptr;
+    for (std::size_t place = 0; place < record.size(); place++)
+    {
+        if (record[place] == described[place])
+        {
+            run = nullptr;
+            continue;
+        }
+        if (run == nullptr)
+        {
+            Json& text = raw[std::to_string(place)] = "";
+            run = &text.get_ref<std::string&>();
+        }
+        *run += digits[record[place] / hexadecimal];
+        *run += digits[record[place] % hexadecimal];
+    }
+    return raw;
+}
+
 } // namespace
 
 const RecordFields controllerFields = controllerTable;
 const RecordFields physicalDriveFields = physicalDriveTable;
 const RecordFields logicalDriveFields = logicalDriveTable;
-
-void writeNumber(std::uint64_t number, Bytes area)
-{
-    for (unsigned char& byte : area)
-    {
-        byte = static_cast<unsigned char>(number);
-        number >>= 8;
-    }
-}
 
 void fillRecord(const JsonCursor& description, RecordFields fields,
                 Bytes record, std::vector<std::string_view> otherKeys)
@@ -182,6 +160,29 @@ void fillRecord(const JsonCursor& description, RecordFields fields,
                 writeRaw(key, value, record);
             });
     }
+}
+
+Json describeRecord(Bytes record, RecordFields fields, Bytes blank, Json known)
+{
+    Json description = std::move(known);
+    for (const RecordField& field : fields)
+    {
+        const auto valueIn = [&](Bytes bytes) {
+            return field.read(bytes.subspan(field.offset, field.length));
+        };
+        Json value = valueIn(record);
+        if (!description.contains(field.key) && value != valueIn(blank) &&
+            isText(value))
+        {
+            description[std::string(field.key)] = std::move(value);
+        }
+    }
+    fillRecord({description, "a record"}, fields, blank, {});
+    if (Json raw = differences(record, blank); !raw.empty())
+    {
+        description["raw"] = std::move(raw);
+    }
+    return description;
 }
 
 } // namespace morvath::sim

@@ -19,6 +19,7 @@ struct RecordField
     std::size_t offset;
     std::size_t length;
     void (*write)(const JsonCursor& value, Bytes area);
+    Json (*read)(Bytes area);
 };
 
 using RecordFields = std::span<const RecordField>;
@@ -33,6 +34,14 @@ void writeNumber(std::uint64_t number, Bytes area);
  */
 void fillRecord(const JsonCursor& description, RecordFields fields,
                 Bytes record, std::vector<std::string_view> otherKeys);
+
+/**
+ * The reverse: what fills a record like this one. "raw" stands for what the
+ * fields cannot say; what a blank record has needs no key.
+ * @param[in,out] blank  what the record is before it is filled
+ * @param[in] known      keys and values that stand in any case
+ */
+Json describeRecord(Bytes record, RecordFields fields, Bytes blank, Json known);
 
 extern const RecordFields controllerFields;
 extern const RecordFields physicalDriveFields;

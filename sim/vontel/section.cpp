@@ -18,9 +18,6 @@ constexpr std::array<std::string_view, 8> operationsWithResult{
     "getPhyDevIdList",   "getPhyDevInfoById", "getLogDevIdList",
     "getLogDevInfoById", "getRaidConf"};
 
-constexpr std::array<std::string_view, 4> identifierKeys{
-    "vendor", "device", "subvendor", "subdevice"};
-
 /** The members of a list, if there is one, each with an id of its own. */
 template <typename Id, typename Action>
 void forEachWithId(const JsonCursor& parent, std::string_view list,
@@ -48,10 +45,8 @@ void readDrives(const JsonCursor& json, RaidController& controller)
     using Id = std::uint16_t;
     forEachWithId<Id>(
         json, "physical", "device_id", [&](Id id, const JsonCursor& drive) {
-            vontel::PhyDevInfo_T record{};
-            const Bytes bytes = record.bytes;
-            writeNumber(controller.raidId, bytes.first(sizeof(std::uint32_t)));
-            fillRecord(drive, physicalDriveFields, bytes, {});
+            vontel::PhyDevInfo_T record = blankPhysicalDrive(controller.raidId);
+            fillRecord(drive, physicalDriveFields, record.bytes, {});
             controller.physicalDrives.push_back({id, record});
         });
     forEachWithId<Id>(
@@ -175,6 +170,13 @@ RaidFault faultFromJson(const JsonCursor& json)
 }
 
 } // namespace
+
+vontel::PhyDevInfo_T blankPhysicalDrive(std::uint32_t raidId)
+{
+    vontel::PhyDevInfo_T record{};
+    writeNumber(raidId, Bytes(record.bytes).first(sizeof(raidId)));
+    return record;
+}
 
 RaidSection raidSectionFromJson(const JsonCursor& json)
 {

@@ -31,6 +31,10 @@ struct RaidController
 
 using FourTexts = std::array<std::string, 4>;
 
+/** The identifiers of a configuration, in the order of its key. */
+constexpr std::array<std::string_view, 4> identifierKeys{
+    "vendor", "device", "subvendor", "subdevice"};
+
 /** The kinds of codes that have texts, in the order of codeKeys. */
 enum class CodeKind
 {
@@ -68,6 +72,9 @@ struct RaidSection
     RaidTexts texts;
     std::vector<RaidFault> faults;
 };
+
+/** What a scenario fills: it belongs to a controller, the rest is zero. */
+vontel::PhyDevInfo_T blankPhysicalDrive(std::uint32_t raidId);
 
 /** @throws ScenarioError */
 RaidSection raidSectionFromJson(const JsonCursor& json);

@@ -100,6 +100,9 @@ TEST(Program, StatusTellsWhatHappened)
         {"scenario --scenario " + bad.path(), 2,
          "morvath-sim: " + bad.path() +
              ": /format: must be 1, the only format there is\n"},
+        {"run --scenario " + bad.path() + " -- echo started", 2,
+         "morvath-sim: " + bad.path() +
+             ": /format: must be 1, the only format there is\n"},
         {"scenario --scenario /no/such/file", 2,
          "morvath-sim: /no/such/file: cannot be read\n"},
     };

@@ -15,7 +15,9 @@ in_bash() {
     printf '%s\n' "${COMPREPLY[@]}"
 }
 
-# The same for zsh, which completes in a terminal only and tells nobody.
+# The same for zsh, which completes in a terminal only and tells nobody. Its
+# editor must be there before a key is pressed; quotes keep words that are
+# waited for out of the echo.
 zsh_terminal='
     zmodload zsh/zpty
     zpty shell zsh -f -i
@@ -28,11 +30,12 @@ zsh_terminal='
         fi
         builtin compadd \"\$@\"
     }
-    print ready"
-    zpty -r shell shown "*ready*ready*"
+    zle-line-init() { print rea\"\"dy }
+    zle -N zle-line-init"
+    zpty -r shell shown "*ready*"
     zpty -n -w shell "$2"$'"'\t'"'
-    zpty -n -w shell $'"'\C-u'"'"print done"$'"'\n'"'
-    zpty -r shell shown "*done*done*"
+    zpty -n -w shell $'"'\C-u'"'"print do\"\"ne"$'"'\n'"'
+    zpty -r shell shown "*done*"
     print -r -- $shown'
 
 in_zsh() {

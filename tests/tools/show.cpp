@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 namespace morvath::tests
 {
 namespace
@@ -162,6 +164,41 @@ TEST(Show, TellsWhatCouldNotBeRead)
         EXPECT_EQ(
             morvath(std::string("show power-supplies ") + one.arguments).output,
             "");
+    }
+}
+
+TEST(Faults, LeaveOneDocumentWithAllOthers)
+{
+    const Json faults[]{{{"error", "com.example.Refused"}},
+                        {{"die", true}},
+                        {{"silent", true}},
+                        {{"reply", property("u", 1)}}};
+    for (const auto& fault : faults)
+    {
+        for (const auto* member : {"GetAll", "Get", "GetSubTree"})
+        {
+            for (const auto* command : {"show", "get"})
+            {
+                sim::Platform platform(Machine::server()
+                                           .fault({{"member", member}}, fault)
+                                           .scenario());
+                const auto all = morvath(
+                    command + std::string(" --all --json --timeout 0.02"));
+                const auto document = Json::parse(all.output);
+                const auto& read = document.at(
+                    document.contains("facts") ? "facts" : "tables");
+                const std::size_t unread = std::ranges::count(read, nullptr);
+                const auto errors = document.at("errors").size();
+                const auto what =
+                    std::string(command) + ' ' + member + fault.dump();
+                // A table is not read property by property.
+                const bool isHit = !what.starts_with("show Get{");
+                EXPECT_EQ(errors > 0, isHit) << what;
+                EXPECT_EQ(all.status, isHit ? 1 : 0) << what;
+                EXPECT_LE(errors, unread) << what;
+                EXPECT_LT(unread, read.size()) << what;
+            }
+        }
     }
 }
 

@@ -90,8 +90,8 @@ TEST(Usage, MisuseIsToldWithWhatWasPerhapsMeant)
         {"sensors memory", "unexpected 'memory'"},
         {"get bmcversion", "no fact 'bmcversion'; did you mean "
                            "'bmc-version'?"},
-        {"set power-contrl off", "no command 'set power-contrl'; did you mean "
-                                 "'set power-control'?"},
+        {"set power-contrl off", "no command 'power-contrl'; did you mean "
+                                 "'power-control'?"},
         {"set lldp nic0 port1", "STATE is required"},
         {"set lldp nic0 port1 ON", "STATE: ON not in {on,off}"},
         {"set lldp nic-0 port1 on",

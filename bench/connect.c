@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <systemd/sd-bus.h>
 
 /* What every program on the platform does that talks to the bus. */

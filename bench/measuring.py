@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Programs on the simulated platform, and what they cost."""
 
 import contextlib

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "client.hpp"
 #include "morvath.h"
 
@@ -21,6 +22,20 @@ Rows readWithLibrary()
     }
     std::free(table);
     return rows;
+}
+
+Rows readTextWithLibrary()
+{
+    char* text = nullptr;
+    getDbusPropertyString(service, firstObject, interface, textProperty, &text);
+    return {Row{text}};
+}
+
+Rows readFlagWithLibrary()
+{
+    uint8_t flag = 0;
+    getDbusPropertyBool(service, firstObject, interface, flagProperty, &flag);
+    return {Row{textOf(uint64_t{flag})}};
 }
 
 } // namespace morvath::bench

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "client.hpp"
 
 #include <systemd/sd-bus.h>
@@ -46,6 +47,15 @@ sd_bus_message* getAll(const char* service, const char* path)
     sd_bus_message_new_method_call(connection(), &request, service, path,
                                    propertiesInterface, "GetAll");
     sd_bus_message_append_basic(request, 's', "");
+    return call(request);
+}
+
+sd_bus_message* get(const char* property)
+{
+    sd_bus_message* request = nullptr;
+    sd_bus_message_new_method_call(connection(), &request, service, firstObject,
+                                   propertiesInterface, "Get");
+    sd_bus_message_append(request, "ss", interface, property);
     return call(request);
 }
 
@@ -152,30 +162,50 @@ Row readRow(sd_bus_message* reply)
     return row;
 }
 
-template <auto TypeOf>
-Rows readRows()
+/** Hands the path and the first owner of each object to use. */
+template <typename Use>
+void forEachObject(const Use& use)
 {
-    Rows rows;
     auto* objects = listObjects();
     sd_bus_message_enter_container(objects, 'a', "{sa{sas}}");
     while (sd_bus_message_enter_container(objects, 'e', "sa{sas}") > 0)
     {
         const char* path = nullptr;
-        const char* service = nullptr;
+        const char* owner = nullptr;
         sd_bus_message_read_basic(objects, 's', &path);
         sd_bus_message_enter_container(objects, 'a', "{sas}");
         sd_bus_message_enter_container(objects, 'e', "sas");
-        sd_bus_message_read_basic(objects, 's', &service);
+        sd_bus_message_read_basic(objects, 's', &owner);
         sd_bus_message_skip(objects, "as");
         sd_bus_message_exit_container(objects);
         sd_bus_message_exit_container(objects);
         sd_bus_message_exit_container(objects);
-
-        auto* reply = getAll(service, path);
-        rows.push_back(readRow<TypeOf>(reply));
-        sd_bus_message_unref(reply);
+        use(path, owner);
     }
     sd_bus_message_unref(objects);
+}
+
+template <auto TypeOf>
+Rows readRows()
+{
+    Rows rows;
+    forEachObject([&](const char* path, const char* owner) {
+        auto* reply = getAll(owner, path);
+        rows.push_back(readRow<TypeOf>(reply));
+        sd_bus_message_unref(reply);
+    });
+    return rows;
+}
+
+Rows readOne(const char* property, char type)
+{
+    const char contents[]{type, '\0'};
+    Basic value{};
+    auto* reply = get(property);
+    sd_bus_message_enter_container(reply, 'v', contents);
+    sd_bus_message_read_basic(reply, type, &value);
+    Rows rows{Row{render(type, value)}};
+    sd_bus_message_unref(reply);
     return rows;
 }
 
@@ -189,6 +219,25 @@ Rows readWithRawSdBus()
 Rows readWithVerifiedSdBus()
 {
     return readRows<verifiedType>();
+}
+
+Rows readTextWithRawSdBus()
+{
+    return readOne(textProperty, 's');
+}
+
+Rows readFlagWithRawSdBus()
+{
+    return readOne(flagProperty, 'b');
+}
+
+Rows listWithRawSdBus()
+{
+    Rows rows;
+    forEachObject([&](const char* path, const char*) {
+        rows.push_back(Row{strdup(path)});
+    });
+    return rows;
 }
 
 } // namespace morvath::bench

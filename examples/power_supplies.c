@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /* Lists the power supplies of the platform. */
 #include <morvath.h>
 

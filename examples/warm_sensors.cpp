@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Lists the temperatures that are beyond a limit. What the library raises is
 // caught where the program meets it.
 #include <morvath.h>

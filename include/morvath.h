@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /**
  * @file
  * A flat view of an OpenBMC platform: inventory, sensors and settings, read

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The manual page of a program, from what it describes of itself."""
 
 from troff import Page, bold, escape, italic, sentence

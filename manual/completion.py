@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Shell completion for a program, from what it describes of itself."""
 
 # What values of these names are; all others are words, or unknown.

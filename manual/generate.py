@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """Makes manual pages and shell completion.
 
 usage: generate.py list HEADER MAP

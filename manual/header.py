@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Reads the public header: families of functions with their comments."""
 
 import re

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The manual pages of the library, from its header and examples."""
 
 import re
@@ -204,7 +205,7 @@ class LibraryPages:
         for text in self.examples:
             if any(re.search(rf"\b{name}\(", text)
                    for name in family.functions):
-                return text
+                return re.sub(r"^// SPDX-.*\n", "", text)
         if family.comment.examples:
             return "\n\n".join(family.comment.examples) + "\n"
         record, release = next(iter(self.releases(family).items()))

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Writes manual pages with the man macros."""
 
 import re

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "cli/program.hpp"
 #include "sim/commands.hpp"
 #include "sim/record/command.hpp"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "sim/mapper_index.hpp"
 
 #include "sim/request.hpp"

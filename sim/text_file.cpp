@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "sim/text_file.hpp"
 
 #include "sim/json_cursor.hpp"

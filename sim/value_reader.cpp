@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "sim/value_reader.hpp"
 
 #include "sim/signature.hpp"

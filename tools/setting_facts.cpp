@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "fact_kinds.hpp"
 #include "facts.hpp"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "sim/record/anonymize.hpp"
 
 #include "sim/record/masks.hpp"
@@ -115,7 +116,7 @@ class Anonymizer
         {
             path.remove_prefix(1);
             const std::size_t end = std::min(path.find('/'), path.size());
-            result += "/" + changedSegment(path.substr(0, end));
+            result.append("/").append(changedSegment(path.substr(0, end)));
             path.remove_prefix(end);
         }
         return result;

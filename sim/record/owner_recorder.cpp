@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "sim/record/owner_recorder.hpp"
 
 #include "sim/record/interface_order.hpp"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "sim/record/raid_recorder.hpp"
 
 #include "sim/record/raid_texts.hpp"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "sim/record/record.hpp"
 
 #include "sim/record/anonymize.hpp"

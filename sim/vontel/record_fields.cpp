@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "sim/vontel/record_fields.hpp"
 
 #include "raid/vontel.hpp"

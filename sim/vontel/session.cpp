@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "sim/vontel/session.hpp"
 
 #include "sim/text_file.hpp"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "morvath.h"
 
 std::string getLastStr(const std::string& text)

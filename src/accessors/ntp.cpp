@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "bus/call.hpp"
 #include "bus/mapper.hpp"
 #include "bus/properties.hpp"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "accessors/inventory.hpp"
 #include "accessors/smbios.hpp"
 #include "morvath.h"

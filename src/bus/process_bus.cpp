@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "bus/process_bus.hpp"
 
 #include <systemd/sd-bus.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "bus/properties.hpp"
 
 #include "bus/c_memory.hpp"

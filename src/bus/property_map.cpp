@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "bus/property_map.hpp"
 
 #include "bus/render.hpp"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "bus/reply_reader.hpp"
 
 #include <sdbusplus/exception.hpp>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "raid/physical_drives.hpp"
 
 #include "raid/selector.hpp"

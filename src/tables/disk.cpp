@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "morvath.h"
 #include "raid/packed_record.hpp"
 #include "raid/physical_drives.hpp"

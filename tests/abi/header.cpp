@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // First and alone: the header must need nothing before it.
 #include "morvath.h"
 

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """Compares the binary interface of the built library with what is kept.
 
 usage: interface.py KEPT LIBRARY HEADER [--update]

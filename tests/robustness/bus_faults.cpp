@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "raid/raid_library.hpp"
 #include "robustness/exports.hpp"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "support/program.hpp"
 #include "sim/client.hpp"
 #include "sim/memory_file.hpp"

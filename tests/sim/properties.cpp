@@ -1,9 +1,9 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "sim/client.hpp"
 #include "sim/platform.hpp"
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <string>
 #include <vector>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "sim/json.hpp"
 #include "sim/memory_file.hpp"
 #include "sim/record/introspected.hpp"

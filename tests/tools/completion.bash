@@ -1,4 +1,5 @@
 #!/bin/bash
+# SPDX-License-Identifier: Apache-2.0
 # Completes command lines as the shells do: completion.bash FOLDER
 # FOLDER has the completion of both programs for bash and zsh.
 scripts=$(realpath "$1")

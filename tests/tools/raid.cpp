@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "sim/memory_file.hpp"
 #include "support/machine.hpp"
 #include "support/program.hpp"

@@ -191,38 +191,6 @@ TEST(Set, NoticesASettingWithoutEffect)
                               "the value, but does not use it\n");
 }
 
-TEST(Set, RefusesMisuseWithoutACall)
-{
-    sim::Platform platform(sim::Scenario::standard());
-    const std::pair<const char*, const char*> cases[]{
-        {"get", "FACT or --all is required"},
-        {"get nothing", "no fact 'nothing'"},
-        {"set", "a setting is required"},
-        {"set board-name x", "board-name cannot be set"},
-        {"set time", "VALUE is required"},
-        {"set time 1s",
-         "time: \"1s\" is not a whole number of seconds, from -2147483648 to "
-         "2147483647"},
-        {"set power-control 5",
-         "power-control: \"5\" is not off, on, reboot, graceful-warm-reboot, "
-         "force-warm-reboot or 0 to 4"},
-        {"set time-sync 2", "time-sync: \"2\" is not manual, ntp or 0 to 1"},
-        {"set power-restore-policy never",
-         "power-restore-policy: \"never\" is not AlwaysOn, AlwaysOff or "
-         "LastState"},
-        {"set ntp-servers ntp.example",
-         "ntp-servers: \"ntp.example\" is not one to three IPv4 addresses "
-         "with blanks in between"},
-    };
-    for (const auto& [arguments, error] : cases)
-    {
-        const auto misuse = morvath(arguments);
-        EXPECT_EQ(misuse.status, 2) << arguments;
-        EXPECT_EQ(misuse.errors, "morvath: " + std::string(error) + '\n');
-    }
-    EXPECT_TRUE(platform.calls().empty());
-}
-
 TEST(SetLldp, SwitchesOnePort)
 {
     sim::Platform platform(sim::Scenario::standard());

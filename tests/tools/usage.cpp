@@ -92,11 +92,29 @@ TEST(Usage, MisuseIsToldWithWhatWasPerhapsMeant)
                            "'bmc-version'?"},
         {"set power-contrl off", "no command 'power-contrl'; did you mean "
                                  "'power-control'?"},
+        {"get", "FACT or --all is required"},
+        {"set", "a setting is required"},
+        {"set board-name x", "board-name cannot be set"},
+        {"set time", "VALUE is required"},
+        {"set time 1s",
+         "time: \"1s\" is not a whole number of seconds, from -2147483648 to "
+         "2147483647"},
+        {"set power-control 5",
+         "power-control: \"5\" is not off, on, reboot, graceful-warm-reboot, "
+         "force-warm-reboot or 0 to 4"},
+        {"set time-sync 2", "time-sync: \"2\" is not manual, ntp or 0 to 1"},
+        {"set power-restore-policy never",
+         "power-restore-policy: \"never\" is not AlwaysOn, AlwaysOff or "
+         "LastState"},
+        {"set ntp-servers ntp.example",
+         "ntp-servers: \"ntp.example\" is not one to three IPv4 addresses "
+         "with blanks in between"},
         {"set lldp nic0 port1", "STATE is required"},
         {"set lldp nic0 port1 ON", "STATE: ON not in {on,off}"},
         {"set lldp nic-0 port1 on",
          "ADAPTER: \"nic-0\" is no segment of an object path"},
     };
+    sim::Platform platform(sim::Scenario::standard());
     for (const auto& [arguments, error] : cases)
     {
         const auto misuse = run("MORVATH", arguments);
@@ -104,6 +122,7 @@ TEST(Usage, MisuseIsToldWithWhatWasPerhapsMeant)
         EXPECT_EQ(misuse.output, "") << arguments;
         EXPECT_EQ(misuse.errors, "morvath: " + std::string(error) + '\n');
     }
+    EXPECT_TRUE(platform.calls().empty());
     EXPECT_EQ(run("MORVATH_SIM", "run --lgo x -- true").errors,
               "morvath-sim: no option '--lgo'; did you mean '--log'?\n");
 }

@@ -6,8 +6,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
-#include <stdexcept>
-#include <string>
 
 namespace
 {
@@ -29,15 +27,11 @@ struct Temperatures
     }
 };
 
-void listWarm()
+int32_t listWarm()
 {
     Temperatures all;
     const auto code = getTempTableInfo(&all.entries, &all.count);
-    if (code != 0)
-    {
-        throw std::runtime_error("code " + std::to_string(code));
-    }
-    for (int32_t i = 0; i < all.count; ++i)
+    for (int32_t i = 0; code == 0 && i < all.count; ++i)
     {
         const auto& sensor = all.entries[i];
         if (sensor.criticalAlarmHigh || sensor.warningAlarmHigh)
@@ -45,6 +39,7 @@ void listWarm()
             std::printf("%s: %s %s\n", sensor.name, sensor.value, sensor.unit);
         }
     }
+    return code;
 }
 
 } // namespace
@@ -53,8 +48,7 @@ int main()
 {
     try
     {
-        listWarm();
-        return EXIT_SUCCESS;
+        return listWarm() == 0 ? EXIT_SUCCESS : EXIT_FAILURE;
     }
     catch (const std::exception& error)
     {

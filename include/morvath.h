@@ -10,7 +10,9 @@
  * with its time-out (25 s unless it was set otherwise). A caller on the
  * thread that loaded the library gets the same connection from
  * sd_bus_default(), and so can set the time-out with
- * sd_bus_set_method_call_timeout().
+ * sd_bus_set_method_call_timeout(). Programs that run for long and have others
+ * send to this connection, by name or by match, must call sd_bus_process():
+ * what is not fetched is kept, and takes memory, until the process ends.
  *
  * Loading succeeds without a bus; the functions then raise, see "Exceptions".
  * The process ends while it loads the library when a bus accepts the
@@ -29,8 +31,18 @@
  *   -3  an argument was refused before anything was sent
  *   -4  the RAID management library failed
  *
+ * -1 does not tell hardware that is absent from hardware that failed, since
+ * the object mapper knows a path only while something is there. Ask it for the
+ * interface below "/", with getDbusInterface(): 0 without a path is absence, -1
+ * an object mapper that does not answer. Of a service that has died it may keep
+ * paths without objects; a table below these is empty and gives 0.
+ *
+ * Inputs. A NULL text, or list of texts, raises std::logic_error before
+ * anything is sent, see "Exceptions".
+ *
  * Outputs. They are written on success only, unless a function says
- * otherwise; set them to NULL or 0 before the call.
+ * otherwise; set them to NULL or 0 before the call. An output that is itself
+ * NULL is the caller's mistake and crashes.
  *
  * Ownership. Every text, array and record array that a function stores is
  * allocated with malloc() and is the caller's from that moment on: release
@@ -39,16 +51,21 @@
  * the bus again. What is passed in is only read during the call.
  *
  * Counters. Table functions and getDbusInterface() add to the counter that
- * they are given and never reset it: set it to 0 before each call.
+ * they are given and never reset it: set it to 0 before each call. When a table
+ * function returns -2, its array is NULL and the counter is raised or set all
+ * the same; there is nothing to release.
  *
  * Tables. A table function stores an array of records, one per object, in
  * the order of the platform's object mapper (byte order of the paths). Call
  * the table's free function for each record and free() for the array. A text
  * field is NULL when the object lacks the property. Fields named id or
- * reserved are 0 and left alone. A counter that was not 0 gives that many
- * further records at the end, all zero. An object tree root that does not
- * exist at all is an error of the object mapper, so that a platform without
- * any such hardware gives -1 and not an empty table.
+ * reserved are 0 and left alone. A counter that was above 0 gives that many
+ * further records at the end, all zero; one that was below 0 gives as many
+ * less, and -2 where it is still below 0 at the end. An object tree root that
+ * does not exist at all is an error of the object mapper, so that a platform
+ * without any such hardware gives -1 and not an empty table. Of a service that
+ * died the object mapper keeps the paths that had associations, and those above
+ * them, without any interface: below these a table is empty, with 0.
  *
  * Exceptions. Some failures are deliberately not codes but leave a function
  * as a C++ exception, all derived from std::exception:
@@ -58,8 +75,8 @@
  *   std::bad_variant_access
  *       a property has another type than the function reads
  *   std::logic_error
- *       a NULL text where a text is needed, or a missing property whose
- *       value has to be converted
+ *       a NULL where a text is needed, in any function, or a missing property
+ *       whose value has to be converted
  *   std::invalid_argument, std::out_of_range
  *       a property that is to be a number is none, or does not fit
  *   std::bad_alloc
@@ -68,9 +85,11 @@
  * stored its array leaves the array with the caller, filled so far and zero
  * after that; one that raises before has written at most the counter.
  *
- * A program in plain C that does not catch is ended by an exception. One that
- * has C functions between the library and a catching C++ caller must compile
- * them with -fexceptions: on 32-bit ARM the program ends without it.
+ * A program in plain C cannot catch and is ended by an exception: it calls
+ * through a few lines of C++ that turn all failures into codes, such as
+ * examples/codes.cpp. One that has C functions between the library and a
+ * catching C++ caller must compile them with -fexceptions: on 32-bit ARM the
+ * program ends without it.
  */
 #ifndef MORVATH_H
 #define MORVATH_H
@@ -170,7 +189,7 @@ int32_t setDbusPropertyUint64(const char *service, const char *path,
 
 /**
  * Writes a text.
- * @param value  not NULL: that raises std::logic_error
+ * @param value  the text
  * @return 0 or -1
  */
 int32_t setDbusPropertyString(const char *service, const char *path,
@@ -179,7 +198,7 @@ int32_t setDbusPropertyString(const char *service, const char *path,
 
 /**
  * Writes a list of texts.
- * @param values  not NULL; a NULL entry ends it. An empty list is written.
+ * @param values  a NULL entry ends it. An empty list is written, too.
  * @return 0 or -1
  */
 int32_t setDbusPropertyVectorString(const char *service, const char *path,
@@ -262,7 +281,8 @@ int32_t getDbusInterface(const char *prefix, const char *root,
  *         rootPath; outputs are untouched then
  * @throws SdBusError when an object could not be read; the rows before it
  *         are stored and counted, and the caller's
- * @throws std::logic_error for a name that is NULL; outputs are untouched
+ * @throws std::logic_error for a name that is NULL, once the objects are known;
+ *         outputs are untouched
  */
 int32_t getDbusTableData(const char *rootPath, const char *interfaceName,
                          const char *const *propertyNames,
@@ -306,8 +326,8 @@ int32_t getSystemConfModel(char **value);
 
 /**
  * Writes a fact of the system.
- * @param value  not NULL: that raises std::logic_error. "" clears the fact,
- *               which then reads as none.
+ * @param value  the text; "" clears the fact,
+ *               which then reads as none
  * @return 0 or -1
  */
 int32_t setSystemAssetTag(const char *value);
@@ -327,7 +347,8 @@ int32_t getCpldFirmwareVersion(char **value);
 /**
  * Reads the version of the controller's own firmware, or of the BIOS. Of
  * several images the last in the order of the object mapper counts, which says
- * nothing about which one runs. The text may have any length, also 0.
+ * nothing about which one runs; one without a version is passed over. The text
+ * may have any length, also 0.
  * @param[out] value  the version; untouched without such an image
  * @return 0, or -1 when the object mapper does not answer or the platform
  *         lists no software at all
@@ -339,8 +360,9 @@ int32_t getBiosFirmwareVersion(char **value);
 /**
  * Reads a property of xyz.openbmc_project.Inventory.Decorator.Asset of the
  * management controller. Of several controllers the first in the order of the
- * object mapper counts.
- * @param property    its name, not NULL
+ * object mapper counts, among those whose first owner's name begins with
+ * xyz.openbmc_project.Inventory.Manager.
+ * @param property    its name
  * @param[out] value  the text; untouched when no controller is listed
  * @return 0 or -1
  */
@@ -474,7 +496,7 @@ int32_t getPowerRestorePolicy(char **policy);
 
 /**
  * Chooses what the host does when power returns.
- * @param policy  "AlwaysOn", "AlwaysOff" or "LastState" in any case, not NULL.
+ * @param policy  "AlwaysOn", "AlwaysOff" or "LastState" in any case.
  *                Any leading part is taken for the first word that it begins:
  *                "Always" and "" are "AlwaysOn".
  * @return 0, -1, or -3 for another word
@@ -520,14 +542,14 @@ int32_t setTimeStamp(int32_t seconds);
 
 /**
  * Reads how the clock is set. The platform starts with NTP.
- * @param[out] method  1 NTP, 0 by hand, 255 none or another one
+ * @param[out] method  1 NTP, 0 manual, 255 none or another one
  * @return 0 or -1
  */
 int32_t getNtpServerStatus(uint32_t *method);
 
 /**
  * Chooses how the clock is set.
- * @param method  1 for NTP, any other number for by hand
+ * @param method  1 for NTP, any other number for manual
  * @return 0 or -1
  */
 int32_t setNtpServerStatus(int32_t method);
@@ -537,7 +559,7 @@ int32_t setNtpServerStatus(int32_t method);
  * services newer than early 2022 accept this without effect: there
  * StaticNTPServers is the property to write.
  * @param servers  one to three IPv4 addresses with any number of blanks around
- *                 them, not NULL
+ *                 them
  * @return 0 when all were written, when there is no interface, and also when
  *         the object mapper does not answer; -1 at the first interface that
  *         refuses, with those before it written; -3 for a name, an IPv6
@@ -546,7 +568,8 @@ int32_t setNtpServerStatus(int32_t method);
 int32_t setNtpServerIP(const char *servers);
 
 /**
- * Reads the NTP servers of the first network interface. Newer network services
+ * Reads the NTP servers of the first network interface, among those whose first
+ * owner's name begins with xyz.openbmc_project.Network. Newer network services
  * list those in use, which include servers learnt by DHCP.
  * @param[out] servers  the addresses or names, each followed by a blank, the
  *                      last one too; release it with free(). Untouched when
@@ -970,7 +993,8 @@ int32_t getNetPortTableInfo(PortInfoEntry **outArray, int32_t *outCount);
 void free_port_entry_content(PortInfoEntry *one);
 
 /**
- * Switches LLDP for one port of a network adapter.
+ * Switches LLDP for one port of a network adapter. The name is spelt so on
+ * purpose: programs are linked with it.
  * @param adapter  segment of the adapter's object path, such as "nic0"
  * @param port     segment of the port's object path, such as "port1"
  * @param enabled  0 to switch it off, any other to switch it on
@@ -1105,7 +1129,7 @@ void free_raid_hdd_entry(RaidHddEntry *one);
 #pragma GCC visibility pop
 #endif
 
-#ifdef __cplusplus
+#if defined(__cplusplus) && __cplusplus >= 201703L
 #include <string>
 #include <tuple>
 #include <utility>
@@ -1115,7 +1139,8 @@ void free_raid_hdd_entry(RaidHddEntry *one);
 /*
  * C++ interface
  *
- * For C++ programs that are built with the same standard library.
+ * For programs in C++17 and later that are built with the same standard
+ * library. morvath.hpp has all other functions in the manner of C++, too.
  *
  * @code
  * PropertyValue value;

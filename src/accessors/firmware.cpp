@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "bus/call.hpp"
-#include "bus/row_set.hpp"
+#include "base/codes.hpp"
+#include "bus/rows.hpp"
 #include "morvath.h"
 
 #include <array>
@@ -20,11 +20,8 @@ constexpr std::size_t purposeColumn = 0;
 constexpr std::size_t versionColumn = 1;
 constexpr std::array columns{"Purpose", "Version"};
 
-constexpr TableQuery images{
-    "/xyz/openbmc_project/software",
-    "xyz.openbmc_project.Software.Version",
-    columns,
-};
+constexpr TableQuery images{"/xyz/openbmc_project/software",
+                            "xyz.openbmc_project.Software.Version", columns};
 
 /** Of its first characters only, so longer purposes are the same. */
 bool isFor(Row image, std::string_view purpose)
@@ -35,8 +32,7 @@ bool isFor(Row image, std::string_view purpose)
 
 int32_t readVersion(const char* purpose, char** value)
 {
-    int32_t count = 0;
-    RowSet rows(count);
+    Rows rows;
     if (const auto code = rows.read(images))
     {
         return code;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "bus/call.hpp"
+#include "base/last_part.hpp"
 #include "bus/properties.hpp"
 #include "morvath.h"
 
@@ -24,7 +24,6 @@ constexpr Property hostProperty(const char* name)
 constexpr auto currentState = hostProperty("CurrentHostState");
 constexpr auto requestedTransition = hostProperty("RequestedHostTransition");
 
-constexpr auto unknownState = "Unknown";
 constexpr auto otherState = "PowerOff";
 
 struct StateWord
@@ -72,7 +71,7 @@ int32_t getSystemPowerState(char** state)
     {
         return code;
     }
-    const char* word = unknownState;
+    std::string_view word = unknownWord;
     if (value)
     {
         // A state without a dot is a failure here, on purpose, although
@@ -84,7 +83,7 @@ int32_t getSystemPowerState(char** state)
         }
         word = wordOf(dot + 1);
     }
-    *state = copyText(word).release();
+    *state = newText(word).release();
     return success;
 }
 
@@ -95,7 +94,8 @@ int32_t getSystemPowerCtl(uint32_t* code)
     {
         return status;
     }
-    *code = value ? codeOf(getLastStr(value.get())) : otherTransition;
+    *code =
+        value ? codeOf(lastPart(value.get(), unknownWord)) : otherTransition;
     return success;
 }
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "bus/call.hpp"
+#include "base/required.hpp"
 #include "bus/mapper.hpp"
 #include "bus/properties.hpp"
 #include "morvath.h"
@@ -10,7 +10,6 @@
 #include <cstring>
 #include <string>
 #include <string_view>
-#include <vector>
 
 using namespace morvath;
 
@@ -18,11 +17,8 @@ namespace
 {
 
 constexpr Property syncMethod{
-    "xyz.openbmc_project.Settings",
-    "/xyz/openbmc_project/time/sync_method",
-    "xyz.openbmc_project.Time.Synchronization",
-    "TimeSyncMethod",
-};
+    "xyz.openbmc_project.Settings", "/xyz/openbmc_project/time/sync_method",
+    "xyz.openbmc_project.Time.Synchronization", "TimeSyncMethod"};
 
 constexpr std::string_view ntpMethod =
     "xyz.openbmc_project.Time.Synchronization.Method.NTP";
@@ -83,7 +79,7 @@ int32_t setNtpServerStatus(int32_t method)
 
 int32_t setNtpServerIP(const char* servers)
 {
-    const auto line = copyText(servers);
+    const auto line = newText(required(servers));
     // What is left null after the last address ends the list.
     std::array<const char*, mostServers + 1> list{};
     std::size_t count = 0;
@@ -118,7 +114,7 @@ int32_t getNtpPreferServer(char** servers)
     {
         return success;
     }
-    std::vector<std::string> list;
+    TextList list;
     if (const auto code = readTexts(
             {networkService, first, ethernetInterface, serversProperty}, list))
     {
@@ -126,13 +122,13 @@ int32_t getNtpPreferServer(char** servers)
     }
     // A blank after each, the last one too, is what callers expect.
     std::string line;
-    for (const auto& server : list)
+    for (const char* server : list.texts)
     {
         line.append(server).append(blank);
     }
-    if (!list.empty())
+    if (!list.texts.empty())
     {
-        *servers = copyText(line.c_str()).release();
+        *servers = newText(line).release();
     }
     return success;
 }

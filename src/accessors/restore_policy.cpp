@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "bus/call.hpp"
+#include "base/last_part.hpp"
+#include "base/required.hpp"
 #include "bus/properties.hpp"
 #include "morvath.h"
 
@@ -16,11 +17,7 @@ namespace
 constexpr Property restorePolicy{
     "xyz.openbmc_project.Settings",
     "/xyz/openbmc_project/control/host0/power_restore_policy",
-    "xyz.openbmc_project.Control.Power.RestorePolicy",
-    "PowerRestorePolicy",
-};
-
-constexpr auto unknownPolicy = "Unknown";
+    "xyz.openbmc_project.Control.Power.RestorePolicy", "PowerRestorePolicy"};
 
 struct PolicyWord
 {
@@ -54,7 +51,7 @@ int32_t getPowerRestorePolicy(char** policy)
     }
     if (!value)
     {
-        *policy = copyText(unknownPolicy).release();
+        *policy = newText(unknownWord).release();
         return success;
     }
     const auto length = std::strlen(value.get());
@@ -62,7 +59,7 @@ int32_t getPowerRestorePolicy(char** policy)
     {
         if (std::strncmp(value.get(), entry.policy, length) == 0)
         {
-            *policy = copyText(entry.word).release();
+            *policy = newText(entry.word).release();
             return success;
         }
     }
@@ -71,7 +68,7 @@ int32_t getPowerRestorePolicy(char** policy)
 
 int32_t setPowerRestorePolicy(const char* policy)
 {
-    const auto length = std::strlen(policy);
+    const auto length = std::strlen(required(policy));
     for (const auto& entry : policyWords)
     {
         if (strncasecmp(policy, entry.word, length) == 0)

@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "bus/call.hpp"
 #include "bus/properties.hpp"
 #include "morvath.h"
 
@@ -10,12 +9,9 @@ using namespace morvath;
 namespace
 {
 
-constexpr Property elapsed{
-    "xyz.openbmc_project.Time.Manager",
-    "/xyz/openbmc_project/time/bmc",
-    "xyz.openbmc_project.Time.EpochTime",
-    "Elapsed",
-};
+constexpr Property elapsed{"xyz.openbmc_project.Time.Manager",
+                           "/xyz/openbmc_project/time/bmc",
+                           "xyz.openbmc_project.Time.EpochTime", "Elapsed"};
 
 constexpr int64_t microsecondsPerSecond = 1'000'000;
 

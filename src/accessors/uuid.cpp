@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "bus/c_memory.hpp"
-#include "bus/call.hpp"
+#include "base/c_memory.hpp"
+#include "base/codes.hpp"
 #include "morvath.h"
 
 #include <systemd/sd-id128.h>
@@ -43,6 +43,6 @@ int32_t getBMCDeviceUUID(char** uuid)
     {
         text = uuidText(identifier);
     }
-    *uuid = copyText(text.c_str()).release();
+    *uuid = newText(text).release();
     return success;
 }

@@ -1,15 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "bus/mapper.hpp"
 
-#include "bus/c_memory.hpp"
-#include "bus/call.hpp"
-#include "bus/process_bus.hpp"
+#include "base/c_memory.hpp"
+#include "base/required.hpp"
 #include "bus/reply_reader.hpp"
 #include "morvath.h"
 
 #include <cstring>
-#include <iterator>
-#include <string>
 #include <utility>
 
 namespace morvath
@@ -42,10 +39,9 @@ const char* readFirstOwner(ReplyReader& reader)
     return service;
 }
 
-std::vector<MappedObject> readObjects(sdbusplus::message_t& reply)
+std::vector<MappedObject> readObjects(ReplyReader reader)
 {
     std::vector<MappedObject> objects;
-    ReplyReader reader(reply);
     reader.enter('a', "{sa{sas}}");
     while (reader.enter('e', "sa{sas}"))
     {
@@ -57,42 +53,67 @@ std::vector<MappedObject> readObjects(sdbusplus::message_t& reply)
     return objects;
 }
 
+SubTree readSubTree(ReplyReader reader)
+{
+    SubTree tree;
+    reader.enter('a', "{sa{sas}}");
+    while (reader.enter('e', "sa{sas}"))
+    {
+        auto& [path, owners] = tree.emplace_back();
+        path = reader.text();
+        reader.enter('a', "{sas}");
+        while (reader.enter('e', "sas"))
+        {
+            auto& [service, interfaces] = owners.emplace_back();
+            service = reader.text();
+            reader.enter('a', "s");
+            while (const char* interface = reader.text())
+            {
+                interfaces.emplace_back(interface);
+            }
+            reader.leave();
+            reader.leave();
+        }
+        reader.leave();
+        reader.leave();
+    }
+    reader.leave();
+    return tree;
+}
+
 } // namespace
 
-sdbusplus::message_t newMapperCall(const char* member, const char* root,
-                                   const char* interface)
+Request mapperCall(const char* member, const char* root, const char* interface)
 {
-    auto request = processBus.new_method_call(mapperService, mapperPath,
-                                              mapperInterface, member);
-    request.append(root, anyDepth, std::vector<std::string>{interface});
+    const char* const interfaces[]{required(interface), nullptr};
+    required(root);
+    Request request(mapperService, mapperPath, mapperInterface, member);
+    request.append(root).append('i', &anyDepth).append(interfaces);
     return request;
-}
-
-bool MappedObject::isOwnedBy(const char* prefix) const
-{
-    return std::strncmp(prefix, service, std::strlen(prefix)) == 0;
-}
-
-const char* ObjectList::firstOwnedBy(const char* prefix) const
-{
-    for (const auto& object : objects)
-    {
-        if (object.isOwnedBy(prefix))
-        {
-            return object.path;
-        }
-    }
-    return nullptr;
 }
 
 int32_t ObjectList::query(const char* root, const char* interface)
 {
-    auto request = newMapperCall(subTreeMember, root, interface);
+    auto request = mapperCall(subTreeMember, root, interface);
     return statusOf([&] {
-        auto answer = processBus.call(request);
-        objects = readObjects(answer);
+        auto answer = request.call();
+        objects = readObjects(ReplyReader(answer));
         reply = std::move(answer);
     });
+}
+
+std::vector<const char*> ObjectList::ownedBy(const char* prefix) const
+{
+    std::vector<const char*> paths;
+    const auto length = std::strlen(prefix);
+    for (const auto& object : objects)
+    {
+        if (std::strncmp(prefix, object.service, length) == 0)
+        {
+            paths.push_back(object.path);
+        }
+    }
+    return paths;
 }
 
 } // namespace morvath
@@ -101,39 +122,29 @@ using namespace morvath;
 
 int32_t getSubTree(const char* root, const char* interface, SubTree* result)
 {
-    auto request = newMapperCall(subTreeMember, root, interface);
+    auto request = mapperCall(subTreeMember, root, interface);
     return statusOf([&] {
-        SubTree added;
-        processBus.call(request).read(added);
-        result->insert(result->end(), std::move_iterator(added.begin()),
-                       std::move_iterator(added.end()));
+        auto reply = request.call();
+        auto added = readSubTree(ReplyReader(reply));
+        result->reserve(result->size() + added.size());
+        for (auto& object : added)
+        {
+            result->push_back(std::move(object));
+        }
     });
 }
 
 int32_t getDbusInterface(const char* prefix, const char* root,
                          const char* interface, char*** paths, uint32_t* count)
 {
+    required(prefix);
     ObjectList objects;
     if (const auto code = objects.query(root, interface))
     {
         return code;
     }
-
-    std::vector<const char*> kept;
-    for (const auto& object : objects)
-    {
-        if (object.isOwnedBy(prefix))
-        {
-            kept.push_back(object.path);
-        }
-    }
-
-    TextArray copies(kept.size());
-    for (std::size_t index = 0; index < kept.size(); ++index)
-    {
-        copies.set(index, copyText(kept[index]));
-    }
-    *paths = copies.release();
+    const auto kept = objects.ownedBy(prefix);
+    *paths = newTexts(kept);
     // Added to and never reset: callers set it to 0 first.
     *count += static_cast<uint32_t>(kept.size());
     return success;

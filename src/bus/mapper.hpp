@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <sdbusplus/message.hpp>
+#include "bus/call.hpp"
 
 #include <cstdint>
 #include <vector>
@@ -10,8 +10,7 @@ namespace morvath
 {
 
 /** A query of the object mapper for all that has the interface below root. */
-sdbusplus::message_t newMapperCall(const char* member, const char* root,
-                                   const char* interface);
+Request mapperCall(const char* member, const char* root, const char* interface);
 
 /** An object and the service that is asked about it. */
 struct MappedObject
@@ -19,8 +18,6 @@ struct MappedObject
     const char* path;
     /** The first owner only, on purpose; "" for an object without owners. */
     const char* service;
-
-    bool isOwnedBy(const char* prefix) const;
 };
 
 /** What the object mapper lists; the texts stand in its reply. */
@@ -30,21 +27,18 @@ class ObjectList
     /** 0, or -1 with the list as it was when the query failed. */
     int32_t query(const char* root, const char* interface);
 
-    /** The first path whose owner's name begins with prefix, or null. */
-    const char* firstOwnedBy(const char* prefix) const;
+    /** The paths of those whose owner's name begins with prefix. */
+    std::vector<const char*> ownedBy(const char* prefix) const;
+    /** The first of them, or null. */
+    const char* firstOwnedBy(const char* prefix) const
+    {
+        const auto paths = ownedBy(prefix);
+        return paths.empty() ? nullptr : paths.front();
+    }
 
-    std::size_t size() const
-    {
-        return objects.size();
-    }
-    auto begin() const
-    {
-        return objects.begin();
-    }
-    auto end() const
-    {
-        return objects.end();
-    }
+    std::size_t size() const { return objects.size(); }
+    auto begin() const { return objects.begin(); }
+    auto end() const { return objects.end(); }
 
   private:
     sdbusplus::message_t reply;

@@ -1,96 +1,81 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "bus/properties.hpp"
 
-#include "bus/c_memory.hpp"
-#include "bus/call.hpp"
+#include "base/required.hpp"
 #include "bus/mapper.hpp"
-#include "bus/process_bus.hpp"
 #include "morvath.h"
 
-#include <string>
-#include <utility>
-#include <variant>
-#include <vector>
+#include <systemd/sd-bus.h>
+
+#include <cstring>
 
 namespace morvath
 {
 namespace
 {
 
-using Texts = std::vector<std::string>;
-
-// Callers' buffers for one text have 200 bytes, with the terminator.
+// What is longer is no text to the callers of the text getters.
 constexpr std::size_t longestText = 199;
 
-sdbusplus::message_t newPropertyCall(const char* member,
-                                     const Property& property)
+/** A value and the reply that it lies in. */
+struct BasicReply
 {
-    auto request = processBus.new_method_call(property.service, property.path,
-                                              propertiesInterface, member);
-    request.append(property.interface, property.name);
-    return request;
-}
+    sdbusplus::message_t message;
+    BasicValue value{};
+};
 
-int32_t readProperty(const Property& property, PropertyValue& value)
+int32_t readBasic(const Property& property, char type, BasicReply& reply)
 {
-    auto request = newPropertyCall("Get", property);
+    auto request = propertyCall("Get", property);
     return statusOf([&] {
-        PropertyValue read;
-        processBus.call(request).read(read);
-        value = std::move(read);
+        auto answer = request.call();
+        ReplyReader reader(answer);
+        const char contents[]{type, '\0'};
+        reader.enterVariant(contents);
+        reader.read(type, &reply.value.text);
+        reply.message = std::move(answer);
     });
 }
 
-int32_t writeProperty(const Property& property, const PropertyValue& value)
+int32_t writeBasic(const Property& property, char type, const void* value)
 {
-    auto request = newPropertyCall("Set", property);
-    request.append(value);
-    return statusOf([&] { processBus.call(request); });
+    auto request = propertyCall("Set", property);
+    const char contents[]{type, '\0'};
+    request.open('v', contents).append(type, value).close();
+    return statusOf([&] { request.call(); });
 }
 
-/** Hands the value to store; one of another type leaves as an exception. */
-template <typename Held, typename Store>
-int32_t readAs(const Property& property, const Store& store)
+int32_t writeTexts(const Property& property, const char* const* values)
 {
-    PropertyValue value;
-    const auto code = readProperty(property, value);
-    if (code == success)
-    {
-        store(std::get<Held>(value));
-    }
-    return code;
-}
-
-char** copyTexts(const Texts& texts)
-{
-    TextArray copies(texts.size());
-    for (std::size_t index = 0; index < texts.size(); ++index)
-    {
-        copies.set(index, copyText(texts[index].c_str()));
-    }
-    return copies.release();
-}
-
-Texts textsOf(const char** values)
-{
-    Texts texts;
-    for (; *values; ++values)
-    {
-        texts.emplace_back(*values);
-    }
-    return texts;
+    auto request = propertyCall("Set", property);
+    request.open('v', "as").append(values).close();
+    return statusOf([&] { request.call(); });
 }
 
 } // namespace
 
+Request propertyCall(const char* member, const Property& property)
+{
+    required(property.service);
+    required(property.path);
+    required(property.interface);
+    required(property.name);
+    Request request(property.service, property.path, propertiesInterface,
+                    member);
+    request.append(property.interface).append(property.name);
+    return request;
+}
+
 int32_t readText(const Property& property, CText& value)
 {
-    return readAs<std::string>(property, [&](const std::string& text) {
-        if (!text.empty() && text.size() <= longestText)
-        {
-            value = copyText(text.c_str());
-        }
-    });
+    BasicReply reply;
+    const auto code = readBasic(property, SD_BUS_TYPE_STRING, reply);
+    const std::string_view text(code == success ? reply.value.text : "");
+    if (!text.empty() && text.size() <= longestText)
+    {
+        value = newText(text);
+    }
+    return code;
 }
 
 int32_t readText(const Property& property, char** value)
@@ -104,41 +89,65 @@ int32_t readText(const Property& property, char** value)
     return code;
 }
 
-int32_t readTexts(const Property& property, Texts& values)
+std::vector<const char*> readTexts(ReplyReader& reader)
 {
-    return readAs<Texts>(property, [&](Texts& texts) { values.swap(texts); });
+    std::vector<const char*> texts;
+    reader.enter('a', "s");
+    while (const char* text = reader.text())
+    {
+        texts.push_back(text);
+    }
+    reader.leave();
+    return texts;
+}
+
+int32_t readTexts(const Property& property, TextList& list)
+{
+    auto request = propertyCall("Get", property);
+    return statusOf([&] {
+        auto answer = request.call();
+        ReplyReader reader(answer);
+        reader.enterVariant("as");
+        list.texts = readTexts(reader);
+        list.reply = std::move(answer);
+    });
 }
 
 int32_t readByte(const Property& property, uint8_t* value)
 {
-    return readAs<uint8_t>(property, [&](uint8_t byte) { *value = byte; });
+    BasicReply reply;
+    const auto code = readBasic(property, SD_BUS_TYPE_BYTE, reply);
+    if (code == success)
+    {
+        *value = reply.value.byte;
+    }
+    return code;
 }
 
 int32_t readFlag(const Property& property, uint8_t* value)
 {
-    return readAs<bool>(property, [&](bool flag) { *value = flag; });
+    BasicReply reply;
+    const auto code = readBasic(property, SD_BUS_TYPE_BOOLEAN, reply);
+    if (code == success)
+    {
+        *value = reply.value.boolean != 0;
+    }
+    return code;
 }
 
 int32_t writeText(const Property& property, const char* value)
 {
-    return writeProperty(property, std::string(value));
+    return writeBasic(property, SD_BUS_TYPE_STRING, required(value));
 }
 
 int32_t writeNumber(const Property& property, uint64_t value)
 {
-    return writeProperty(property, value);
+    return writeBasic(property, SD_BUS_TYPE_UINT64, &value);
 }
 
 } // namespace morvath
 
 using namespace morvath;
-
-int32_t _getDbusProperty(const char* service, const char* path,
-                         const char* interface, const char* property,
-                         PropertyValue* value)
-{
-    return readProperty({service, path, interface, property}, *value);
-}
 
 int32_t getDbusPropertyString(const char* service, const char* path,
                               const char* interface, const char* property,
@@ -151,15 +160,15 @@ int32_t getDbusPropertyVectorString(const char* service, const char* path,
                                     const char* interface, const char* property,
                                     char*** values, uint32_t* count)
 {
-    Texts texts;
-    const auto code = readTexts({service, path, interface, property}, texts);
+    TextList list;
+    const auto code = readTexts({service, path, interface, property}, list);
     if (code == success)
     {
-        if (!texts.empty())
+        if (!list.texts.empty())
         {
-            *values = copyTexts(texts);
+            *values = newTexts(list.texts);
         }
-        *count = static_cast<uint32_t>(texts.size());
+        *count = static_cast<uint32_t>(list.texts.size());
     }
     return code;
 }
@@ -178,18 +187,13 @@ int32_t getDbusPropertyBool(const char* service, const char* path,
     return readFlag({service, path, interface, property}, value);
 }
 
-int32_t _setDbusProperty(const char* service, const char* path,
-                         const char* interface, const char* property,
-                         const PropertyValue* value)
-{
-    return writeProperty({service, path, interface, property}, *value);
-}
-
 int32_t setDbusPropertyBool(const char* service, const char* path,
                             const char* interface, const char* property,
                             uint8_t value)
 {
-    return writeProperty({service, path, interface, property}, value != 0);
+    const int flag = value != 0;
+    return writeBasic({service, path, interface, property}, SD_BUS_TYPE_BOOLEAN,
+                      &flag);
 }
 
 int32_t setDbusPropertyUint64(const char* service, const char* path,
@@ -210,7 +214,7 @@ int32_t setDbusPropertyVectorString(const char* service, const char* path,
                                     const char* interface, const char* property,
                                     const char** values)
 {
-    return writeProperty({service, path, interface, property}, textsOf(values));
+    return writeTexts({service, path, interface, property}, required(values));
 }
 
 int32_t setDbusPropertyVectorStringWithoutPath(const char* service,
@@ -218,19 +222,25 @@ int32_t setDbusPropertyVectorStringWithoutPath(const char* service,
                                                const char* property,
                                                const char** values)
 {
-    auto request = newMapperCall("GetSubTreePaths", "/", interface);
-    Texts paths;
-    // Deliberately no error: without an answer there is nothing to write to.
-    if (statusOf([&] { processBus.call(request).read(paths); }) != success)
+    required(service);
+    required(property);
+    required(values);
+    auto request = mapperCall("GetSubTreePaths", "/", interface);
+    TextList paths;
+    const auto code = statusOf([&] {
+        auto answer = request.call();
+        ReplyReader reader(answer);
+        paths.texts = readTexts(reader);
+        paths.reply = std::move(answer);
+    });
+    if (code != success)
     {
+        // Deliberately no error: without an answer there is nothing to write.
         return success;
     }
-
-    const PropertyValue value = textsOf(values);
-    for (const auto& path : paths)
+    for (const char* path : paths.texts)
     {
-        if (writeProperty({service, path.c_str(), interface, property},
-                          value) != success)
+        if (writeTexts({service, path, interface, property}, values) != success)
         {
             return busFailure;
         }

@@ -1,14 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "bus/c_memory.hpp"
+#include "base/c_memory.hpp"
+#include "bus/call.hpp"
+#include "bus/reply_reader.hpp"
 
 #include <cstdint>
-#include <string>
 #include <vector>
 
 namespace morvath
 {
+
+constexpr auto propertiesInterface = "org.freedesktop.DBus.Properties";
 
 /** Where a property is: the four texts that every accessor binds. */
 struct Property
@@ -26,12 +29,23 @@ struct Property
 int32_t readText(const Property& property, CText& value);
 int32_t readText(const Property& property, char** value);
 
-int32_t readTexts(const Property& property, std::vector<std::string>& values);
+/** Texts that stand in the reply. */
+struct TextList
+{
+    sdbusplus::message_t reply;
+    std::vector<const char*> texts;
+};
+
+int32_t readTexts(const Property& property, TextList& list);
 int32_t readByte(const Property& property, uint8_t* value);
 int32_t readFlag(const Property& property, uint8_t* value);
 int32_t writeText(const Property& property, const char* value);
 int32_t writeNumber(const Property& property, uint64_t value);
 
-constexpr auto propertiesInterface = "org.freedesktop.DBus.Properties";
+/** The texts up to the end of the array that the reader stands before. */
+std::vector<const char*> readTexts(ReplyReader& reader);
+
+/** A request for or with a property, complete but for a value. */
+Request propertyCall(const char* member, const Property& property);
 
 } // namespace morvath

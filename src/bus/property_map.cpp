@@ -1,14 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "bus/property_map.hpp"
 
+#include "base/required.hpp"
+#include "bus/object_path.hpp"
 #include "bus/render.hpp"
 
-#include <sdbusplus/message/native_types.hpp>
 #include <strings.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
-#include <stdexcept>
 
 namespace morvath
 {
@@ -29,12 +30,13 @@ bool fallsBackToPath(const char* name)
     return strncasecmp(name, fallbackName, fallbackLength) == 0;
 }
 
-CText lastSegment(const char* path)
-{
-    return copyText(sdbusplus::object_path(path).filename().c_str());
-}
-
 } // namespace
+
+int PropertyMap::compareNames(const void* left, const void* right)
+{
+    return std::strcmp(static_cast<const Entry*>(left)->name,
+                       static_cast<const Entry*>(right)->name);
+}
 
 PropertyMap::PropertyMap(std::span<const char* const> requested) :
     names(requested)
@@ -42,17 +44,21 @@ PropertyMap::PropertyMap(std::span<const char* const> requested) :
     entries.reserve(names.size());
     for (std::size_t column = 0; column < names.size(); ++column)
     {
-        if (!names[column])
-        {
-            throw std::logic_error(
-                "basic_string: construction from null is not valid");
-        }
-        entries.push_back({names[column], column});
+        entries.push_back({required(names[column]), column});
     }
-    std::ranges::sort(entries, isLess, &Entry::name);
+    // Here and not std::sort(), which is much more code.
+    if (!entries.empty())
+    {
+        std::qsort(entries.data(), entries.size(), sizeof(Entry), compareNames);
+    }
+    for (std::size_t index = 1; index < entries.size(); ++index)
+    {
+        auto& entry = entries[index - 1];
+        entry.isRepeated = std::strcmp(entry.name, entries[index].name) == 0;
+    }
 }
 
-TextArray PropertyMap::readRow(ReplyReader reply, const char* path)
+char** PropertyMap::readRow(ReplyReader reply, const char* path)
 {
     TextArray row(names.size());
     readProperties(reply, row);
@@ -60,46 +66,60 @@ TextArray PropertyMap::readRow(ReplyReader reply, const char* path)
     {
         if (!row[column] && fallsBackToPath(names[column]))
         {
-            row.set(column, lastSegment(path));
+            row.set(column, newText(lastSegment(path)));
         }
     }
-    return row;
+    return row.release();
 }
 
 void PropertyMap::readProperties(ReplyReader& reply, TextArray& row)
 {
+    std::size_t position = 0;
     reply.enter('a', "{sv}");
     while (reply.enter('e', "sv"))
     {
-        const auto columns = columnsOf(reply.text());
-        if (columns.empty())
+        if (auto* entry = find(reply.text(), position++))
         {
-            reply.skip("v");
+            // Of a name that two interfaces share the last value stays.
+            const auto value = reply.variant(entry->type);
+            row.set(entry->column, renderPropertyValue(value));
+            for (; entry->isRepeated; ++entry)
+            {
+                row.set(entry[1].column, renderPropertyValue(value));
+            }
         }
         else
         {
-            // Of a name that two interfaces share the last value stays.
-            const auto value = reply.variant(columns.front().type);
-            for (const auto& entry : columns)
-            {
-                row.set(entry.column, renderPropertyValue(value));
-            }
+            reply.skip("v");
         }
         reply.leave();
     }
     reply.leave();
 }
 
-std::span<PropertyMap::Entry> PropertyMap::columnsOf(const char* name)
+PropertyMap::Entry* PropertyMap::find(const char* name, std::size_t position)
 {
-    const auto first =
-        std::ranges::lower_bound(entries, name, isLess, &Entry::name);
-    auto last = first;
-    while (last != entries.end() && std::strcmp(last->name, name) == 0)
+    auto* const end = entries.data() + entries.size();
+    if (position == places.size())
     {
-        ++last;
+        places.push_back(end);
     }
-    return {first, last};
+    // Objects of a table mostly have the same properties in the same order, so
+    // that the place of the object before usually is the right one.
+    auto*& place = places[position];
+    const int order = place == end ? -1 : std::strcmp(name, place->name);
+    if (order == 0)
+    {
+        return place;
+    }
+    if (order < 0 && place != entries.data() && isLess(place[-1].name, name))
+    {
+        return nullptr;
+    }
+    place = std::ranges::lower_bound(entries.data(), end, name, isLess,
+                                     &Entry::name);
+    return place != end && std::strcmp(place->name, name) == 0 ? place
+                                                               : nullptr;
 }
 
 } // namespace morvath

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "bus/c_memory.hpp"
+#include "base/c_memory.hpp"
 #include "bus/reply_reader.hpp"
 
 #include <cstddef>
@@ -21,24 +21,31 @@ class PropertyMap
     /** A null name raises std::logic_error. The names are not copied. */
     explicit PropertyMap(std::span<const char* const> names);
 
-    /** The row of the object at path, from the reply of "GetAll". */
-    TextArray readRow(ReplyReader reply, const char* path);
+    /** The row of the object at path, in C memory, from the reply of "GetAll".
+     */
+    char** readRow(ReplyReader reply, const char* path);
 
   private:
     struct Entry
     {
         const char* name;
         std::size_t column;
+        /** Whether the next entry has the same name. */
+        bool isRepeated = false;
         /** What the object before this one had. */
         char type = BasicValue::other;
     };
 
+    static int compareNames(const void* left, const void* right);
     void readProperties(ReplyReader& reply, TextArray& row);
-    std::span<Entry> columnsOf(const char* name);
+    /** Null for a name that nobody asked for. */
+    Entry* find(const char* name, std::size_t position);
 
     std::span<const char* const> names;
     /** In byte order of the names; a name asked for twice has two entries. */
     std::vector<Entry> entries;
+    /** Where the names of the object before belong, by their position. */
+    std::vector<Entry*> places;
 };
 
 } // namespace morvath

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "bus/c_memory.hpp"
+#include "base/c_memory.hpp"
 #include "bus/reply_reader.hpp"
 
 namespace morvath

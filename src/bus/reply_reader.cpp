@@ -6,6 +6,8 @@
 
 #include <cerrno>
 #include <cstring>
+#include <tuple>
+#include <variant>
 
 namespace morvath
 {
@@ -25,7 +27,7 @@ int checked(int result, const char* function)
 char basicType(const char* contents)
 {
     const bool isBasic = contents[0] != '\0' && contents[1] == '\0' &&
-                         std::strchr("sxtdiuqyb", contents[0]);
+                         std::strchr("sxtdiunqyb", contents[0]);
     return isBasic ? contents[0] : BasicValue::other;
 }
 
@@ -48,30 +50,63 @@ void ReplyReader::skip(const char* types)
     checked(sd_bus_message_skip(message, types), "sd_bus_message_skip");
 }
 
+bool ReplyReader::read(char type, void* value)
+{
+    return checked(sd_bus_message_read_basic(message, type, value),
+                   "sd_bus_message_read_basic") != 0;
+}
+
+bool ReplyReader::isAtEnd()
+{
+    return checked(sd_bus_message_at_end(message, false),
+                   "sd_bus_message_at_end") != 0;
+}
+
 const char* ReplyReader::text()
 {
+    // Null at the end of what there is.
     const char* value = nullptr;
-    checked(sd_bus_message_read_basic(message, SD_BUS_TYPE_STRING, &value),
-            "sd_bus_message_read_basic string");
+    read(SD_BUS_TYPE_STRING, &value);
     return value;
+}
+
+void ReplyReader::enterVariant(const char* contents)
+{
+    const int result =
+        sd_bus_message_enter_container(message, SD_BUS_TYPE_VARIANT, contents);
+    if (result == -ENXIO)
+    {
+        // What is no variant at all is no reply to the question.
+        skip("v");
+        // Raised by std::get(), which gives it the text that callers know.
+        std::ignore = std::get<int>(std::variant<char, int>());
+    }
+    checked(result, "sd_bus_message_enter_container");
+}
+
+const char* ReplyReader::contents()
+{
+    const char* contents = "";
+    checked(sd_bus_message_peek_type(message, nullptr, &contents),
+            "sd_bus_message_peek_type");
+    return contents ? contents : "";
 }
 
 BasicValue ReplyReader::variant(char& expected)
 {
     BasicValue value{};
-    expected = value.type = enterVariant(expected);
+    expected = value.type = enterBasicVariant(expected);
     if (value.type == BasicValue::other)
     {
         skip("v");
         return value;
     }
-    checked(sd_bus_message_read_basic(message, value.type, &value.text),
-            "sd_bus_message_read_basic");
+    read(value.type, &value.text);
     leave();
     return value;
 }
 
-char ReplyReader::enterVariant(char expected)
+char ReplyReader::enterBasicVariant(char expected)
 {
     const char guess[]{expected, '\0'};
     // The objects of a table nearly always have the same types, and entering
@@ -81,13 +116,11 @@ char ReplyReader::enterVariant(char expected)
     {
         return expected;
     }
-    const char* contents = "";
-    checked(sd_bus_message_peek_type(message, nullptr, &contents),
-            "sd_bus_message_peek_type");
-    const char type = basicType(contents);
+    const char* held = contents();
+    const char type = basicType(held);
     if (type != BasicValue::other)
     {
-        enter(SD_BUS_TYPE_VARIANT, contents);
+        enter(SD_BUS_TYPE_VARIANT, held);
     }
     return type;
 }

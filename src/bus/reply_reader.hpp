@@ -21,6 +21,7 @@ struct BasicValue
         double real;
         int32_t int32;
         uint32_t uint32;
+        int16_t int16;
         uint16_t uint16;
         uint8_t byte;
         int boolean;
@@ -43,8 +44,22 @@ class ReplyReader
     void leave();
     void skip(const char* types);
 
+    /** Whether there was one; not so at the end of an array. */
+    bool read(char type, void* value);
+
+    bool isAtEnd();
+
     /** Valid as long as the reply. */
     const char* text();
+
+    /**
+     * Enters a variant of just these contents; one of others raises
+     * std::bad_variant_access.
+     */
+    void enterVariant(const char* contents);
+
+    /** What is in a variant; "" when there is none. */
+    const char* contents();
 
     /**
      * The value in a variant; skipped when it is not a basic one.
@@ -54,7 +69,7 @@ class ReplyReader
     BasicValue variant(char& expected);
 
   private:
-    char enterVariant(char expected);
+    char enterBasicVariant(char expected);
 
     sd_bus_message* message;
 };

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
-#include <string>
+#include <string_view>
 
 namespace morvath
 {
@@ -21,10 +21,7 @@ class PackedRecord
     explicit PackedRecord(const Record& record) : bytes(record.bytes)
     {}
 
-    uint8_t byte(std::size_t offset) const
-    {
-        return bytes[offset];
-    }
+    uint8_t byte(std::size_t offset) const { return bytes[offset]; }
 
     template <std::unsigned_integral Number>
     Number number(std::size_t offset) const
@@ -32,11 +29,19 @@ class PackedRecord
         return static_cast<Number>(littleEndian(offset, sizeof(Number)));
     }
 
-    /** Up to a NUL, or the end of the record. */
-    std::string text(std::size_t offset) const;
+    /** Up to a NUL, or the end of the record, which it lies in. */
+    std::string_view text(std::size_t offset) const
+    {
+        const auto rest = characters(offset, bytes.size() - offset);
+        return rest.substr(0, rest.find('\0'));
+    }
 
     /** Just so many characters, whatever they are. */
-    std::string characters(std::size_t offset, std::size_t length) const;
+    std::string_view characters(std::size_t offset, std::size_t length) const
+    {
+        const auto area = bytes.subspan(offset, length);
+        return {reinterpret_cast<const char*>(area.data()), area.size()};
+    }
 
   private:
     uint64_t littleEndian(std::size_t offset, std::size_t size) const;

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "raid/physical_drives.hpp"
 
-#include "raid/selector.hpp"
-
 namespace morvath
 {
 namespace

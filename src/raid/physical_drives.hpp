@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "raid/vontel.hpp"
+#include "vontel.hpp"
 
 #include <vector>
 
 namespace morvath
 {
+
+/** What every operation of the RAID management library with one is given. */
+constexpr uint8_t selector = 0;
 
 /**
  * Appends every drive behind every controller, in the order of the library.

@@ -20,9 +20,7 @@ constexpr std::array columns{
 
 constexpr Table adapters{
     "/xyz/openbmc_project/inventory/system/chassis/motherboard",
-    "xyz.openbmc_project.Inventory.Item.NetAdapter",
-    columns,
-};
+    "xyz.openbmc_project.Inventory.Item.NetAdapter", columns};
 
 } // namespace
 

@@ -11,23 +11,24 @@
 #include <vector>
 
 using namespace morvath;
+namespace physical_drive = vontel::physical_drive;
 
 namespace
 {
 
 constexpr auto speedUnit = "GB/s";
 constexpr unsigned gibibyteShift = 30;
-// Spelt so, with a capital K, since the first release.
+// Spelt so, with a capital K, on purpose.
 constexpr auto noRevision = "UnKnown";
 
 void storeGibibytes(uint32_t& field, CText&& cell)
 {
-    field = static_cast<uint32_t>(std::stoull(cell.get()) >> gibibyteShift);
+    field = static_cast<uint32_t>(unsignedNumber(cell.get()) >> gibibyteShift);
 }
 
 void storeSpeed(char*& field, CText&& cell)
 {
-    field = copyText((std::string(cell.get()) + speedUnit).c_str()).release();
+    storeText(field, std::string(required(cell.get())) + speedUnit);
 }
 
 constexpr std::array columns{
@@ -45,11 +46,8 @@ constexpr std::array columns{
     column<&HddInfoEntry::present>("Present"),
 };
 
-constexpr Table busDisks{
-    "/",
-    "xyz.openbmc_project.Inventory.Item.Disk",
-    columns,
-};
+constexpr Table busDisks{"/", "xyz.openbmc_project.Inventory.Item.Disk",
+                         columns};
 
 using RaidDrives = std::vector<vontel::PhyDevInfo_T>;
 
@@ -71,10 +69,17 @@ bool isWhiteSpace(char character)
 }
 
 /** Blank-padded areas; blanks inside are dropped as well. */
-std::string withoutWhiteSpace(std::string text)
+std::string withoutWhiteSpace(std::string_view text)
 {
-    std::erase_if(text, isWhiteSpace);
-    return text;
+    std::string kept;
+    for (const char character : text)
+    {
+        if (!isWhiteSpace(character))
+        {
+            kept += character;
+        }
+    }
+    return kept;
 }
 
 uint32_t gibibytesOf(const PackedRecord& drive)
@@ -83,11 +88,6 @@ uint32_t gibibytesOf(const PackedRecord& drive)
     const auto bytes = drive.number<uint64_t>(physical_drive::blocks) *
                        drive.number<uint32_t>(physical_drive::blockSize);
     return static_cast<uint32_t>(bytes >> gibibyteShift);
-}
-
-char* textOf(const std::string& text)
-{
-    return copyText(text.c_str()).release();
 }
 
 void fillRaidDrive(HddInfoEntry& entry, const PackedRecord& drive)
@@ -99,20 +99,20 @@ void fillRaidDrive(HddInfoEntry& entry, const PackedRecord& drive)
         withoutWhiteSpace(drive.characters(at::model, at::modelLength));
     const auto serial = drive.text(at::serial);
 
-    entry.name = textOf(vendor + '-' + model + '-' + serial);
-    entry.manufacturer = textOf(vendor);
-    entry.model = textOf(model);
-    entry.serialNumber = textOf(serial);
-    entry.mediaType =
-        textOf(vontel::getDriveMediaType(drive.byte(at::mediaType)));
-    entry.protocol =
-        textOf(vontel::getDriveInterfaceType(drive.byte(at::interfaceType)));
-    entry.revision = textOf(noRevision);
-    entry.diskUsage = textOf(std::to_string(drive.byte(at::usage)));
+    storeText(entry.name, vendor + '-' + model + '-' + std::string(serial));
+    storeText(entry.manufacturer, vendor);
+    storeText(entry.model, model);
+    storeText(entry.serialNumber, serial);
+    storeText(entry.mediaType,
+              vontel::getDriveMediaType(drive.byte(at::mediaType)));
+    storeText(entry.protocol,
+              vontel::getDriveInterfaceType(drive.byte(at::interfaceType)));
+    storeText(entry.revision, noRevision);
+    storeText(entry.diskUsage, std::to_string(drive.byte(at::usage)));
     entry.diskTemp = drive.byte(at::temperature);
     entry.capacityGiB = gibibytesOf(drive);
-    entry.capableSpeed =
-        textOf(vontel::getDriveSpeed(drive.byte(at::linkSpeed)) + speedUnit);
+    storeText(entry.capableSpeed,
+              vontel::getDriveSpeed(drive.byte(at::linkSpeed)) + speedUnit);
     entry.present = 1;
 }
 
@@ -128,21 +128,19 @@ void fillRaidDrives(const RaidDrives& drives, HddInfoEntry* entry)
 
 int32_t getHddTableInfo(HddInfoEntry** outArray, int32_t* outCount)
 {
-    int32_t rowCount = 0;
-    RowSet rows(rowCount);
+    Rows rows;
     if (const auto code = readRows(busDisks, rows))
     {
         return code;
     }
     const auto drives = readRaidDrives();
+    const auto rowCount = static_cast<int32_t>(rows.size());
     const auto count = rowCount + static_cast<int32_t>(drives.size());
-    auto* records = static_cast<HddInfoEntry*>(
-        allocateRecords(count, sizeof(HddInfoEntry)));
-    *outArray = records;
-    if (!records && count != 0)
+    if (const auto code = newRecords(count, outArray))
     {
-        return outOfMemory;
+        return code;
     }
+    auto* records = *outArray;
     try
     {
         fillRecords(busDisks, rows, records, sizeof(HddInfoEntry), rowCount);

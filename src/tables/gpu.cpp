@@ -14,7 +14,7 @@ void storeCopy(char*& field, CText&& cell)
 {
     if (cell)
     {
-        field = copyText(cell.get()).release();
+        storeText(field, cell.get());
     }
 }
 
@@ -31,9 +31,7 @@ constexpr std::array columns{
 
 constexpr Table gpus{
     "/xyz/openbmc_project/inventory/system/chassis/motherboard",
-    "xyz.openbmc_project.Inventory.Item.Gpu",
-    columns,
-};
+    "xyz.openbmc_project.Inventory.Item.Gpu", columns};
 
 } // namespace
 

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "base/last_part.hpp"
 #include "morvath.h"
 #include "tables/table.hpp"
 
@@ -12,7 +13,7 @@ namespace
 /** The short word of an enumeration value. */
 void storeWord(char*& field, CText&& cell)
 {
-    field = copyText(getLastStr(cell.get()).c_str()).release();
+    storeText(field, lastPart(required(cell.get()), unknownWord));
 }
 
 constexpr std::array columns{
@@ -31,11 +32,8 @@ constexpr std::array columns{
     column<&MemInfoEntry::present>("Present"),
 };
 
-constexpr Table modules{
-    "/",
-    "xyz.openbmc_project.Inventory.Item.Dimm",
-    columns,
-};
+constexpr Table modules{"/", "xyz.openbmc_project.Inventory.Item.Dimm",
+                        columns};
 
 } // namespace
 

@@ -14,7 +14,7 @@ namespace
 
 constexpr auto networkRoot = "/xyz/openbmc_project/network";
 constexpr auto addressInterface = "xyz.openbmc_project.Network.IP";
-constexpr auto staticOrigin =
+constexpr std::string_view staticOrigin =
     "xyz.openbmc_project.Network.IP.AddressOrigin.Static";
 constexpr auto noAddress = "-";
 
@@ -26,8 +26,7 @@ constexpr uint32_t maskBits = 32;
 
 void storeOrigin(int32_t& field, CText&& cell)
 {
-    const std::string origin(cell.get());
-    field = origin == staticOrigin ? originStatic : originOther;
+    field = required(cell.get()) == staticOrigin ? originStatic : originOther;
 }
 
 uint32_t maskOf(int32_t prefixLength)
@@ -46,7 +45,7 @@ void storeNetmask(char*& field, CText&& cell)
     const in_addr mask{htonl(maskOf(prefixLength))};
     std::array<char, INET_ADDRSTRLEN> text;
     inet_ntop(AF_INET, &mask, text.data(), text.size());
-    field = copyText(text.data()).release();
+    storeText(field, text.data());
 }
 
 constexpr std::array addressColumns{
@@ -57,16 +56,15 @@ constexpr std::array addressColumns{
 
 void addAddress(BmcNetworkInfoEntry& entry, Row)
 {
-    const auto root = networkRoot + ('/' + std::string(entry.ifName));
+    const auto root = networkRoot + ('/' + std::string(required(entry.ifName)));
     const Table addresses{root.c_str(), addressInterface, addressColumns};
-    int32_t count = 0;
-    RowSet rows(count);
+    Rows rows;
     // An interface whose addresses cannot be listed counts as one without.
     if (readRows(addresses, rows) != success || rows.size() == 0)
     {
-        entry.ipAddress = copyText(noAddress).release();
+        storeText(entry.ipAddress, noAddress);
         entry.addressOrigin = originNone;
-        entry.netmask = copyText(noAddress).release();
+        storeText(entry.netmask, noAddress);
         return;
     }
     // The first one counts, whatever its family.
@@ -80,12 +78,9 @@ constexpr std::array interfaceColumns{
     column<&BmcNetworkInfoEntry::defaultGateway>("DefaultGateway"),
 };
 
-constexpr Table interfaces{
-    networkRoot,
-    "xyz.openbmc_project.Network.EthernetInterface",
-    interfaceColumns,
-    finishWith<addAddress>,
-};
+constexpr Table interfaces{networkRoot,
+                           "xyz.openbmc_project.Network.EthernetInterface",
+                           interfaceColumns, finishWith<addAddress>};
 
 } // namespace
 

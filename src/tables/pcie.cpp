@@ -16,11 +16,8 @@ constexpr std::array columns{
     column<&PcieInfoEntry::present>("Present"),
 };
 
-constexpr Table slots{
-    "/",
-    "xyz.openbmc_project.Inventory.Item.PCIeSlot",
-    columns,
-};
+constexpr Table slots{"/", "xyz.openbmc_project.Inventory.Item.PCIeSlot",
+                      columns};
 
 } // namespace
 

@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "bus/mapper.hpp"
+#include "bus/object_path.hpp"
 #include "morvath.h"
 #include "tables/table.hpp"
 
-#include <sdbusplus/message/native_types.hpp>
-
 #include <array>
-#include <cstdio>
+#include <charconv>
 #include <cstdlib>
-#include <deque>
 #include <string>
+#include <vector>
 
 using namespace morvath;
 
@@ -25,12 +25,13 @@ constexpr auto portInterface = "xyz.openbmc_project.Inventory.Item.NetworkPort";
 constexpr std::size_t longestPath = 127;
 constexpr uint64_t bitsPerGigabit = 1'000'000'000;
 constexpr auto noRatio = "-";
+constexpr int ratioDecimals = 1;
 // A ratio has up to 20 digits, then the point, one more and the sign.
 constexpr std::size_t longestRatio = 23;
 
 void storeGigabits(uint32_t& field, CText&& cell)
 {
-    field = static_cast<uint32_t>(std::stoull(cell.get()) / bitsPerGigabit);
+    field = static_cast<uint32_t>(unsignedNumber(cell.get()) / bitsPerGigabit);
 }
 
 constexpr std::array columns{
@@ -45,27 +46,28 @@ constexpr std::array columns{
     Column{"Drop"},
 };
 
-constexpr std::size_t packetsCell = 7;
-constexpr std::size_t dropCell = 8;
-
 CText dropRatio(uint64_t packets, uint64_t drops)
 {
     if (packets == 0)
     {
-        return copyText(noRatio);
+        return newText(noRatio);
     }
     // The plain ratio with a percent sign, on purpose not times 100; drops
     // beyond all measure are written out in full.
-    std::array<char, longestRatio + 1> text;
-    std::snprintf(text.data(), text.size(), "%2.1f%%",
-                  static_cast<double>(drops) / static_cast<double>(packets));
-    return copyText(text.data());
+    std::array<char, longestRatio> text;
+    auto* end =
+        std::to_chars(text.begin(), text.end(),
+                      static_cast<double>(drops) / static_cast<double>(packets),
+                      std::chars_format::fixed, ratioDecimals)
+            .ptr;
+    *end++ = '%';
+    return newText({text.begin(), end});
 }
 
 void addDropRatio(PortInfoEntry& entry, Row row)
 {
-    const auto packets = std::stoull(row[packetsCell]);
-    const auto drops = std::stoull(row[dropCell]);
+    const auto packets = unsignedNumber(row[cell(columns, "Packets")]);
+    const auto drops = unsignedNumber(row[cell(columns, "Drop")]);
     entry.dropRatio = dropRatio(packets, drops).release();
 }
 
@@ -76,52 +78,34 @@ Table portsBelow(const char* adapter)
 
 struct Adapter
 {
-    explicit Adapter(const char* path) : path(path) {}
-
     const char* path;
-    int32_t portCount = 0;
-    RowSet ports{portCount};
+    Rows ports;
 };
 
-/** Not a vector: the rows refer to their counter, so nothing may move. */
-using Adapters = std::deque<Adapter>;
-
 /** Ends at an adapter whose ports cannot be listed; those before it stay. */
-Adapters readAdapters(const TextArray& paths)
+std::vector<Adapter> readAdapters(const std::vector<const char*>& paths)
 {
-    Adapters adapters;
-    for (std::size_t index = 0; index < paths.size(); ++index)
+    std::vector<Adapter> adapters;
+    for (const char* path : paths)
     {
-        auto& adapter = adapters.emplace_back(paths[index]);
-        if (readRows(portsBelow(adapter.path), adapter.ports) != success)
+        Adapter adapter{path, {}};
+        if (readRows(portsBelow(path), adapter.ports) != success)
         {
             break;
         }
+        adapters.push_back(std::move(adapter));
     }
     return adapters;
 }
 
-int32_t countPorts(const Adapters& adapters)
+void fillPorts(const Adapter& adapter, PortInfoEntry*& record)
 {
-    int32_t count = 0;
-    for (const auto& adapter : adapters)
+    const auto name = lastSegment(adapter.path);
+    const auto table = portsBelow(adapter.path);
+    for (std::size_t index = 0; index < adapter.ports.size(); ++index)
     {
-        count += adapter.portCount;
-    }
-    return count;
-}
-
-void fillPorts(const Adapters& adapters, PortInfoEntry* record)
-{
-    for (const auto& adapter : adapters)
-    {
-        const auto name = sdbusplus::object_path(adapter.path).filename();
-        const auto table = portsBelow(adapter.path);
-        for (std::size_t index = 0; index < adapter.ports.size(); ++index)
-        {
-            record->adapterName = copyText(name.c_str()).release();
-            fillRecord(table, adapter.ports[index], record++);
-        }
+        storeText(record->adapterName, name);
+        fillRecord(table, adapter.ports[index], record++);
     }
 }
 
@@ -129,28 +113,32 @@ void fillPorts(const Adapters& adapters, PortInfoEntry* record)
 
 int32_t getNetPortTableInfo(PortInfoEntry** outArray, int32_t* outCount)
 {
-    char** found = nullptr;
-    uint32_t adapterCount = 0;
-    if (const auto code = getDbusInterface(
-            service, motherboard, adapterInterface, &found, &adapterCount))
+    ObjectList found;
+    if (const auto code = found.query(motherboard, adapterInterface))
     {
         return code;
     }
-    const TextArray paths(found, adapterCount);
-    if (paths.size() == 0)
+    const auto paths = found.ownedBy(service);
+    if (paths.empty())
     {
         // Neither output is touched then, unlike in all other tables.
         return success;
     }
     const auto adapters = readAdapters(paths);
-    *outCount = countPorts(adapters);
-    *outArray = static_cast<PortInfoEntry*>(
-        allocateRecords(*outCount, sizeof(PortInfoEntry)));
-    if (!*outArray && *outCount != 0)
+    *outCount = 0;
+    for (const auto& adapter : adapters)
     {
-        return outOfMemory;
+        *outCount += static_cast<int32_t>(adapter.ports.size());
     }
-    fillPorts(adapters, *outArray);
+    if (const auto code = newRecords(*outCount, outArray))
+    {
+        return code;
+    }
+    auto* record = *outArray;
+    for (const auto& adapter : adapters)
+    {
+        fillPorts(adapter, record);
+    }
     return success;
 }
 
@@ -163,15 +151,13 @@ void free_port_entry_content(PortInfoEntry* one)
 
 int32_t setLldpEnalbed(const char* adapter, const char* port, int32_t enabled)
 {
-    std::array<char, longestPath + 1> path;
-    const int length =
-        std::snprintf(path.data(), path.size(), "%s/%s/NetworkPorts/%s",
-                      motherboard, adapter, port);
-    // A path that was cut off could be that of another port.
-    if (length < 0 || static_cast<std::size_t>(length) > longestPath)
+    const auto path = std::string(motherboard) + '/' + required(adapter) +
+                      "/NetworkPorts/" + required(port);
+    if (path.size() > longestPath)
     {
+        // What callers know of too long a path, which never was cut off.
         std::abort();
     }
-    return setDbusPropertyBool(service, path.data(), portInterface,
+    return setDbusPropertyBool(service, path.c_str(), portInterface,
                                "LldpEnabled", enabled != 0);
 }

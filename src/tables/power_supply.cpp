@@ -20,17 +20,12 @@ constexpr std::array columns{
 };
 
 /** The platform publishes no rating: every supply has the same. */
-void addRating(PsuInfoEntry& entry, Row)
-{
-    entry.rating = copyText(rating).release();
-}
+void addRating(PsuInfoEntry& entry, Row) { storeText(entry.rating, rating); }
 
 constexpr Table powerSupplies{
     "/xyz/openbmc_project/inventory/system/powersupply",
-    "xyz.openbmc_project.Inventory.Item.PowerSupply",
-    columns,
-    finishWith<addRating>,
-};
+    "xyz.openbmc_project.Inventory.Item.PowerSupply", columns,
+    finishWith<addRating>};
 
 } // namespace
 

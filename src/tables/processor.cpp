@@ -14,9 +14,7 @@ constexpr auto namePrefix = "CPU";
 
 void storeName(char*& field, CText&& cell)
 {
-    // Appending a null cell would be undefined; making a text of it raises.
-    const auto name = namePrefix + std::string(cell.get());
-    field = copyText(name.c_str()).release();
+    storeText(field, std::string(namePrefix) + required(cell.get()));
 }
 
 constexpr std::array columns{
@@ -38,11 +36,8 @@ constexpr std::array columns{
     column<&CpuInfoEntry::present>("Present"),
 };
 
-constexpr Table processors{
-    "/",
-    "xyz.openbmc_project.Inventory.Item.Cpu",
-    columns,
-};
+constexpr Table processors{"/", "xyz.openbmc_project.Inventory.Item.Cpu",
+                           columns};
 
 } // namespace
 

@@ -1,27 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "base/last_part.hpp"
 #include "morvath.h"
 #include "tables/table.hpp"
 
 #include <array>
-#include <string>
 
 using namespace morvath;
 
 namespace
 {
 
-constexpr auto sensorInterface = "xyz.openbmc_project.Sensor.Value";
 constexpr auto noLimit = "-";
-// In lower case, unlike the word that getLastStr() has for the same.
-constexpr auto unknownUnit = "unknown";
-
-/** The short word of the unit. */
-void storeUnit(char*& field, CText&& cell)
-{
-    const std::string unit(cell.get());
-    const auto dot = unit.rfind('.');
-    field = copyText(dot == unit.npos ? unknownUnit : &unit[dot + 1]).release();
-}
 
 constexpr std::array columns{
     column<&BmcSensorEntry::name>("Name"),
@@ -39,62 +28,50 @@ constexpr std::array columns{
     Column{"Value"},
 };
 
-constexpr std::size_t maxValueCell = 9;
-constexpr std::size_t minValueCell = 10;
-constexpr std::size_t unitCell = 11;
-constexpr std::size_t valueCell = 12;
-
-/** Four neighbouring cells, from the one that belongs to alarmHigh. */
-struct Thresholds
+/** Where a kind of limits is in the row. */
+struct Limits
 {
-    std::size_t firstCell;
-    int32_t BmcSensorEntry::*alarmHigh;
-    int32_t BmcSensorEntry::*alarmLow;
-    char* BmcSensorEntry::*high;
-    char* BmcSensorEntry::*low;
+    std::size_t alarmHigh;
+    std::size_t alarmLow;
+    std::size_t high;
+    std::size_t low;
 };
 
-constexpr Thresholds critical{
-    1,
-    &BmcSensorEntry::criticalAlarmHigh,
-    &BmcSensorEntry::criticalAlarmLow,
-    &BmcSensorEntry::criticalHigh,
-    &BmcSensorEntry::criticalLow,
-};
+constexpr Limits critical{
+    cell(columns, "CriticalAlarmHigh"), cell(columns, "CriticalAlarmLow"),
+    cell(columns, "CriticalHigh"), cell(columns, "CriticalLow")};
+constexpr Limits warning{
+    cell(columns, "WarningAlarmHigh"), cell(columns, "WarningAlarmLow"),
+    cell(columns, "WarningHigh"), cell(columns, "WarningLow")};
 
-constexpr Thresholds warning{
-    5,
-    &BmcSensorEntry::warningAlarmHigh,
-    &BmcSensorEntry::warningAlarmLow,
-    &BmcSensorEntry::warningHigh,
-    &BmcSensorEntry::warningLow,
-};
-
-void storeThresholds(BmcSensorEntry& entry, Row row, const Thresholds& group)
+void storeLimits(Row row, const Limits& cells, int32_t& alarmHigh,
+                 int32_t& alarmLow, char*& high, char*& low)
 {
-    const auto first = group.firstCell;
-    // The first cell alone tells whether the sensor has the group at all.
-    if (!row[first])
+    // This cell alone tells whether the sensor has the kind at all.
+    if (!row[cells.alarmHigh])
     {
-        entry.*group.high = copyText(noLimit).release();
-        entry.*group.low = copyText(noLimit).release();
+        storeText(high, noLimit);
+        storeText(low, noLimit);
         return;
     }
-    store(entry.*group.alarmHigh, row.take(first));
-    store(entry.*group.alarmLow, row.take(first + 1));
-    store(entry.*group.high, row.take(first + 2));
-    store(entry.*group.low, row.take(first + 3));
+    store(alarmHigh, row.take(cells.alarmHigh));
+    store(alarmLow, row.take(cells.alarmLow));
+    store(high, row.take(cells.high));
+    store(low, row.take(cells.low));
 }
 
 // The alarms come before the unit: of two bad cells it is theirs that shows.
 void storeReading(BmcSensorEntry& entry, Row row)
 {
-    storeThresholds(entry, row, critical);
-    storeThresholds(entry, row, warning);
-    store(entry.maxValue, row.take(maxValueCell));
-    store(entry.minValue, row.take(minValueCell));
-    storeUnit(entry.unit, row.take(unitCell));
-    store(entry.value, row.take(valueCell));
+    storeLimits(row, critical, entry.criticalAlarmHigh, entry.criticalAlarmLow,
+                entry.criticalHigh, entry.criticalLow);
+    storeLimits(row, warning, entry.warningAlarmHigh, entry.warningAlarmLow,
+                entry.warningHigh, entry.warningLow);
+    store(entry.maxValue, row.take(cell(columns, "MaxValue")));
+    store(entry.minValue, row.take(cell(columns, "MinValue")));
+    const char* unit = required(row[cell(columns, "Unit")]);
+    storeText(entry.unit, lastPart(unit, unknownUnit));
+    store(entry.value, row.take(cell(columns, "Value")));
 }
 
 } // namespace
@@ -106,47 +83,22 @@ int32_t getCommonSensorTableInfo(BmcSensorEntry** outArray, int32_t* outCount,
     return getTable(sensors, outArray, outCount);
 }
 
-int32_t getTempTableInfo(BmcSensorEntry** outArray, int32_t* outCount)
-{
-    return getCommonSensorTableInfo(outArray, outCount,
-                                    "/xyz/openbmc_project/sensors/temperature",
-                                    sensorInterface);
-}
+// clang-format off
+#define CLASS(function, name) \
+    int32_t function(BmcSensorEntry** outArray, int32_t* outCount) \
+    { \
+        return getCommonSensorTableInfo( \
+            outArray, outCount, "/xyz/openbmc_project/sensors/" name, \
+            "xyz.openbmc_project.Sensor.Value"); \
+    }
 
-int32_t getFanTableInfo(BmcSensorEntry** outArray, int32_t* outCount)
-{
-    return getCommonSensorTableInfo(outArray, outCount,
-                                    "/xyz/openbmc_project/sensors/fan_tach",
-                                    sensorInterface);
-}
-
-int32_t getVoltageTableInfo(BmcSensorEntry** outArray, int32_t* outCount)
-{
-    return getCommonSensorTableInfo(outArray, outCount,
-                                    "/xyz/openbmc_project/sensors/voltage",
-                                    sensorInterface);
-}
-
-int32_t getCurrentTableInfo(BmcSensorEntry** outArray, int32_t* outCount)
-{
-    return getCommonSensorTableInfo(outArray, outCount,
-                                    "/xyz/openbmc_project/sensors/current",
-                                    sensorInterface);
-}
-
-int32_t getPowerTableInfo(BmcSensorEntry** outArray, int32_t* outCount)
-{
-    return getCommonSensorTableInfo(outArray, outCount,
-                                    "/xyz/openbmc_project/sensors/power",
-                                    sensorInterface);
-}
-
-int32_t getPwmTableInfo(BmcSensorEntry** outArray, int32_t* outCount)
-{
-    return getCommonSensorTableInfo(outArray, outCount,
-                                    "/xyz/openbmc_project/sensors/fan_pwm",
-                                    sensorInterface);
-}
+CLASS(getTempTableInfo, "temperature")
+CLASS(getFanTableInfo, "fan_tach")
+CLASS(getVoltageTableInfo, "voltage")
+CLASS(getCurrentTableInfo, "current")
+CLASS(getPowerTableInfo, "power")
+CLASS(getPwmTableInfo, "fan_pwm")
+// clang-format on
 
 void freeBmcSensorEntry(BmcSensorEntry* one)
 {

@@ -2,28 +2,43 @@
 #include "tables/table.hpp"
 
 #include <algorithm>
+#include <cstring>
 #include <string>
 #include <vector>
 
 namespace morvath
 {
 
-void store(char*& field, CText&& cell)
+void* storeRecords(int32_t count, std::size_t recordSize, void* outArray)
 {
-    field = cell.release();
+    void* records = count < 0 ? nullptr : std::calloc(count, recordSize);
+    // As bytes: only the caller knows what the pointer points to.
+    std::memcpy(outArray, &records, sizeof(records));
+    return records;
 }
+
+void storeText(char*& field, std::string_view text)
+{
+    field = newText(text).release();
+}
+
+void store(char*& field, CText&& cell) { field = cell.release(); }
 
 void store(int32_t& field, CText&& cell)
 {
-    // Making a text of a null cell raises, and so does what is no number.
-    field = std::stoi(cell.get());
+    field = std::stoi(required(cell.get()));
 }
 
-int32_t readRows(const Table& table, RowSet& rows)
+uint64_t unsignedNumber(const char* cell)
+{
+    return std::stoull(required(cell));
+}
+
+int32_t readRows(const Table& table, Rows& rows, int32_t* counter)
 {
     std::vector<const char*> names(table.columns.size());
     std::ranges::transform(table.columns, names.begin(), &Column::property);
-    return rows.read({table.root, table.interface, names});
+    return rows.read({table.root, table.interface, names}, counter);
 }
 
 void fillRecord(const Table& table, Row row, void* record)
@@ -41,7 +56,7 @@ void fillRecord(const Table& table, Row row, void* record)
     }
 }
 
-void fillRecords(const Table& table, const RowSet& rows, void* records,
+void fillRecords(const Table& table, const Rows& rows, void* records,
                  std::size_t recordSize, int32_t recordCount)
 {
     auto* record = static_cast<std::byte*>(records);
@@ -51,6 +66,24 @@ void fillRecords(const Table& table, const RowSet& rows, void* records,
         fillRecord(table, rows[index], record);
         record += recordSize;
     }
+}
+
+int32_t getTable(const Table& table, void* outArray, int32_t* outCount,
+                 std::size_t recordSize)
+{
+    Rows rows;
+    if (const auto code = readRows(table, rows, outCount))
+    {
+        return code;
+    }
+    // The counter and not the number of rows gives the records.
+    void* records = storeRecords(*outCount, recordSize, outArray);
+    if (!records && *outCount != 0)
+    {
+        return outOfMemory;
+    }
+    fillRecords(table, rows, records, recordSize, *outCount);
+    return success;
 }
 
 } // namespace morvath

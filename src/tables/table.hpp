@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "bus/c_memory.hpp"
-#include "bus/call.hpp"
-#include "bus/records.hpp"
-#include "bus/row_set.hpp"
+#include "base/c_memory.hpp"
+#include "base/codes.hpp"
+#include "base/required.hpp"
+#include "bus/rows.hpp"
+#include "tables/records.hpp"
 
 #include <cstddef>
 #include <cstdint>
@@ -41,6 +42,9 @@ struct Table
 void store(char*& field, CText&& cell);
 void store(int32_t& field, CText&& cell);
 
+/** The number in a cell, which has to be there. */
+uint64_t unsignedNumber(const char* cell);
+
 template <typename Record, typename Field>
 Record recordOf(Field Record::*);
 
@@ -59,6 +63,18 @@ constexpr Column column(const char* property)
             }};
 }
 
+/** The place of a property in the columns, for a finish. */
+consteval std::size_t cell(std::span<const Column> columns,
+                           std::string_view property)
+{
+    std::size_t index = 0;
+    while (columns[index].property != property)
+    {
+        ++index;
+    }
+    return index;
+}
+
 template <typename Record>
 Record finishedBy(void (*)(Record&, Row));
 
@@ -69,34 +85,24 @@ constexpr auto finishWith = [](void* record, Row row) {
 };
 
 /** Runs the table's query; the engine's code. */
-int32_t readRows(const Table& table, RowSet& rows);
+int32_t readRows(const Table& table, Rows& rows, int32_t* counter = nullptr);
 
 /** Moves one row into a record. */
 void fillRecord(const Table& table, Row row, void* record);
 
 /** Moves the rows into the first records; further records stay zero. */
-void fillRecords(const Table& table, const RowSet& rows, void* records,
+void fillRecords(const Table& table, const Rows& rows, void* records,
                  std::size_t recordSize, int32_t recordCount);
 
-/** A whole table getter. */
+/** A whole table getter; outArray is the place of a pointer to a record. */
+int32_t getTable(const Table& table, void* outArray, int32_t* outCount,
+                 std::size_t recordSize);
+
 template <typename Record>
 int32_t getTable(const Table& table, Record** outArray, int32_t* outCount)
 {
-    RowSet rows(*outCount);
-    if (const auto code = readRows(table, rows))
-    {
-        return code;
-    }
-    // The counter and not the number of rows gives the records, and the array
-    // is the caller's from here on, also when a conversion raises.
-    *outArray =
-        static_cast<Record*>(allocateRecords(*outCount, sizeof(Record)));
-    if (!*outArray && *outCount != 0)
-    {
-        return outOfMemory;
-    }
-    fillRecords(table, rows, *outArray, sizeof(Record), *outCount);
-    return success;
+    return getTable(table, static_cast<void*>(outArray), outCount,
+                    sizeof(Record));
 }
 
 } // namespace morvath

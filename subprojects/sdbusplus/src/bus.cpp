@@ -15,7 +15,7 @@ bus::bus(sd_bus* taken, std::false_type) : connection(taken)
 std::string bus::get_unique_name()
 {
     const char* name = nullptr;
-    sdbus_impl.sd_bus_get_unique_name(connection.get(), &name);
+    sd_bus_get_unique_name(connection.get(), &name);
     return name;
 }
 
@@ -23,7 +23,7 @@ message_t bus::new_method_call(const char* service, const char* path,
                                const char* interface, const char* member)
 {
     sd_bus_message* request = nullptr;
-    const int result = sdbus_impl.sd_bus_message_new_method_call(
+    const int result = sd_bus_message_new_method_call(
         connection.get(), &request, service, path, interface, member);
     if (result < 0)
     {
@@ -36,9 +36,9 @@ message_t bus::call(message_t& request, std::optional<SdBusDuration> timeout)
 {
     sd_bus_error error{};
     sd_bus_message* reply = nullptr;
-    const int result = sdbus_impl.sd_bus_call(
-        connection.get(), request.get(),
-        timeout.value_or(SdBusDuration(0)).count(), &error, &reply);
+    const int result =
+        sd_bus_call(connection.get(), request.get(),
+                    timeout.value_or(SdBusDuration(0)).count(), &error, &reply);
     if (result < 0)
     {
         throw exception::SdBusError(&error, "sd_bus_call");

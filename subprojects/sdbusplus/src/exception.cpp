@@ -9,13 +9,13 @@ namespace sdbusplus::exception
 
 SdBusError::SdBusError(int errnum, const char* prefix)
 {
-    sdbus_impl.sd_bus_error_set_errno(&error, errnum);
+    sd_bus_error_set_errno(&error, errnum);
     compose(prefix);
 }
 
 SdBusError::SdBusError(sd_bus_error* taken, const char* prefix)
 {
-    sdbus_impl.sd_bus_error_move(&error, taken);
+    sd_bus_error_move(&error, taken);
     compose(prefix);
 }
 
@@ -23,15 +23,15 @@ SdBusError::SdBusError(SdBusError&& other) noexcept :
     internal_exception(other),
     text(std::move(other.text))
 {
-    sdbus_impl.sd_bus_error_move(&error, &other.error);
+    sd_bus_error_move(&error, &other.error);
 }
 
 SdBusError& SdBusError::operator=(SdBusError&& other) noexcept
 {
     if (this != &other)
     {
-        sdbus_impl.sd_bus_error_free(&error);
-        sdbus_impl.sd_bus_error_move(&error, &other.error);
+        sd_bus_error_free(&error);
+        sd_bus_error_move(&error, &other.error);
         text = std::move(other.text);
     }
     return *this;
@@ -39,7 +39,7 @@ SdBusError& SdBusError::operator=(SdBusError&& other) noexcept
 
 SdBusError::~SdBusError()
 {
-    sdbus_impl.sd_bus_error_free(&error);
+    sd_bus_error_free(&error);
 }
 
 const char* SdBusError::name() const noexcept
@@ -59,7 +59,7 @@ const char* SdBusError::what() const noexcept
 
 int SdBusError::get_errno() const noexcept
 {
-    return sdbus_impl.sd_bus_error_get_errno(&error);
+    return sd_bus_error_get_errno(&error);
 }
 
 void SdBusError::compose(const char* prefix)
@@ -78,7 +78,7 @@ void SdBusError::compose(const char* prefix)
     }
     catch (const std::bad_alloc&)
     {
-        sdbus_impl.sd_bus_error_free(&error);
+        sd_bus_error_free(&error);
         throw;
     }
 }

@@ -21,46 +21,43 @@ int checked(int result, const char* failure)
 
 void read_basic(sd_bus_message* m, char type, void* value, const char* failure)
 {
-    checked(sdbus_impl.sd_bus_message_read_basic(m, type, value), failure);
+    checked(sd_bus_message_read_basic(m, type, value), failure);
 }
 
 void enter(sd_bus_message* m, char type, const char* contents,
            const char* failure)
 {
-    checked(sdbus_impl.sd_bus_message_enter_container(m, type, contents),
-            failure);
+    checked(sd_bus_message_enter_container(m, type, contents), failure);
 }
 
 void leave(sd_bus_message* m, const char* failure)
 {
-    checked(sdbus_impl.sd_bus_message_exit_container(m), failure);
+    checked(sd_bus_message_exit_container(m), failure);
 }
 
 bool at_end(sd_bus_message* m, const char* failure)
 {
-    return checked(sdbus_impl.sd_bus_message_at_end(m, false), failure) != 0;
+    return checked(sd_bus_message_at_end(m, false), failure) != 0;
 }
 
 bool holds(sd_bus_message* m, const char* contents)
 {
-    return checked(sdbus_impl.sd_bus_message_verify_type(m, 'v', contents),
+    return checked(sd_bus_message_verify_type(m, 'v', contents),
                    "sd_bus_message_verify_type variant") != 0;
 }
 
 void skip_variant(sd_bus_message* m)
 {
-    checked(sdbus_impl.sd_bus_message_skip(m, "v"),
-            "sd_bus_message_skip variant");
+    checked(sd_bus_message_skip(m, "v"), "sd_bus_message_skip variant");
 }
 
 } // namespace details
 
-message::message(sd_bus_message* m) : handle(sdbus_impl.sd_bus_message_ref(m))
-{}
+message::message(sd_bus_message* m) : handle(sd_bus_message_ref(m)) {}
 
 message::~message()
 {
-    sdbus_impl.sd_bus_message_unref(handle);
+    sd_bus_message_unref(handle);
 }
 
 } // namespace sdbusplus::message

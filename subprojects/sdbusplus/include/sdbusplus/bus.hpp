@@ -3,8 +3,10 @@
 
 #include <sdbusplus/exception.hpp>
 #include <sdbusplus/message.hpp>
-#include <sdbusplus/sdbus.hpp>
+#include <systemd/sd-bus.h>
 
+#include <chrono>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -12,6 +14,9 @@
 
 namespace sdbusplus
 {
+
+using SdBusDuration = std::chrono::duration<uint64_t, std::micro>;
+
 namespace bus
 {
 namespace details
@@ -23,8 +28,7 @@ struct release
 
     void operator()(sd_bus* bus) const
     {
-        closes ? sdbus_impl.sd_bus_flush_close_unref(bus)
-               : sdbus_impl.sd_bus_unref(bus);
+        closes ? sd_bus_flush_close_unref(bus) : sd_bus_unref(bus);
     }
 };
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <sdbusplus/sdbus.hpp>
+#include <systemd/sd-bus.h>
 
 #include <exception>
 #include <string>

@@ -2,9 +2,8 @@
 #pragma once
 
 #include <sdbusplus/message/append.hpp>
-#include <sdbusplus/message/native_types.hpp>
 #include <sdbusplus/message/read.hpp>
-#include <sdbusplus/sdbus.hpp>
+#include <systemd/sd-bus.h>
 
 #include <type_traits>
 #include <utility>

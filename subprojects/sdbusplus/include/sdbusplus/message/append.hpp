@@ -2,7 +2,7 @@
 #pragma once
 
 #include <sdbusplus/message/types.hpp>
-#include <sdbusplus/sdbus.hpp>
+#include <systemd/sd-bus.h>
 
 #include <type_traits>
 
@@ -14,7 +14,7 @@ namespace sdbusplus::message::details
 
 inline void append(sd_bus_message* m, const char* text)
 {
-    sdbus_impl.sd_bus_message_append_basic(m, 's', text);
+    sd_bus_message_append_basic(m, 's', text);
 }
 
 inline void append(sd_bus_message* m, const std::string& text)
@@ -27,15 +27,10 @@ inline void append(sd_bus_message* m, std::string_view text)
     append(m, std::string(text));
 }
 
-inline void append(sd_bus_message* m, const string_path_wrapper& path)
-{
-    sdbus_impl.sd_bus_message_append_basic(m, 'o', path.str.c_str());
-}
-
 inline void append(sd_bus_message* m, std::same_as<bool> auto value)
 {
     const int word = value;
-    sdbus_impl.sd_bus_message_append_basic(m, 'b', &word);
+    sd_bus_message_append_basic(m, 'b', &word);
 }
 
 template <typename Number>
@@ -43,7 +38,7 @@ requires(std::is_arithmetic_v<Number> &&
          !std::is_same_v<Number, bool>) void append(sd_bus_message* m,
                                                     Number value)
 {
-    sdbus_impl.sd_bus_message_append_basic(m, *signature<Number>::text, &value);
+    sd_bus_message_append_basic(m, *signature<Number>::text, &value);
 }
 
 template <typename T>
@@ -59,9 +54,9 @@ template <typename Fill>
 void append_container(sd_bus_message* m, char type, const char* contents,
                       const Fill& fill)
 {
-    sdbus_impl.sd_bus_message_open_container(m, type, contents);
+    sd_bus_message_open_container(m, type, contents);
     fill();
-    sdbus_impl.sd_bus_message_close_container(m);
+    sd_bus_message_close_container(m);
 }
 
 template <typename T>

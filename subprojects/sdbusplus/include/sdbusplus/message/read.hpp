@@ -25,13 +25,6 @@ inline void read(sd_bus_message* m, std::string& text)
     text = value;
 }
 
-inline void read(sd_bus_message* m, string_path_wrapper& path)
-{
-    const char* value = nullptr;
-    read_basic(m, 'o', &value, "sd_bus_message_read_basic string");
-    path.str = value;
-}
-
 inline void read(sd_bus_message* m, bool& value)
 {
     int word = 0;
@@ -87,6 +80,13 @@ void read(sd_bus_message* m, std::tuple<Ts...>& fields)
     leave(m, "sd_bus_message_exit_container tuple");
 }
 
+/** Copies, and must not fail: without memory the process ends here. */
+template <typename T, typename... Ts>
+void hold(std::variant<Ts...>& value, const T& held) noexcept
+{
+    value.template emplace<T>(held);
+}
+
 template <typename T, typename... Ts>
 bool read_alternative(sd_bus_message* m, std::variant<Ts...>& value)
 {
@@ -97,7 +97,7 @@ bool read_alternative(sd_bus_message* m, std::variant<Ts...>& value)
     enter(m, 'v', signature<T>::text, "sd_bus_message_enter_container variant");
     T held{};
     read(m, held);
-    value.template emplace<T>(std::move(held));
+    hold(value, held);
     leave(m, "sd_bus_message_exit_container variant");
     return true;
 }

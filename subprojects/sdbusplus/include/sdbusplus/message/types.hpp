@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <sdbusplus/message/native_types.hpp>
-
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -53,7 +51,6 @@ template <> struct signature<int64_t> : join<chars<'x'>> {};
 template <> struct signature<uint64_t> : join<chars<'t'>> {};
 template <> struct signature<double> : join<chars<'d'>> {};
 template <> struct signature<std::string> : join<chars<'s'>> {};
-template <> struct signature<string_path_wrapper> : join<chars<'o'>> {};
 // clang-format on
 
 template <typename T>

@@ -1,44 +1,66 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "bus/c_memory.hpp"
-#include "bus/call.hpp"
-#include "bus/records.hpp"
+#include "base/c_memory.hpp"
 #include "morvath.h"
 #include "raid/packed_record.hpp"
 #include "raid/physical_drives.hpp"
-#include "raid/selector.hpp"
+#include "tables/records.hpp"
 
-#include <map>
 #include <string>
 #include <vector>
 
 using namespace morvath;
+namespace logical_drive = vontel::logical_drive;
+namespace physical_drive = vontel::physical_drive;
+namespace raid_info = vontel::raid_info;
 
 namespace
 {
 
 constexpr auto unknown = "-";
 
-/** By the device id alone: equal ids on two controllers share an entry. */
-using RaidLevelByDrive = std::map<uint16_t, std::string>;
-
-void addMembers(RaidLevelByDrive& levels, const PackedRecord& logicalDrive)
+struct LogicalDrive
 {
-    const auto level =
-        vontel::getRaidLevelStr(logicalDrive.byte(logical_drive::raidLevel));
-    const auto count = logicalDrive.byte(logical_drive::memberCount);
-    for (std::size_t index = 0; index < count; ++index)
+    vontel::LogicalDevInfo_T info{};
+    std::string level;
+
+    bool hasMember(uint16_t deviceId) const
     {
-        // A member of several logical drives keeps the level of the last.
-        levels[logicalDrive.number<uint16_t>(
-            logical_drive::members + logical_drive::memberSize * index)] =
-            level;
+        const PackedRecord record(info);
+        const auto count = record.byte(logical_drive::memberCount);
+        for (std::size_t index = 0; index < count; ++index)
+        {
+            const auto member =
+                logical_drive::members + logical_drive::memberSize * index;
+            if (record.number<uint16_t>(member) == deviceId)
+            {
+                return true;
+            }
+        }
+        return false;
     }
+};
+
+using LogicalDrives = std::vector<LogicalDrive>;
+
+/**
+ * By the device id alone: equal ids on two controllers have the same level. A
+ * member of several logical drives has the level of the last.
+ */
+std::string levelOf(const LogicalDrives& drives, uint16_t deviceId)
+{
+    std::string level = unknown;
+    for (const auto& drive : drives)
+    {
+        if (drive.hasMember(deviceId))
+        {
+            level = drive.level;
+        }
+    }
+    return level;
 }
 
-using LogicalDrives = std::vector<vontel::LogicalDevInfo_T>;
-
 /** Whether all logical drives of a controller could be read. */
-bool readLogicalDrives(uint32_t raidId, LogicalDrives& drives)
+bool addLogicalDrives(uint32_t raidId, LogicalDrives& drives)
 {
     std::vector<uint16_t> logicalIds;
     if (vontel::getLogDevIdList(selector, raidId, logicalIds) != 0)
@@ -47,45 +69,45 @@ bool readLogicalDrives(uint32_t raidId, LogicalDrives& drives)
     }
     for (const auto logicalId : logicalIds)
     {
-        vontel::LogicalDevInfo_T drive{};
-        if (vontel::getLogDevInfoById(selector, raidId, logicalId, &drive) != 0)
+        auto& drive = drives.emplace_back();
+        if (vontel::getLogDevInfoById(selector, raidId, logicalId,
+                                      &drive.info) != 0)
         {
             return false;
         }
-        drives.push_back(drive);
     }
     return true;
 }
 
 /** Whether the logical drives of all controllers could be read. */
-bool readRaidLevels(RaidLevelByDrive& raidLevelByDrive)
+bool readLogicalDrives(LogicalDrives& drives)
 {
+    std::vector<uint32_t> raidIds;
     if (vontel::checkRaidMgrExist() == 0)
     {
         return true;
     }
-    std::vector<uint32_t> raidIds;
     if (vontel::getRaidIdList(selector, raidIds) != 0)
     {
         return false;
     }
-    LogicalDrives drives;
     for (const auto raidId : raidIds)
     {
-        if (!readLogicalDrives(raidId, drives))
+        if (!addLogicalDrives(raidId, drives))
         {
             return false;
         }
     }
-    for (const auto& drive : drives)
+    for (auto& drive : drives)
     {
-        addMembers(raidLevelByDrive, PackedRecord(drive));
+        drive.level = vontel::getRaidLevelStr(
+            PackedRecord(drive.info).byte(logical_drive::raidLevel));
     }
     return true;
 }
 
 void fillDrive(RaidHddEntry& entry, const PackedRecord& drive,
-               const RaidLevelByDrive& raidLevelByDrive)
+               const LogicalDrives& logicalDrives)
 {
     std::string raidLevel = unknown;
     std::string state = unknown;
@@ -97,20 +119,16 @@ void fillDrive(RaidHddEntry& entry, const PackedRecord& drive,
     // A controller that cannot be read costs its drives their texts only.
     if (vontel::getRaidInfoById(selector, raidId, &controller) == 0)
     {
-        const auto level = raidLevelByDrive.find(
-            drive.number<uint16_t>(physical_drive::deviceId));
-        if (level != raidLevelByDrive.end())
-        {
-            raidLevel = level->second;
-        }
+        raidLevel = levelOf(logicalDrives,
+                            drive.number<uint16_t>(physical_drive::deviceId));
         state = vontel::getPhyDevStateStr(drive.byte(physical_drive::state));
         driveText = drive.text(physical_drive::driveText);
         controllerName = PackedRecord(controller).text(raid_info::name);
     }
-    entry.raidLevel = copyText(raidLevel.c_str()).release();
-    entry.state = copyText(state.c_str()).release();
-    entry.driveText = copyText(driveText.c_str()).release();
-    entry.controllerName = copyText(controllerName.c_str()).release();
+    storeText(entry.raidLevel, raidLevel);
+    storeText(entry.state, state);
+    storeText(entry.driveText, driveText);
+    storeText(entry.controllerName, controllerName);
 }
 
 } // namespace
@@ -122,24 +140,22 @@ int32_t getRaidHddTableInfo(RaidHddEntry** outArray, int32_t* outCount)
         *outCount = 0;
         return success;
     }
-    RaidLevelByDrive raidLevelByDrive;
+    LogicalDrives logicalDrives;
     std::vector<vontel::PhyDevInfo_T> drives;
-    if (!readRaidLevels(raidLevelByDrive) ||
+    if (!readLogicalDrives(logicalDrives) ||
         collectRaidPhysicalDrives(drives) != 0)
     {
         return raidFailure;
     }
     *outCount = static_cast<int32_t>(drives.size());
-    *outArray = static_cast<RaidHddEntry*>(
-        allocateRecords(*outCount, sizeof(RaidHddEntry)));
-    if (!*outArray && *outCount != 0)
+    if (const auto code = newRecords(*outCount, outArray))
     {
-        return outOfMemory;
+        return code;
     }
     for (std::size_t index = 0; index < drives.size(); ++index)
     {
         fillDrive((*outArray)[index], PackedRecord(drives[index]),
-                  raidLevelByDrive);
+                  logicalDrives);
     }
     return success;
 }

@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "bus/c_memory.hpp"
-#include "bus/call.hpp"
-#include "bus/records.hpp"
+#include "base/c_memory.hpp"
 #include "morvath.h"
 #include "raid/packed_record.hpp"
-#include "raid/selector.hpp"
-#include "raid/vontel.hpp"
+#include "raid/physical_drives.hpp"
+#include "tables/records.hpp"
 
 #include <array>
 #include <cstdio>
@@ -13,6 +11,7 @@
 #include <vector>
 
 using namespace morvath;
+namespace raid_info = vontel::raid_info;
 
 namespace
 {
@@ -21,11 +20,6 @@ namespace
 constexpr auto driveInterfaces = "SAS, SATA";
 constexpr auto hostInterface = "PCIE";
 constexpr auto notConfigured = "unknown";
-
-char* textOf(const std::string& text)
-{
-    return copyText(text.c_str()).release();
-}
 
 std::string hexadecimal(uint16_t number)
 {
@@ -42,10 +36,10 @@ void fillIdentifiers(RaidControllerEntry& entry, const PackedRecord& info)
         hexadecimal(info.number<uint16_t>(raid_info::subVendorId)),
         hexadecimal(info.number<uint16_t>(raid_info::subDeviceId)),
     };
-    entry.vendorId = textOf(identifiers[0]);
-    entry.deviceId = textOf(identifiers[1]);
-    entry.subVendorId = textOf(identifiers[2]);
-    entry.subDeviceId = textOf(identifiers[3]);
+    storeText(entry.vendorId, identifiers[0]);
+    storeText(entry.deviceId, identifiers[1]);
+    storeText(entry.subVendorId, identifiers[2]);
+    storeText(entry.subDeviceId, identifiers[3]);
 
     std::array<std::string, 4> texts;
     if (vontel::getRaidConf(identifiers[0], identifiers[1], identifiers[2],
@@ -54,25 +48,26 @@ void fillIdentifiers(RaidControllerEntry& entry, const PackedRecord& info)
     {
         texts.fill(notConfigured);
     }
-    entry.confText1 = textOf(texts[0]);
-    entry.confText2 = textOf(texts[1]);
-    entry.confText3 = textOf(texts[2]);
-    entry.confText4 = textOf(texts[3]);
+    storeText(entry.confText1, texts[0]);
+    storeText(entry.confText2, texts[1]);
+    storeText(entry.confText3, texts[2]);
+    storeText(entry.confText4, texts[3]);
 }
 
 void fillController(RaidControllerEntry& entry, const PackedRecord& info)
 {
-    entry.name = textOf(info.text(raid_info::name));
-    entry.idText1 = textOf(info.text(raid_info::idText1));
-    entry.idText3 = textOf(info.text(raid_info::idText3));
-    entry.idText2 = textOf(info.text(raid_info::idText2));
+    storeText(entry.name, info.text(raid_info::name));
+    storeText(entry.idText1, info.text(raid_info::idText1));
+    storeText(entry.idText3, info.text(raid_info::idText3));
+    storeText(entry.idText2, info.text(raid_info::idText2));
     fillIdentifiers(entry, info);
     entry.byteProperty = info.byte(raid_info::byteProperty);
     entry.wordProperty = info.number<uint16_t>(raid_info::wordProperty);
-    entry.driveInterfaces = textOf(driveInterfaces);
-    entry.supportedRaidLevels = textOf(vontel::getSupportRaidLevels(
-        selector, info.number<uint32_t>(raid_info::raidId)));
-    entry.hostInterface = textOf(hostInterface);
+    storeText(entry.driveInterfaces, driveInterfaces);
+    storeText(entry.supportedRaidLevels,
+              vontel::getSupportRaidLevels(
+                  selector, info.number<uint32_t>(raid_info::raidId)));
+    storeText(entry.hostInterface, hostInterface);
 }
 
 /** Whether all could be read. */
@@ -106,11 +101,9 @@ int32_t getRaidControllerInfo(RaidControllerEntry** outArray, int32_t* outCount)
         return raidFailure;
     }
     *outCount = static_cast<int32_t>(raidIds.size());
-    *outArray = static_cast<RaidControllerEntry*>(
-        allocateRecords(*outCount, sizeof(RaidControllerEntry)));
-    if (!*outArray && *outCount != 0)
+    if (const auto code = newRecords(*outCount, outArray))
     {
-        return outOfMemory;
+        return code;
     }
     std::vector<vontel::RAIDInfo_T> infos;
     if (!readInfos(raidIds, infos))

@@ -1,19 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "bus/c_memory.hpp"
+#include "base/c_memory.hpp"
 
-#include <cstring>
 #include <new>
 
 namespace morvath
 {
 
-CText copyText(const char* text)
+CText newText(std::string_view text)
 {
-    CText copy(strdup(text));
+    CText copy(static_cast<char*>(std::malloc(text.size() + 1)));
     if (!copy)
     {
         throw std::bad_alloc();
     }
+    copy.get()[text.copy(copy.get(), text.size())] = '\0';
     return copy;
 }
 
@@ -37,16 +37,14 @@ void releaseTexts(char** texts, std::size_t size) noexcept
     std::free(texts);
 }
 
-TextArray::TextArray(std::size_t size) :
-    texts(static_cast<char**>(allocateZeroed(size, sizeof(char*)))),
-    count(size)
-{}
-
-void TextArray::set(std::size_t index, CText text)
+char** newTexts(std::span<const char* const> texts)
 {
-    char*& element = texts[index];
-    std::free(element);
-    element = text.release();
+    TextArray copies(texts.size());
+    for (std::size_t index = 0; index < texts.size(); ++index)
+    {
+        copies.set(index, newText(texts[index]));
+    }
+    return copies.release();
 }
 
 } // namespace morvath

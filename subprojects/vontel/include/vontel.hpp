@@ -18,8 +18,8 @@
 namespace vontel
 {
 
-// The records are packed and only partly known; they are bytes here, which
-// PackedRecord reads at the offsets below.
+// The records are packed, little-endian and only partly known: they are bytes
+// here, and what is known of them stands at the offsets below.
 
 struct RAIDInfo_T
 {
@@ -65,12 +65,7 @@ std::string getDriveInterfaceType(uint8_t interfaceType);
 /** Without its unit. */
 std::string getDriveSpeed(uint8_t linkSpeed);
 
-} // namespace vontel
-
-#pragma GCC visibility pop
-
-// Byte offsets in the records.
-namespace morvath::raid_info
+namespace raid_info
 {
 constexpr std::size_t raidId = 0;
 constexpr std::size_t name = 4;
@@ -83,9 +78,9 @@ constexpr std::size_t subVendorId = 328;
 constexpr std::size_t subDeviceId = 330;
 constexpr std::size_t wordProperty = 332;
 constexpr std::size_t byteProperty = 335;
-} // namespace morvath::raid_info
+} // namespace raid_info
 
-namespace morvath::physical_drive
+namespace physical_drive
 {
 constexpr std::size_t raidId = 0;
 constexpr std::size_t deviceId = 4;
@@ -103,12 +98,16 @@ constexpr std::size_t blocks = 91;
 constexpr std::size_t blockSize = 99;
 constexpr std::size_t temperature = 105;
 constexpr std::size_t usage = 118;
-} // namespace morvath::physical_drive
+} // namespace physical_drive
 
-namespace morvath::logical_drive
+namespace logical_drive
 {
 constexpr std::size_t raidLevel = 72;
 constexpr std::size_t memberCount = 95;
 constexpr std::size_t members = 96;
 constexpr std::size_t memberSize = 3;
-} // namespace morvath::logical_drive
+} // namespace logical_drive
+
+} // namespace vontel
+
+#pragma GCC visibility pop

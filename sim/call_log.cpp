@@ -1,43 +1,78 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "sim/call_log.hpp"
 
-#include <utility>
+#include <nlohmann/json.hpp>
+
+#include <array>
+#include <cstdio>
+#include <ctime>
+#include <system_error>
 
 namespace morvath::sim
 {
-
-nlohmann::ordered_json toJson(const Call& call)
+namespace
 {
-    return {{"service", call.service},
-            {"path", call.path},
-            {"interface", call.interface},
-            {"member", call.member},
-            {"arguments", call.arguments}};
+
+std::string textOf(const char* text)
+{
+    return text ? text : "";
 }
 
-CallLog::CallLog(CallSink sink) : sink_(std::move(sink)) {}
-
-void CallLog::add(Call call)
+Json argumentsOf(sd_bus_message* message)
 {
-    if (sink_)
+    Json arguments;
+    try
     {
-        sink_(call);
-        return;
+        arguments = readJsonList(message);
     }
-    const std::lock_guard lock(mutex_);
-    calls_.push_back(std::move(call));
+    catch (const std::system_error&)
+    {}
+    check(sd_bus_message_rewind(message, true), "sd_bus_message_rewind");
+    return arguments;
 }
 
-std::vector<Call> CallLog::calls() const
+/** In UTC, to the microsecond. */
+std::string textOf(std::chrono::system_clock::time_point time)
 {
-    const std::lock_guard lock(mutex_);
-    return calls_;
+    using namespace std::chrono;
+    const auto seconds = system_clock::to_time_t(time);
+    const auto rest = duration_cast<microseconds>(time.time_since_epoch()) % 1s;
+    std::tm fields{};
+    gmtime_r(&seconds, &fields);
+    std::array<char, 64> text{};
+    const auto length =
+        std::strftime(text.data(), text.size(), "%FT%T", &fields);
+    std::snprintf(text.data() + length, text.size() - length, ".%06dZ",
+                  static_cast<int>(rest.count()));
+    return text.data();
 }
 
-void CallLog::clear()
+} // namespace
+
+Call callOf(sd_bus_message* message)
 {
-    const std::lock_guard lock(mutex_);
-    calls_.clear();
+    return {.time = std::chrono::system_clock::now(),
+            .caller = textOf(sd_bus_message_get_sender(message)),
+            .service = textOf(sd_bus_message_get_destination(message)),
+            .path = textOf(sd_bus_message_get_path(message)),
+            .interface = textOf(sd_bus_message_get_interface(message)),
+            .member = textOf(sd_bus_message_get_member(message)),
+            .arguments = std::make_shared<const Json>(argumentsOf(message)),
+            .outcome = {},
+            .fault = {}};
+}
+
+std::string toLine(const Call& call)
+{
+    Json line{{"time", textOf(call.time)},    {"caller", call.caller},
+              {"service", call.service},      {"path", call.path},
+              {"interface", call.interface},  {"member", call.member},
+              {"arguments", *call.arguments}, {"outcome", call.outcome}};
+    if (!call.fault.empty())
+    {
+        line["fault"] = call.fault;
+    }
+    return line.dump();
 }
 
 } // namespace morvath::sim

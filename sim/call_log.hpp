@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <nlohmann/json.hpp>
+#include "sim/json_value.hpp"
 
+#include <chrono>
 #include <functional>
-#include <mutex>
 #include <string>
-#include <vector>
 
 namespace morvath::sim
 {
@@ -14,34 +13,29 @@ namespace morvath::sim
 /** One method call that reached a service. */
 struct Call
 {
+    std::chrono::system_clock::time_point time;
+    /** The caller's unique name. */
+    std::string caller;
     /** The destination as the caller wrote it. */
     std::string service;
     std::string path;
     std::string interface;
     std::string member;
     /** A list; null when the arguments cannot be shown. */
-    nlohmann::ordered_json arguments;
+    SharedJson arguments;
+    /** "reply", the name of an error, or what a fault did instead. */
+    std::string outcome;
+    /** The place of the fault in the scenario; empty without one. */
+    std::string fault;
 };
 
-nlohmann::ordered_json toJson(const Call& call);
+/** The call as a line of a log. */
+std::string toLine(const Call& call);
 
 /** Receives calls as they come, on the thread that serves them. */
 using CallSink = std::function<void(const Call&)>;
 
-/** Keeps the calls, or hands them on where there is a sink. */
-class CallLog
-{
-  public:
-    explicit CallLog(CallSink sink);
-
-    void add(Call call);
-    std::vector<Call> calls() const;
-    void clear();
-
-  private:
-    const CallSink sink_;
-    mutable std::mutex mutex_;
-    std::vector<Call> calls_;
-};
+/** Takes a method call apart. */
+Call callOf(sd_bus_message* message);
 
 } // namespace morvath::sim

@@ -1,14 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "sim/descriptor.hpp"
-#include "sim/pipe.hpp"
 #include "sim/process.hpp"
 
 #include <string>
 
 namespace morvath::sim
 {
+
+enum class BusProgram
+{
+    daemon,
+    broker,
+};
 
 /**
  * A private message bus. It ends with the object, or with the thread that
@@ -17,18 +21,19 @@ namespace morvath::sim
 class Daemon
 {
   public:
-    Daemon();
+    explicit Daemon(BusProgram program = BusProgram::daemon);
 
     const std::string& address() const noexcept
     {
-        return address_;
+        return busAddress;
     }
 
   private:
-    Daemon(Pipe addressPipe, const Descriptor& messages);
-
-    Process process_;
-    std::string address_;
+    const std::string busAddress;
+    const MemoryFile configuration;
+    /** The program also warns of harmless things. */
+    const MemoryFile messages;
+    const Process process;
 };
 
 } // namespace morvath::sim

@@ -1,24 +1,27 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "sim/json_cursor.hpp"
 
+#include "cli/words.hpp"
+
+#include <nlohmann/json.hpp>
+
 #include <algorithm>
-#include <set>
+#include <limits>
+#include <unordered_set>
 #include <utility>
-#include <vector>
 
 namespace morvath::sim
 {
-
-// sd-bus nests containers up to 128 deep; what is read here fits into that.
-constexpr std::size_t depthLimit = 100;
-
 namespace
 {
+
+// Enough for every value that the bus carries.
+constexpr std::size_t deepest = 100;
 
 std::string escaped(std::string_view key)
 {
     std::string result;
-    for (char character : key)
+    for (const auto character : key)
     {
         switch (character)
         {
@@ -41,198 +44,114 @@ std::string errorText(std::string_view source, const std::string& pointer,
     return std::string(source) + ": " + pointer + ": " + message;
 }
 
-/** Looks for what the parser lets pass: equal keys and endless nesting. */
-class StructureGuard
+/** The JSON pointer of a value of the document, which is looked for in it. */
+std::optional<std::string> pointerTo(const Json& wanted, const Json& inside)
+{
+    if (&wanted == &inside)
+    {
+        return "";
+    }
+    if (inside.is_structured())
+    {
+        for (const auto& [key, child] : inside.items())
+        {
+            if (const auto rest = pointerTo(wanted, child))
+            {
+                return '/' + escaped(key) + *rest;
+            }
+        }
+    }
+    return std::nullopt;
+}
+
+/**
+ * Builds a document of which no object has a key twice. The library's own
+ * parser looks through all earlier keys of an object for every key.
+ */
+class Builder
 {
   public:
-    explicit StructureGuard(std::string_view source) : source_(source) {}
+    explicit Builder(std::string_view source) : source(source) {}
 
-    void see(Json::parse_event_t event, const Json& parsed)
+    Json release()
     {
-        switch (event)
-        {
-            case Json::parse_event_t::object_start:
-            case Json::parse_event_t::array_start:
-                enterLevel();
-                break;
-            case Json::parse_event_t::key:
-                enter(parsed.get_ref<const std::string&>());
-                break;
-            case Json::parse_event_t::object_end:
-            case Json::parse_event_t::array_end:
-                open_.pop_back();
-                [[fallthrough]];
-            case Json::parse_event_t::value:
-                finishElement();
-        }
+        return std::move(document);
     }
 
-  private:
-    struct Level
+    bool null()
     {
-        std::set<std::string> keys;
-        std::string key;
-        std::size_t elements = 0;
-    };
-
-    void enterLevel()
-    {
-        open_.emplace_back();
-        if (open_.size() > depthLimit)
-        {
-            throw ScenarioError(std::string(source_) +
-                                ": the nesting is too deep");
-        }
+        return value(nullptr);
     }
 
-    void enter(const std::string& key)
+    bool boolean(bool flag)
     {
-        open_.back().key = key;
-        if (!open_.back().keys.insert(key).second)
+        return value(flag);
+    }
+
+    bool number_integer(int64_t number)
+    {
+        return value(number);
+    }
+
+    bool number_unsigned(uint64_t number)
+    {
+        return value(number);
+    }
+
+    bool number_float(double number, const std::string&)
+    {
+        return value(number);
+    }
+
+    bool string(std::string& text)
+    {
+        return value(std::move(text));
+    }
+
+    bool binary(Json::binary_t&)
+    {
+        return false;
+    }
+
+    bool start_object(std::size_t)
+    {
+        return start(Json::object());
+    }
+
+    bool key(std::string& key)
+    {
+        auto& level = open.back();
+        // Past the library's own search for the key.
+        Json::object_t::Container& members =
+            level.value->get_ref<Json::object_t&>();
+        members.emplace_back(key, nullptr);
+        if (!level.keys.insert(key).second)
         {
+            const auto place = pointerTo(members.back().second, document);
             throw ScenarioError(
-                errorText(source_, pointer(), "the key stands here twice"));
+                errorText(source, *place, "the key stands here twice"));
         }
-    }
-
-    void finishElement()
-    {
-        if (!open_.empty())
-        {
-            open_.back().elements++;
-        }
-    }
-
-    std::string pointer() const
-    {
-        std::string result;
-        for (const Level& level : open_)
-        {
-            result += "/" + (level.keys.empty() ? std::to_string(level.elements)
-                                                : escaped(level.key));
-        }
-        return result;
-    }
-
-    std::string_view source_;
-    std::vector<Level> open_;
-};
-
-} // namespace
-
-JsonCursor::JsonCursor(const Json& root, std::string_view source) :
-    JsonCursor(root, source, "")
-{}
-
-JsonCursor::JsonCursor(const Json& json, std::string_view source,
-                       std::string pointer) :
-    json_(&json),
-    source_(source),
-    pointer_(std::move(pointer))
-{}
-
-void JsonCursor::fail(const std::string& message) const
-{
-    throw ScenarioError(
-        errorText(source_, pointer_.empty() ? "/" : pointer_, message));
-}
-
-JsonCursor JsonCursor::at(const Json& child, std::string_view key) const
-{
-    return {child, source_, pointer_ + "/" + escaped(key)};
-}
-
-std::optional<JsonCursor> JsonCursor::find(std::string_view key) const
-{
-    if (!json_->is_object())
-    {
-        fail("must be an object");
-    }
-    const auto found = json_->find(key);
-    if (found == json_->end())
-    {
-        return std::nullopt;
-    }
-    return at(*found, key);
-}
-
-JsonCursor JsonCursor::member(std::string_view key) const
-{
-    std::optional<JsonCursor> found = find(key);
-    if (!found)
-    {
-        fail("\"" + std::string(key) + "\" is missing");
-    }
-    return *std::move(found);
-}
-
-void JsonCursor::forEachElement(
-    const std::function<void(const JsonCursor&)>& action) const
-{
-    if (!json_->is_array())
-    {
-        fail("must be an array");
-    }
-    for (std::size_t index = 0; index < json_->size(); index++)
-    {
-        action(at((*json_)[index], std::to_string(index)));
-    }
-}
-
-void JsonCursor::forEachMember(
-    const std::function<void(const std::string&, const JsonCursor&)>& action)
-    const
-{
-    if (!json_->is_object())
-    {
-        fail("must be an object");
-    }
-    for (const auto& [key, child] : json_->items())
-    {
-        action(key, at(child, key));
-    }
-}
-
-void JsonCursor::allowOnly(const std::vector<std::string_view>& keys) const
-{
-    forEachMember([&](const std::string& key, const JsonCursor& child) {
-        if (std::find(keys.begin(), keys.end(), key) == keys.end())
-        {
-            child.fail("the key is unknown here");
-        }
-    });
-}
-
-const std::string& JsonCursor::text() const
-{
-    if (!json_->is_string())
-    {
-        fail("must be a text");
-    }
-    return json_->get_ref<const std::string&>();
-}
-
-bool JsonCursor::flag() const
-{
-    if (!json_->is_boolean())
-    {
-        fail("must be true or false");
-    }
-    return json_->get<bool>();
-}
-
-Json parseJson(std::string_view text, std::string_view source)
-{
-    StructureGuard guard(source);
-    const auto watch = [&](int, Json::parse_event_t event, Json& parsed) {
-        guard.see(event, parsed);
         return true;
-    };
-    try
-    {
-        return Json::parse(text, watch);
     }
-    catch (const Json::exception& error)
+
+    bool end_object()
+    {
+        open.pop_back();
+        return true;
+    }
+
+    bool start_array(std::size_t)
+    {
+        return start(Json::array());
+    }
+
+    bool end_array()
+    {
+        return end_object();
+    }
+
+    bool parse_error(std::size_t, const std::string&,
+                     const Json::exception& error)
     {
         // In front of the text stands the parser's own error number.
         const std::string_view what = error.what();
@@ -241,6 +160,181 @@ Json parseJson(std::string_view text, std::string_view source)
             std::string(source) + ": " +
             std::string(end == what.npos ? what : what.substr(end + 2)));
     }
+
+  private:
+    struct Level
+    {
+        Json* value;
+        std::unordered_set<std::string> keys{};
+    };
+
+    Json& add(Json&& part)
+    {
+        if (open.empty())
+        {
+            return document = std::move(part);
+        }
+        auto& parent = *open.back().value;
+        if (parent.is_array())
+        {
+            return parent.emplace_back(std::move(part));
+        }
+        auto& members = parent.get_ref<Json::object_t&>();
+        return members.back().second = std::move(part);
+    }
+
+    bool value(Json&& part)
+    {
+        add(std::move(part));
+        return true;
+    }
+
+    bool start(Json&& part)
+    {
+        open.push_back({&add(std::move(part))});
+        if (open.size() > deepest)
+        {
+            throw ScenarioError(std::string(source) +
+                                ": the nesting is too deep");
+        }
+        return true;
+    }
+
+    std::string_view source;
+    Json document;
+    std::vector<Level> open;
+};
+
+} // namespace
+
+void JsonCursor::fail(const std::string& message) const
+{
+    const auto pointer = pointerTo(*place, *root).value_or("");
+    throw ScenarioError(
+        errorText(source, pointer.empty() ? "/" : pointer, message));
+}
+
+void JsonCursor::failBelow(const std::string& pointer,
+                           const std::string& message) const
+{
+    throw ScenarioError(errorText(
+        source, pointerTo(*place, *root).value_or("") + pointer, message));
+}
+
+std::optional<JsonCursor> JsonCursor::find(std::string_view key) const
+{
+    if (!contents->is_object())
+    {
+        fail("must be an object");
+    }
+    const auto found = contents->find(key);
+    if (found == contents->end())
+    {
+        return std::nullopt;
+    }
+    return at(*found);
+}
+
+JsonCursor JsonCursor::member(std::string_view key) const
+{
+    const auto found = find(key);
+    if (!found)
+    {
+        fail("\"" + std::string(key) + "\" is missing");
+    }
+    return *found;
+}
+
+void JsonCursor::forEachElement(
+    const std::function<void(const JsonCursor&)>& action) const
+{
+    if (!contents->is_array())
+    {
+        fail("must be an array");
+    }
+    for (const auto& element : *contents)
+    {
+        action(at(element));
+    }
+}
+
+void JsonCursor::forEachMember(
+    const std::function<void(const std::string&, const JsonCursor&)>& action)
+    const
+{
+    if (!contents->is_object())
+    {
+        fail("must be an object");
+    }
+    for (const auto& [key, child] : contents->items())
+    {
+        action(key, at(child));
+    }
+}
+
+void JsonCursor::allowOnly(const std::vector<std::string_view>& keys) const
+{
+    forEachMember([&](const std::string& key, const JsonCursor& child) {
+        if (std::ranges::find(keys, key) == keys.end())
+        {
+            cli::Terms known;
+            for (const auto name : keys)
+            {
+                known.push_back({std::string(name), {}});
+            }
+            child.fail(cli::unknown("key", key, known));
+        }
+    });
+}
+
+const std::string& JsonCursor::text() const
+{
+    if (!contents->is_string())
+    {
+        fail("must be a text");
+    }
+    return contents->get_ref<const std::string&>();
+}
+
+bool JsonCursor::flag() const
+{
+    if (!contents->is_boolean())
+    {
+        fail("must be true or false");
+    }
+    return contents->get<bool>();
+}
+
+template <typename Number>
+Number JsonCursor::number(char type) const
+{
+    const auto fits = contents->is_number_unsigned()
+                          ? std::in_range<Number>(contents->get<uint64_t>())
+                          : contents->is_number_integer() &&
+                                std::in_range<Number>(contents->get<int64_t>());
+    if (!fits)
+    {
+        using Limits = std::numeric_limits<Number>;
+        fail("must be a whole number from " + std::to_string(Limits::min()) +
+             " to " + std::to_string(Limits::max()) +
+             (type ? std::string(" (type ") + type + ')' : ""));
+    }
+    return contents->get<Number>();
+}
+
+template uint8_t JsonCursor::number(char) const;
+template int16_t JsonCursor::number(char) const;
+template uint16_t JsonCursor::number(char) const;
+template int32_t JsonCursor::number(char) const;
+template uint32_t JsonCursor::number(char) const;
+template int64_t JsonCursor::number(char) const;
+template uint64_t JsonCursor::number(char) const;
+
+Json parseJson(std::string_view text, std::string_view source)
+{
+    Builder builder(source);
+    Json::sax_parse(text, &builder);
+    return builder.release();
 }
 
 } // namespace morvath::sim

@@ -1,21 +1,22 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "sim/json.hpp"
+#include <nlohmann/json_fwd.hpp>
 
-#include <concepts>
 #include <cstdint>
+#include <filesystem>
 #include <functional>
-#include <limits>
 #include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 namespace morvath::sim
 {
+
+/** Keeps the order of keys: interfaces and properties are published in it. */
+using Json = nlohmann::ordered_json;
 
 /** A scenario that cannot be used; what() is "FILE: /pointer: message". */
 class ScenarioError : public std::runtime_error
@@ -23,26 +24,32 @@ class ScenarioError : public std::runtime_error
     using std::runtime_error::runtime_error;
 };
 
-/** A place in a JSON document that knows its own name for error messages. */
+/** A place in a JSON document, which must stay as it is and outlive this. */
 class JsonCursor
 {
   public:
-    JsonCursor(const Json& root, std::string_view source);
+    JsonCursor(const Json& root, std::string_view source) :
+        JsonCursor(&root, &root, &root, source)
+    {}
 
     [[noreturn]] void fail(const std::string& message) const;
+    /** @param[in] pointer  from here on */
+    [[noreturn]] void failBelow(const std::string& pointer,
+                                const std::string& message) const;
 
     const Json& json() const
     {
-        return *json_;
+        return *contents;
     }
 
     /** The member of an object; fails without it. */
     JsonCursor member(std::string_view key) const;
     std::optional<JsonCursor> find(std::string_view key) const;
+
     /** The same place with other contents, which must outlive the cursor. */
-    JsonCursor replaced(const Json& json) const
+    JsonCursor replaced(const Json& other) const
     {
-        return {json, source_, pointer_};
+        return {root, place, &other, source};
     }
 
     void
@@ -51,39 +58,38 @@ class JsonCursor
         const std::function<void(const std::string&, const JsonCursor&)>&
             action) const;
 
+    /** Fails at a key that is none of these. */
     void allowOnly(const std::vector<std::string_view>& keys) const;
+
     const std::string& text() const;
     bool flag() const;
 
     /**
      * A whole number that the type can hold.
-     * @param[in] remark  stands at the end of the error message
+     * @param[in] type  the D-Bus type that it is for, if any
      */
-    template <std::integral Number>
-    Number number(const std::string& remark = {}) const
-    {
-        const bool fits =
-            json_->is_number_unsigned()
-                ? std::in_range<Number>(json_->get<std::uint64_t>())
-                : json_->is_number_integer() &&
-                      std::in_range<Number>(json_->get<std::int64_t>());
-        if (!fits)
-        {
-            using Limits = std::numeric_limits<Number>;
-            fail("must be a whole number from " +
-                 std::to_string(Limits::min()) + " to " +
-                 std::to_string(Limits::max()) + remark);
-        }
-        return json_->get<Number>();
-    }
+    template <typename Number>
+    Number number(char type = 0) const;
 
   private:
-    JsonCursor(const Json& json, std::string_view source, std::string pointer);
-    JsonCursor at(const Json& child, std::string_view key) const;
+    JsonCursor(const Json* root, const Json* place, const Json* contents,
+               std::string_view source) :
+        root(root),
+        place(place),
+        contents(contents),
+        source(source)
+    {}
 
-    const Json* json_;
-    std::string_view source_;
-    std::string pointer_;
+    JsonCursor at(const Json& child) const
+    {
+        return {root, &child, &child, source};
+    }
+
+    // The name of the place is looked for only when it is wanted.
+    const Json* root;
+    const Json* place;
+    const Json* contents;
+    std::string_view source;
 };
 
 /** Parses a document. A key may stand only once in an object. */

@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "cli/program.hpp"
-#include "sim/commands.hpp"
+#include "cli/terminal_text.hpp"
 #include "sim/record/command.hpp"
+#include "sim/runner.hpp"
+#include "sim/scenario.hpp"
+
+#include <nlohmann/json.hpp>
 
 #include <cerrno>
 #include <cstdio>
@@ -11,14 +15,19 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
-
-using namespace morvath::sim;
-
-constexpr int statusUsage = 2;
 
 namespace
 {
+
+using namespace morvath::sim;
+namespace cli = morvath::cli;
+
+constexpr auto program = "morvath-sim";
+constexpr auto daemonName = "dbus-daemon";
+constexpr auto brokerName = "dbus-broker";
+constexpr auto busVariable = "MORVATH_SIM_BUS";
 
 struct Options
 {
@@ -27,53 +36,31 @@ struct Options
     std::string address;
     std::vector<std::string> command;
     bool raidOnly = false;
+    std::string bus;
+    bool strict = false;
     RecordOptions record;
 };
 
-/** Writes calls as lines of JSON; discards them without a file. */
-class LogFile
+struct CloseFile
 {
-  public:
-    explicit LogFile(const std::string& name)
+    void operator()(std::FILE* file) const
     {
-        if (name.empty())
-        {
-            return;
-        }
-        file_.reset(std::fopen(name.c_str(), "we"));
-        if (!file_)
-        {
-            throw std::runtime_error(name + ": " + std::strerror(errno));
-        }
+        std::fclose(file);
     }
-
-    void write(const Call& call)
-    {
-        if (file_)
-        {
-            // Flushed, so that a log can be followed and survives a kill.
-            const std::string line = toJson(call).dump() + "\n";
-            std::fputs(line.c_str(), file_.get());
-            std::fflush(file_.get());
-        }
-    }
-
-    bool isComplete() const
-    {
-        return !file_ || std::ferror(file_.get()) == 0;
-    }
-
-  private:
-    struct Close
-    {
-        void operator()(std::FILE* file) const
-        {
-            std::fclose(file);
-        }
-    };
-
-    std::unique_ptr<std::FILE, Close> file_;
 };
+
+using File = std::unique_ptr<std::FILE, CloseFile>;
+
+/** No file without a name. */
+File openLog(const std::string& name)
+{
+    File file(name.empty() ? nullptr : std::fopen(name.c_str(), "we"));
+    if (!file && !name.empty())
+    {
+        throw std::runtime_error(name + ": " + std::strerror(errno));
+    }
+    return file;
+}
 
 Scenario chosenScenario(const Options& options)
 {
@@ -81,35 +68,35 @@ Scenario chosenScenario(const Options& options)
                                     : Scenario::load(options.scenario);
 }
 
-void addScenarioOption(CLI::App& command, Options& options)
+cli::Parameter scenarioOption(Options& options)
 {
-    command
-        .add_option("--scenario", options.scenario,
-                    "The machine (default: a built-in server)")
-        ->type_name("FILE");
+    return cli::text("--scenario", cli::fileValue, options.scenario,
+                     "The machine: a file, \"default\" or \"busy\"");
 }
 
-void addLogOption(CLI::App& command, Options& options)
+/** The options of both commands that serve. */
+std::vector<cli::Parameter> servingOptions(Options& options)
 {
-    command
-        .add_option("--log", options.log,
-                    "Write every method call as a line of JSON")
-        ->type_name("FILE");
+    return {scenarioOption(options),
+            cli::text("--log", cli::fileValue, options.log,
+                      "Write every method call and what became of it"),
+            cli::flag("--strict", options.strict,
+                      "Fail when no call has met one of the faults")};
 }
 
 int checkScenario(const Options& options)
 {
-    const Scenario scenario = chosenScenario(options);
+    const auto scenario = chosenScenario(options);
     if (options.raidOnly)
     {
-        std::puts(scenario.raid().dump(2).c_str());
+        std::puts(scenario.raid->dump(2).c_str());
         return EXIT_SUCCESS;
     }
     std::printf("%zu objects, %zu services, %zu faults%s%s\n",
-                scenario.objects().size(), scenario.services().size(),
-                scenario.faults().size(),
-                scenario.description().empty() ? "" : ": ",
-                scenario.description().c_str());
+                scenario.objects.size(), scenario.services().size(),
+                scenario.faults.size(),
+                scenario.description.empty() ? "" : ": ",
+                cli::visible(scenario.description).c_str());
     return EXIT_SUCCESS;
 }
 
@@ -120,83 +107,110 @@ int checkScenario(const Options& options)
 template <typename Serving>
 int withLog(const Options& options, const Serving& serving)
 {
-    const Scenario scenario = chosenScenario(options);
-    LogFile log(options.log);
+    const auto scenario = chosenScenario(options);
+    const auto log = openLog(options.log);
+    RunOptions run{.log = {},
+                   .strict = options.strict,
+                   .bus = options.bus == brokerName ? BusProgram::broker
+                                                    : BusProgram::daemon};
+    if (log)
+    {
+        // Flushed, so that a log can be followed and survives a kill.
+        run.log = [&](const Call& call) {
+            std::fputs((toLine(call) + '\n').c_str(), log.get());
+            std::fflush(log.get());
+        };
+    }
     blockEndSignals();
-    const int status =
-        serving(scenario, [&](const Call& call) { log.write(call); });
-    if (log.isComplete())
+    const int status = serving(scenario, run);
+    if (!log || std::ferror(log.get()) == 0)
     {
         return status;
     }
-    std::fputs("morvath-sim: the log could not be written\n", stderr);
+    cli::complain(program, "the log could not be written");
     return status == EXIT_SUCCESS ? EXIT_FAILURE : status;
 }
 
 int run(const Options& options)
 {
-    return withLog(options, [&](const Scenario& scenario, CallSink sink) {
-        return runCommand(scenario, sink, options.command);
+    return withLog(options, [&](const auto& scenario, const auto& how) {
+        return runCommand(scenario, how, options.command);
     });
 }
 
 int serveHere(const Options& options)
 {
-    return withLog(options, [&](const Scenario& scenario, CallSink sink) {
-        return serve(scenario, sink, options.address);
+    return withLog(options, [&](const auto& scenario, const auto& how) {
+        return serve(scenario, how, options.address);
     });
 }
 
-using Action = int (*)(const Options&);
-
-void addRun(CLI::App& app, Options& options, Action& chosen)
+cli::Parameter busOption(Options& options)
 {
-    CLI::App* command =
-        app.add_subcommand("run", "Run a command with a simulated platform");
-    addScenarioOption(*command, options);
-    addLogOption(*command, options);
-    command->add_option("COMMAND", options.command, "The command, after --")
-        ->required();
-    command->callback([&] { chosen = run; });
+    if (const auto* chosen = std::getenv(busVariable))
+    {
+        options.bus = chosen;
+    }
+    return {.names = "--bus",
+            .meaning = "The program that is the bus (default: dbus-daemon)",
+            .take = [&](const std::string& name) { options.bus = name; },
+            .value = "PROGRAM",
+            .words = {{daemonName, "the reference implementation"},
+                      {brokerName, "what controllers run"}}};
 }
 
-void addServe(CLI::App& app, Options& options, Action& chosen)
+cli::Command runOf(Options& options)
 {
-    CLI::App* command =
-        app.add_subcommand("serve", "Serve on a bus that is already there");
-    addScenarioOption(*command, options);
-    addLogOption(*command, options);
-    command
-        ->add_option("--address", options.address,
-                     "The bus (default: the one of the environment)")
-        ->type_name("ADDRESS");
-    command->callback([&] { chosen = serveHere; });
+    const auto take = [&options](const std::string& word) {
+        options.command.push_back(word);
+    };
+    auto parameters = servingOptions(options);
+    parameters.push_back(busOption(options));
+    parameters.push_back({.names = cli::commandValue,
+                          .meaning = "The command, after --",
+                          .take = take,
+                          .isRequired = true,
+                          .isRepeated = true});
+    return {
+        .name = "run",
+        .meaning = "Run a command with a simulated platform",
+        .parameters = std::move(parameters),
+        .run = [&options] { return run(options); },
+    };
 }
 
-void addCheck(CLI::App& app, Options& options, Action& chosen)
+cli::Command serveOf(Options& options)
 {
-    CLI::App* command =
-        app.add_subcommand("scenario", "Check a scenario and sum it up");
-    addScenarioOption(*command, options);
-    command->add_flag("--raid", options.raidOnly,
-                      "Print its RAID section, for MORVATH_SIM_RAID");
-    command->footer("The documentation, scenario.md, tells what it can say.");
-    command->callback([&] { chosen = checkScenario; });
+    auto parameters = servingOptions(options);
+    parameters.push_back(
+        cli::text("--address", "ADDRESS", options.address,
+                  "The bus (default: the one of the environment)"));
+    return {
+        .name = "serve",
+        .meaning = "Serve on a bus that is already there",
+        .parameters = std::move(parameters),
+        .run = [&options] { return serveHere(options); },
+    };
 }
 
-void addRecord(CLI::App& app, Options& options, Action& chosen)
-{
-    addRecordCommand(app, options.record)->callback([&] {
-        chosen = [](const Options& given) { return record(given.record); };
-    });
-}
-
-morvath::cli::About about()
+cli::Command checkOf(Options& options)
 {
     return {
-        .name = "morvath-sim",
+        .name = "scenario",
+        .meaning = "Check a scenario and sum it up",
+        .parameters = {scenarioOption(options),
+                       cli::flag("--raid", options.raidOnly,
+                                 "Print its RAID section, for "
+                                 "MORVATH_SIM_RAID")},
+        .run = [&options] { return checkScenario(options); },
+        .notes = "The documentation, scenario.md, tells what it can say.",
+    };
+}
+
+cli::About about()
+{
+    return {
         .version = MORVATH_VERSION,
-        .summary = "Simulates the services of a managed server on a bus.",
         .exitStatuses = {{"0", "success"},
                          {"1", "failure, or a recording with gaps"},
                          {"2", "misuse, or a mistake in a scenario"},
@@ -208,7 +222,8 @@ morvath::cli::About about()
               "The bus to serve on or to record; \"run\" sets it for "
               "its command"},
              {"MORVATH_SIM_RAID",
-              "The file of the RAID section; \"run\" sets it"}},
+              "The file of the RAID section; \"run\" sets it"},
+             {busVariable, "What --bus says otherwise"}},
         .examples = {{"morvath-sim run -- morvath show memory",
                       "The command on a simulated server"},
                      {"morvath-sim run --log calls -- morvath get --all",
@@ -223,14 +238,25 @@ morvath::cli::About about()
 int parseAndExecute(int argc, char** argv)
 {
     Options options;
-    Action chosen = nullptr;
-    morvath::cli::Program program(about());
-    CLI::App& app = program.app();
-    addRun(app, options, chosen);
-    addServe(app, options, chosen);
-    addCheck(app, options, chosen);
-    addRecord(app, options, chosen);
-    return program.run(argc, argv, [&] { return chosen(options); });
+    return cli::run(
+        {
+            .name = program,
+            .meaning = "Simulates the services of a managed server on a bus.",
+            .commands = {runOf(options), serveOf(options), checkOf(options),
+                         recordCommand(options.record)},
+        },
+        about(), argc, argv);
+}
+
+/** A full disk fails what has succeeded otherwise. */
+int allWritten(int status)
+{
+    if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0)
+    {
+        return status;
+    }
+    cli::complain(program, "standard output could not be written");
+    return status == EXIT_SUCCESS ? EXIT_FAILURE : status;
 }
 
 } // namespace
@@ -239,16 +265,16 @@ int main(int argc, char** argv)
 {
     try
     {
-        return parseAndExecute(argc, argv);
+        return allWritten(parseAndExecute(argc, argv));
     }
     catch (const ScenarioError& error)
     {
-        std::fprintf(stderr, "morvath-sim: %s\n", error.what());
-        return statusUsage;
+        cli::complain(program, error.what());
+        return cli::misused;
     }
     catch (const std::exception& error)
     {
-        std::fprintf(stderr, "morvath-sim: %s\n", error.what());
+        cli::complain(program, error.what());
         return EXIT_FAILURE;
     }
 }

@@ -1,16 +1,22 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "sim/platform.hpp"
 
-#include "sim/descriptor.hpp"
+#include "sim/changes.hpp"
 #include "sim/mapper.hpp"
-#include "sim/service.hpp"
+#include "sim/process.hpp"
+
+#include <nlohmann/json.hpp>
 
 #include <pthread.h>
 #include <signal.h>
 #include <sys/epoll.h>
 #include <sys/eventfd.h>
 
-#include <map>
+#include <algorithm>
+#include <chrono>
+#include <condition_variable>
+#include <ctime>
+#include <exception>
 #include <mutex>
 #include <stdexcept>
 #include <thread>
@@ -18,7 +24,6 @@
 
 namespace morvath::sim
 {
-
 namespace
 {
 
@@ -34,34 +39,14 @@ Descriptor newEventDescriptor()
     return {eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK), "eventfd"};
 }
 
-int stopLoop(sd_event_source* source, int, std::uint32_t, void*)
+EventSource newSource(sd_event* event, const Descriptor& descriptor,
+                      sd_event_io_handler_t handler, void* data)
 {
-    return sd_event_exit(sd_event_source_get_event(source), 0);
-}
-
-/** Signals are for the thread that the program waits for them with. */
-std::thread startWithoutSignals(sd_event* event)
-{
-    sigset_t all;
-    sigset_t before;
-    sigfillset(&all);
-    pthread_sigmask(SIG_SETMASK, &all, &before);
-    std::thread thread([event] { sd_event_loop(event); });
-    pthread_sigmask(SIG_SETMASK, &before, nullptr);
-    return thread;
-}
-
-std::map<std::string, ObjectTree> treesByService(const Scenario& scenario)
-{
-    std::map<std::string, ObjectTree> trees;
-    for (const Object& object : scenario.objects())
-    {
-        for (const Owner& owner : object.owners)
-        {
-            trees[owner.service].add(object.path, owner.interfaces);
-        }
-    }
-    return trees;
+    sd_event_source* source = nullptr;
+    check(sd_event_add_io(event, &source, descriptor.get(), EPOLLIN, handler,
+                          data),
+          "sd_event_add_io");
+    return EventSource(source);
 }
 
 } // namespace
@@ -69,64 +54,90 @@ std::map<std::string, ObjectTree> treesByService(const Scenario& scenario)
 class Platform::Implementation
 {
   public:
-    Implementation(const Scenario& scenario, const std::string& busAddress,
-                   CallSink sink) :
-        log(std::move(sink)),
-        faults(scenario.faults()),
-        machine(scenario.behaviours(), services),
-        surroundings{event.get(),
-                     busAddress,
-                     log,
-                     faults,
-                     machine,
-                     mutex,
-                     [this] { updateMapper(); },
-                     [this] { reportLoss(); }}
+    Implementation(const Scenario& scenario, const Live& options,
+                   bool keepsCalls) :
+        services{.event = event.get(),
+                 .busAddress = options.busAddress,
+                 .faults = Faults(scenario.faults),
+                 .behaviours = scenario.behaviours,
+                 .log = keepsCalls ? keeper() : options.log,
+                 .logsOutcome = !keepsCalls && options.log,
+                 .objectsChanged = [this] { updateMapper(); },
+                 .busLost = [this] { eventfd_write(busLost.get(), 1); },
+                 .haveManagers = !scenario.changes.empty()},
+        schedule(
+            scenario, services,
+            options.raidChanged ? options.raidChanged : [](const Json&) {}),
+        isLive(!keepsCalls)
     {
         startServices(scenario);
-        sd_event_source* source = nullptr;
-        check(sd_event_add_io(event.get(), &source, stop.get(), EPOLLIN,
-                              stopLoop, nullptr),
-              "sd_event_add_io");
-        stopSource.reset(source);
-        thread = startWithoutSignals(event.get());
+        told = newSource(event.get(), tell, onTold, this);
+        if (isLive)
+        {
+            start = now();
+            sd_event_source* source = nullptr;
+            check(sd_event_add_time(event.get(), &source, CLOCK_MONOTONIC,
+                                    UINT64_MAX, 0, onTime, this),
+                  "sd_event_add_time");
+            timer.reset(source);
+            setTimer();
+        }
+        thread = startWithoutSignals();
     }
 
     ~Implementation()
     {
-        eventfd_write(stop.get(), 1);
+        {
+            const std::lock_guard lock(mutex);
+            ended = true;
+        }
+        eventfd_write(tell.get(), 1);
         thread.join();
     }
 
+    void advance(Seconds seconds)
+    {
+        std::unique_lock lock(mutex);
+        wanted += seconds;
+        eventfd_write(tell.get(), 1);
+        reached.wait(lock, [this] { return time == wanted; });
+    }
+
     // The order matters: what is used stands before its users.
-    CallLog log;
-    FaultTable faults;
-    const Machine machine;
-    std::mutex mutex;
+    /** Held while calls are answered. */
+    mutable std::mutex mutex;
+    std::vector<Call> calls;
     const Event event = newEvent();
-    const Descriptor stop = newEventDescriptor();
+    const Descriptor tell = newEventDescriptor();
     const Descriptor busLost = newEventDescriptor();
-    const Surroundings surroundings;
-    std::vector<std::unique_ptr<Service>> services;
-    std::unique_ptr<Mapper> mapper;
-    EventSource stopSource;
-    std::thread thread;
+    Services services;
 
   private:
+    CallSink keeper()
+    {
+        return [this](const Call& call) { calls.push_back(call); };
+    }
+
     void startServices(const Scenario& scenario)
     {
-        for (auto& [name, objects] : treesByService(scenario))
+        for (const auto& object : scenario.objects)
         {
-            services.push_back(std::make_unique<Service>(surroundings, name,
-                                                         std::move(objects)));
-            services.back()->start();
+            services.publish(object);
         }
-        if (scenario.hasMapper())
+        std::ranges::sort(services.all, {},
+                          [](const auto& service) -> const std::string& {
+                              return service->name;
+                          });
+        for (const auto& service : services.all)
+        {
+            service->start();
+        }
+        if (scenario.hasMapper)
         {
             // The last name to appear, so whoever waits for the mapper finds
             // everything else there.
-            mapper = std::make_unique<Mapper>(surroundings);
-            updateMapper();
+            mapper = std::make_unique<Mapper>(services);
+            mapper->update();
             mapper->start();
         }
     }
@@ -135,74 +146,183 @@ class Platform::Implementation
     {
         if (mapper)
         {
-            mapper->update(services);
+            mapper->update();
         }
     }
 
-    void reportLoss()
+    /** Signals are for the thread that the program waits for them with. */
+    std::thread startWithoutSignals()
     {
-        eventfd_write(busLost.get(), 1);
+        sigset_t all;
+        sigset_t before;
+        sigfillset(&all);
+        pthread_sigmask(SIG_SETMASK, &all, &before);
+        std::thread started([this] { serve(); });
+        pthread_sigmask(SIG_SETMASK, &before, nullptr);
+        return started;
     }
+
+    void serve()
+    {
+        std::unique_lock lock(mutex);
+        for (auto result = 0; !ended && result >= 0;)
+        {
+            result = sd_event_prepare(event.get());
+            if (result == 0)
+            {
+                lock.unlock();
+                result = sd_event_wait(event.get(), UINT64_MAX);
+                lock.lock();
+            }
+            if (result > 0)
+            {
+                result = sd_event_dispatch(event.get());
+            }
+        }
+    }
+
+    Seconds now() const
+    {
+        uint64_t microseconds = 0;
+        check(sd_event_now(event.get(), CLOCK_MONOTONIC, &microseconds),
+              "sd_event_now");
+        return std::chrono::microseconds(microseconds);
+    }
+
+    /** To the next change, if there is one. */
+    void setTimer()
+    {
+        if (!schedule.empty())
+        {
+            const auto due = std::chrono::ceil<std::chrono::microseconds>(
+                start + schedule.next());
+            check(sd_event_source_set_time(timer.get(),
+                                           static_cast<uint64_t>(due.count())),
+                  "sd_event_source_set_time");
+            check(sd_event_source_set_enabled(timer.get(), SD_EVENT_ONESHOT),
+                  "sd_event_source_set_enabled");
+        }
+    }
+
+    void moveTo(Seconds moment)
+    {
+        try
+        {
+            schedule.advance(moment);
+        }
+        catch (const std::exception&)
+        {
+            // Only sending is left to fail: the bus is gone.
+        }
+        time = moment;
+    }
+
+    static int onTime(sd_event_source*, uint64_t, void* self)
+    {
+        auto& own = *static_cast<Implementation*>(self);
+        own.moveTo(own.now() - own.start);
+        own.setTimer();
+        return 0;
+    }
+
+    static int onTold(sd_event_source*, int, uint32_t, void* self)
+    {
+        auto& own = *static_cast<Implementation*>(self);
+        eventfd_t count = 0;
+        eventfd_read(own.tell.get(), &count);
+        if (!own.isLive)
+        {
+            own.moveTo(own.wanted);
+            own.reached.notify_all();
+        }
+        return 0;
+    }
+
+    Schedule schedule;
+    const bool isLive;
+    bool ended = false;
+    Seconds start{};
+    Seconds wanted{};
+    Seconds time{};
+    std::condition_variable reached;
+    std::unique_ptr<Mapper> mapper;
+    EventSource told;
+    EventSource timer;
+    std::thread thread;
 };
 
-Platform::Platform(const Scenario& scenario, const std::string& busAddress,
-                   CallSink sink) :
-    implementation_(
-        std::make_unique<Implementation>(scenario, busAddress, std::move(sink)))
+Platform::Platform(const Scenario& scenario, const std::string& busAddress) :
+    implementation(std::make_unique<Implementation>(
+        scenario, Live{.busAddress = busAddress}, true))
+{}
+
+Platform::Platform(const Scenario& scenario, const Live& options) :
+    implementation(std::make_unique<Implementation>(scenario, options, false))
 {}
 
 Platform::~Platform() = default;
 
+void Platform::advance(Seconds time)
+{
+    implementation->advance(time);
+}
+
 std::vector<Call> Platform::calls() const
 {
-    return implementation_->log.calls();
+    const std::lock_guard lock(implementation->mutex);
+    return implementation->calls;
 }
 
 void Platform::clearCalls()
 {
-    implementation_->log.clear();
+    const std::lock_guard lock(implementation->mutex);
+    implementation->calls.clear();
 }
 
-nlohmann::ordered_json Platform::property(const std::string& service,
-                                          const std::string& path,
-                                          const std::string& interface,
-                                          const std::string& name) const
+Json Platform::property(const std::string& service, const std::string& path,
+                        const std::string& interface,
+                        const std::string& name) const
 {
-    const std::lock_guard lock(implementation_->mutex);
-    for (const auto& candidate : implementation_->services)
+    const std::lock_guard lock(implementation->mutex);
+    for (const auto& candidate : implementation->services.all)
     {
-        Node* node = candidate->name() == service
-                         ? candidate->objects().find(path)
-                         : nullptr;
-        const Property* property =
-            node == nullptr ? nullptr : node->property(interface, name);
-        if (property != nullptr)
+        const auto* property = candidate->name == service
+                                   ? candidate->find({path, interface, name})
+                                   : nullptr;
+        if (property)
         {
-            return toJson(property->value);
+            return *property->value;
         }
     }
     throw std::out_of_range("no property " + name + " of " + interface +
                             " on " + path + " at " + service);
 }
 
+std::vector<std::string> Platform::unusedFaults() const
+{
+    const std::lock_guard lock(implementation->mutex);
+    return implementation->services.faults.unused();
+}
+
 std::size_t Platform::objectCount() const
 {
+    const std::lock_guard lock(implementation->mutex);
     std::size_t count = 0;
-    for (const auto& service : implementation_->services)
+    for (const auto& service : implementation->services.all)
     {
-        count += service->objects().objectCount();
+        count += service->paths().size();
     }
     return count;
 }
 
 std::size_t Platform::serviceCount() const
 {
-    return implementation_->services.size();
+    return implementation->services.all.size();
 }
 
 int Platform::busLostDescriptor() const
 {
-    return implementation_->busLost.get();
+    return implementation->busLost.get();
 }
 
 } // namespace morvath::sim

@@ -1,12 +1,22 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "sim/sd_bus.hpp"
 
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
 #include <system_error>
 
 namespace morvath::sim
 {
 
-constexpr const char* connecting = "connecting to the bus";
+namespace
+{
+
+constexpr auto connecting = "connecting to the bus";
+
+} // namespace
 
 int check(int result, const char* operation)
 {
@@ -38,6 +48,22 @@ Bus openBus(const std::string& address)
     check(sd_bus_set_address(bus, address.c_str()), "sd_bus_set_address");
     check(sd_bus_set_bus_client(bus, true), "sd_bus_set_bus_client");
     check(sd_bus_start(bus), connecting);
+    return owned;
+}
+
+Bus openNothing()
+{
+    std::array<int, 2> ends{};
+    const auto made = socketpair(
+        AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0, ends.data());
+    check(made < 0 ? -errno : 0, "socketpair");
+    sd_bus* bus = nullptr;
+    check(sd_bus_new(&bus), "sd_bus_new");
+    Bus owned(bus);
+    check(sd_bus_set_fd(bus, ends[0], ends[0]), "sd_bus_set_fd");
+    const auto started = sd_bus_start(bus);
+    close(ends[1]);
+    check(started, "sd_bus_start");
     return owned;
 }
 

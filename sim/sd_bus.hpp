@@ -23,6 +23,7 @@ struct Releaser
 
 using Bus = std::unique_ptr<sd_bus, Releaser<sd_bus_flush_close_unref>>;
 using Message = std::unique_ptr<sd_bus_message, Releaser<sd_bus_message_unref>>;
+using Slot = std::unique_ptr<sd_bus_slot, Releaser<sd_bus_slot_unref>>;
 using Event = std::unique_ptr<sd_event, Releaser<sd_event_unref>>;
 using EventSource =
     std::unique_ptr<sd_event_source, Releaser<sd_event_source_disable_unref>>;
@@ -33,16 +34,16 @@ class BusError : public std::runtime_error
   public:
     BusError(std::string name, const std::string& message) :
         std::runtime_error(message),
-        name_(std::move(name))
+        errorName(std::move(name))
     {}
 
     const std::string& name() const noexcept
     {
-        return name_;
+        return errorName;
     }
 
   private:
-    std::string name_;
+    std::string errorName;
 };
 
 /**
@@ -51,9 +52,12 @@ class BusError : public std::runtime_error
  */
 int check(int result, const char* operation);
 
-Message newReply(sd_bus_message* call);
-
 /** A connection; empty address: the bus of the environment. */
 Bus openBus(const std::string& address);
+
+/** A connection to nobody: messages can be filled, but not sent. */
+Bus openNothing();
+
+Message newReply(sd_bus_message* call);
 
 } // namespace morvath::sim

@@ -1,125 +1,435 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "sim/service.hpp"
 
-#include "sim/associations.hpp"
-#include "sim/introspection.hpp"
-#include "sim/properties.hpp"
-#include "sim/settings.hpp"
+#include "sim/behaviours.hpp"
 
-#include <cstdint>
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <cerrno>
 #include <ctime>
 #include <exception>
 #include <utility>
 
 namespace morvath::sim
 {
-
 namespace
 {
 
+constexpr auto replied = "reply";
+constexpr auto invalidEnumeration =
+    "xyz.openbmc_project.sdbusplus.Error.InvalidEnumString";
+// Its table is hidden: sd-bus knows no object without an interface.
+constexpr auto presenceInterface = "morvath.Presence";
+
 bool isMethodCall(sd_bus_message* message)
 {
-    std::uint8_t type = 0;
+    uint8_t type = 0;
     check(sd_bus_message_get_type(message, &type), "sd_bus_message_get_type");
     return type == SD_BUS_MESSAGE_METHOD_CALL;
 }
 
-void sendError(const Request& request, const std::string& name,
-               const char* text)
+std::string_view viewOf(const char* text)
 {
-    const sd_bus_error error{name.c_str(), text, 0};
-    check(sd_bus_reply_method_error(request.message, &error),
+    return text ? text : std::string_view();
+}
+
+CallKeys keysOf(sd_bus_message* message, std::string_view service)
+{
+    CallKeys keys{.service = service,
+                  .path = viewOf(sd_bus_message_get_path(message)),
+                  .interface = viewOf(sd_bus_message_get_interface(message)),
+                  .member = viewOf(sd_bus_message_get_member(message)),
+                  .propertyInterface = {},
+                  .property = {}};
+    const auto signature = viewOf(sd_bus_message_get_signature(message, true));
+    if (keys.interface == propertiesInterface && signature.starts_with('s'))
+    {
+        const char* interface = nullptr;
+        const char* property = nullptr;
+        check(sd_bus_message_read_basic(message, 's', &interface),
+              "sd_bus_message_read_basic");
+        if (signature.starts_with("ss"))
+        {
+            check(sd_bus_message_read_basic(message, 's', &property),
+                  "sd_bus_message_read_basic");
+        }
+        check(sd_bus_message_rewind(message, true), "sd_bus_message_rewind");
+        keys.propertyInterface = interface;
+        keys.property = viewOf(property);
+    }
+    return keys;
+}
+
+void sendError(sd_bus_message* message, const std::string& name,
+               const std::string& text)
+{
+    const sd_bus_error error{name.c_str(), text.c_str(), 0};
+    check(sd_bus_reply_method_error(message, &error),
           "sd_bus_reply_method_error");
 }
 
-BusError unknownObject(const Request& request)
+Slot addTable(sd_bus* bus, const std::string& path,
+              const std::string& interface, const sd_bus_vtable* table,
+              void* userdata)
 {
-    return {SD_BUS_ERROR_UNKNOWN_OBJECT,
-            "Unknown object '" + std::string(request.path) + "'."};
+    sd_bus_slot* slot = nullptr;
+    const auto operation = "publishing " + interface + " at " + path;
+    check(sd_bus_add_object_vtable(bus, &slot, path.c_str(), interface.c_str(),
+                                   table, userdata),
+          operation.c_str());
+    return Slot(slot);
 }
 
-void send(const Message& reply)
+void send(const Message& message)
 {
-    check(sd_bus_send(nullptr, reply.get(), nullptr), "sd_bus_send");
+    check(sd_bus_send(nullptr, message.get(), nullptr), "sd_bus_send");
+}
+
+int getProperty(sd_bus*, const char*, const char*, const char*,
+                sd_bus_message* reply, void* property, sd_bus_error*) noexcept
+{
+    try
+    {
+        const auto& own = *static_cast<const Property*>(property);
+        append(reply, own.type, *own.value);
+        return 0;
+    }
+    catch (const std::exception&)
+    {
+        return -ENOMEM;
+    }
+}
+
+int setProperty(sd_bus*, const char* path, const char* interface, const char*,
+                sd_bus_message* value, void* property,
+                sd_bus_error* error) noexcept
+{
+    try
+    {
+        auto& own = *static_cast<Property*>(property);
+        own.publisher->set(path, interface, own, readJson(value));
+        return 0;
+    }
+    catch (const BusError& refusal)
+    {
+        return sd_bus_error_set(error, refusal.name().c_str(), refusal.what());
+    }
+    catch (const std::exception& failure)
+    {
+        return sd_bus_error_set(error, SD_BUS_ERROR_FAILED, failure.what());
+    }
+}
+
+sd_bus_vtable entryOf(const Property& property, std::size_t offset)
+{
+    const uint64_t flags = property.hidden
+                               ? SD_BUS_VTABLE_HIDDEN
+                               : SD_BUS_VTABLE_PROPERTY_EMITS_CHANGE;
+    const auto* name = property.name.c_str();
+    const auto* type = property.type.c_str();
+    if (property.readOnly)
+    {
+        return SD_BUS_PROPERTY(name, type, getProperty, offset, flags);
+    }
+    return SD_BUS_WRITABLE_PROPERTY(name, type, getProperty, setProperty,
+                                    offset, flags | SD_BUS_VTABLE_UNPRIVILEGED);
 }
 
 } // namespace
 
-Service::Service(const Surroundings& surroundings, std::string name,
-                 ObjectTree objects) :
-    surroundings_(surroundings),
-    name_(std::move(name)),
-    objects_(std::move(objects))
+std::string Services::textAt(const Place& place) const
+{
+    for (const auto& service : all)
+    {
+        const auto* property = service->find(place);
+        if (property && property->value->is_string())
+        {
+            return property->value->get<std::string>();
+        }
+    }
+    return {};
+}
+
+void Services::change(const Place& place, const Json& value) const
+{
+    for (const auto& service : all)
+    {
+        if (auto* property = service->find(place))
+        {
+            service->change(place.path, place.interface, *property, value);
+        }
+    }
+}
+
+Service* Services::named(std::string_view name) const
+{
+    const auto found = std::ranges::find_if(
+        all, [&](const auto& service) { return service->name == name; });
+    return found == all.end() ? nullptr : found->get();
+}
+
+void Services::publish(const Object& object)
+{
+    for (const auto& [name, interfaces] : object.owners)
+    {
+        auto* service = named(name);
+        if (!service)
+        {
+            service =
+                all.emplace_back(std::make_unique<Service>(*this, name)).get();
+        }
+        service->add(object.path, interfaces);
+    }
+}
+
+void Services::add(const Object& object)
+{
+    remove(object.path);
+    const auto known = all.size();
+    publish(object);
+    for (const auto& owner : object.owners)
+    {
+        named(owner.service)->announce(object.path, sd_bus_emit_object_added);
+    }
+    for (auto index = known; index < all.size(); ++index)
+    {
+        all[index]->start();
+    }
+    objectsChanged();
+}
+
+void Services::remove(const std::string& path)
+{
+    for (const auto& service : all)
+    {
+        if (service->find(path))
+        {
+            service->announce(path, sd_bus_emit_object_removed);
+            service->remove(path);
+        }
+    }
+    objectsChanged();
+}
+
+Service::Service(Services& services, std::string name) :
+    name(std::move(name)),
+    services(services)
 {}
 
 Service::~Service()
 {
     // Without waiting for the bus the name would still be taken for a while.
-    if (bus_)
+    if (bus)
     {
-        sd_bus_release_name(bus_.get(), name_.c_str());
+        sd_bus_release_name(bus.get(), name.c_str());
     }
 }
 
 void Service::start()
 {
-    bus_ = openBus(surroundings_.busAddress);
+    bus = openBus(services.busAddress);
     // The end of the loop must leave the connection to the destructor.
-    check(sd_bus_set_close_on_exit(bus_.get(), false),
+    check(sd_bus_set_close_on_exit(bus.get(), false),
           "sd_bus_set_close_on_exit");
-    // A filter with tables of our own: thousands of registered objects would
-    // take sd-bus long to set up and could not be changed by a fault.
-    check(sd_bus_add_filter(bus_.get(), nullptr, onMessage, this),
+    check(sd_bus_add_filter(bus.get(), nullptr, onMessage, this),
           "sd_bus_add_filter");
-    const std::string operation = "taking the bus name " + name_;
-    check(sd_bus_request_name(bus_.get(), name_.c_str(), 0), operation.c_str());
-    check(sd_bus_attach_event(bus_.get(), surroundings_.event,
+    for (auto& [path, object] : objects)
+    {
+        registerAll(path, object);
+    }
+    if (services.haveManagers)
+    {
+        check(sd_bus_add_object_manager(bus.get(), nullptr, "/"),
+              "sd_bus_add_object_manager");
+    }
+    prepare();
+    const auto operation = "taking the bus name " + name;
+    check(sd_bus_request_name(bus.get(), name.c_str(), 0), operation.c_str());
+    check(sd_bus_attach_event(bus.get(), services.event,
                               SD_EVENT_PRIORITY_NORMAL),
           "sd_bus_attach_event");
 }
 
+void Service::die()
+{
+    held.clear();
+    for (auto& [path, object] : objects)
+    {
+        object.registrations.clear();
+        object.presence.reset();
+    }
+    // Without the service the mapper must not list its objects, not even to
+    // a caller who asks as soon as the bus has noticed.
+    const auto dying = std::move(bus);
+    services.objectsChanged();
+}
+
+void Service::add(const std::string& path, std::vector<Interface> interfaces)
+{
+    remove(path);
+    auto& object = objects[path];
+    object.interfaces = std::move(interfaces);
+    for (auto& interface : object.interfaces)
+    {
+        for (auto& property : interface.properties)
+        {
+            property.publisher = this;
+        }
+    }
+    if (bus)
+    {
+        registerAll(path, object);
+    }
+}
+
+void Service::remove(const std::string& path)
+{
+    objects.erase(path);
+}
+
+void Service::announce(const std::string& path,
+                       int (*emit)(sd_bus* bus, const char* path)) const
+{
+    const auto* interfaces = find(path);
+    if (bus && interfaces && !interfaces->empty())
+    {
+        check(emit(bus.get(), path.c_str()), "InterfacesAdded or -Removed");
+    }
+}
+
+const std::vector<Interface>* Service::find(std::string_view path) const
+{
+    const auto found = objects.find(path);
+    return found == objects.end() ? nullptr : &found->second.interfaces;
+}
+
+Property* Service::find(const Place& place)
+{
+    const auto object = objects.find(place.path);
+    if (object == objects.end())
+    {
+        return nullptr;
+    }
+    auto& interfaces = object->second.interfaces;
+    const auto interface =
+        std::ranges::find(interfaces, place.interface, &Interface::name);
+    if (interface == interfaces.end())
+    {
+        return nullptr;
+    }
+    const auto property = std::ranges::find(interface->properties,
+                                            place.property, &Property::name);
+    return property == interface->properties.end() ? nullptr : &*property;
+}
+
+std::vector<std::string_view> Service::paths() const
+{
+    std::vector<std::string_view> names;
+    for (const auto& [path, published] : objects)
+    {
+        names.push_back(path);
+    }
+    return names;
+}
+
+void Service::set(std::string_view path, std::string_view interface,
+                  Property& property, const Json& value)
+{
+    const auto& texts = property.enumeration;
+    if (!texts.empty() &&
+        std::ranges::find(texts, value.get<std::string>()) == texts.end())
+    {
+        throw BusError(invalidEnumeration,
+                       "The text is no member of the enumeration.");
+    }
+    apply({services, *this, path, interface, property, value});
+}
+
 void Service::change(std::string_view path, std::string_view interface,
-                     Property& property, const Value& value)
+                     Property& property, const Json& value)
 {
     // Generated bindings say nothing about a value that stays as it is.
-    if (property.value == value)
+    if (*property.value == value)
     {
         return;
     }
-    property.value = value;
+    property.value = std::make_shared<const Json>(value);
     if (interface == associationDefinitions)
     {
-        surroundings_.objectsChanged();
+        services.objectsChanged();
     }
     // sd-bus announces no property that it keeps out of GetAll.
-    if (property.hidden)
+    if (bus && !property.hidden)
+    {
+        // Without success when a fault has taken the property away.
+        sd_bus_emit_properties_changed(bus.get(), std::string(path).c_str(),
+                                       std::string(interface).c_str(),
+                                       property.name.c_str(), nullptr);
+    }
+}
+
+void Service::registerAll(const std::string& path, Published& object)
+{
+    object.registrations = std::vector<Registration>(object.interfaces.size());
+    for (std::size_t index = 0; index < object.interfaces.size(); ++index)
+    {
+        registerInterface(path, object.interfaces[index],
+                          object.registrations[index], object.without);
+    }
+    if (object.interfaces.empty())
+    {
+        static constexpr sd_bus_vtable hidden[]{
+            SD_BUS_VTABLE_START(SD_BUS_VTABLE_HIDDEN), SD_BUS_VTABLE_END};
+        object.presence =
+            addTable(bus.get(), path, presenceInterface, hidden, nullptr);
+    }
+}
+
+void Service::registerInterface(const std::string& path, Interface& interface,
+                                Registration& registration,
+                                const Decision& without)
+{
+    static constexpr sd_bus_vtable none[]{SD_BUS_VTABLE_START(0),
+                                          SD_BUS_VTABLE_END};
+    // sd-bus puts a table behind others of its interface, and otherwise in
+    // front of all: this one keeps the place while the other is exchanged.
+    Slot place;
+    if (registration.slot)
+    {
+        place = addTable(bus.get(), path, interface.name, none, nullptr);
+        registration.slot.reset();
+    }
+    auto& table = registration.table;
+    table = {SD_BUS_VTABLE_START(0)};
+    for (std::size_t index = 0; index < interface.properties.size(); ++index)
+    {
+        const auto& property = interface.properties[index];
+        if (!without.isMissing(interface.name, property.name))
+        {
+            table.push_back(entryOf(property, index * sizeof(Property)));
+        }
+    }
+    table.push_back(SD_BUS_VTABLE_END);
+    registration.slot = addTable(bus.get(), path, interface.name, table.data(),
+                                 interface.properties.data());
+}
+
+void Service::leaveOut(std::string_view path, const Decision& decision)
+{
+    const auto found = objects.find(path);
+    if (found == objects.end() ||
+        found->second.without.missing == decision.missing)
     {
         return;
     }
-    sd_bus_message* signal = nullptr;
-    check(sd_bus_message_new_signal(
-              bus_.get(), &signal, std::string(path).c_str(),
-              propertiesInterface.data(), "PropertiesChanged"),
-          "sd_bus_message_new_signal");
-    const Message owned(signal);
-    check(sd_bus_message_append(signal, "s", std::string(interface).c_str()),
-          "sd_bus_message_append");
-    const Value entry{"{sv}",
-                      Value::Members{{"s", property.name},
-                                     {"v", Value::Members{property.value}}}};
-    append(signal, {"a{sv}", Value::Members{entry}});
-    append(signal, {"as", Value::Members{}});
-    send(owned);
-}
-
-Message Service::callMethod(const Request&)
-{
-    return nullptr;
-}
-
-std::string_view Service::describeMethods(std::string_view) const
-{
-    return {};
+    auto& object = found->second;
+    for (std::size_t index = 0; index < object.interfaces.size(); ++index)
+    {
+        registerInterface(found->first, object.interfaces[index],
+                          object.registrations[index], decision);
+    }
+    object.without.missing = decision.missing;
 }
 
 int Service::onMessage(sd_bus_message* message, void* self,
@@ -142,177 +452,194 @@ int Service::receive(sd_bus_message* message)
     if (sd_bus_message_is_signal(message, "org.freedesktop.DBus.Local",
                                  "Disconnected") > 0)
     {
-        surroundings_.busLost();
+        services.busLost();
     }
-    if (!isMethodCall(message))
+    if (!isMethodCall(message) || (services.faults.empty() && !services.log))
     {
         return 0;
     }
-    const std::lock_guard lock(surroundings_.mutex);
-    const Request request(message, name_);
-    surroundings_.log.add(
-        {std::string(request.destination), std::string(request.path),
-         std::string(request.interface), std::string(request.member),
-         request.arguments ? toJson(*request.arguments) : Json()});
-    const Verdict verdict =
-        surroundings_.faults.judge(request, objects_.find(request.path));
-    if (verdict.effect != nullptr)
+    const char* self = nullptr;
+    check(sd_bus_get_unique_name(bus.get(), &self), "sd_bus_get_unique_name");
+    return viewOf(sd_bus_message_get_sender(message)) == self
+               ? receiveAgain(message)
+               : decide(message);
+}
+
+/** What sd-bus does not take is answered by its tables. */
+int Service::receiveAgain(sd_bus_message* message)
+{
+    uint64_t cookie = 0;
+    check(sd_bus_message_get_cookie(message, &cookie),
+          "sd_bus_message_get_cookie");
+    const auto call = std::ranges::find(held, cookie, &Held::cookie);
+    if (call != held.end())
     {
-        suffer(verdict, request);
+        leaveOut(call->call.path, call->decision);
+    }
+    return 0;
+}
+
+int Service::decide(sd_bus_message* message)
+{
+    const auto keys = keysOf(message, name);
+    auto decision = services.faults.decide(keys, find(keys.path));
+    Call call;
+    if (services.log)
+    {
+        call = callOf(message);
+    }
+    if (decision.fault || !decision.missing.empty())
+    {
+        call.fault = decision.fault ? decision.fault->place
+                                    : decision.missing.front()->place;
+    }
+    if (services.log && !services.logsOutcome)
+    {
+        services.log(call);
+    }
+    if (const auto* fault = decision.fault;
+        fault && fault->then != Effect::delay)
+    {
+        meet(*fault, message, call);
         return 1;
     }
-    // sd-bus itself answers these.
-    if (request.interface == peerInterface)
+    if (decision.fault || services.logsOutcome)
     {
-        return 0;
+        hold(message, std::move(call), std::move(decision));
+        return 1;
     }
-    answer(request, verdict.missing);
-    return 1;
+    leaveOut(keys.path, decision);
+    return 0;
 }
 
-void Service::suffer(const Verdict& verdict, const Request& request)
+void Service::logOutcome(Call& call, const std::string& outcome)
 {
-    const FaultEffect& effect = *verdict.effect;
-    if (const auto* error = std::get_if<ErrorReply>(&effect))
+    if (services.logsOutcome)
     {
-        sendError(request, error->name, error->message.c_str());
+        call.outcome = outcome;
+        services.log(call);
     }
-    else if (const auto* wait = std::get_if<Delay>(&effect))
+}
+
+void Service::meet(const Fault& fault, sd_bus_message* message, Call& call)
+{
+    switch (fault.then)
     {
-        delay(request.message, verdict.missing, wait->time);
-    }
-    else if (const auto* fixed = std::get_if<FixedReply>(&effect))
-    {
-        const Message reply = newReply(request.message);
-        if (fixed->body)
+        case Effect::error:
+            logOutcome(call, fault.errorName);
+            return sendError(message, fault.errorName, fault.errorText);
+        case Effect::vanished:
+            logOutcome(call, SD_BUS_ERROR_UNKNOWN_OBJECT);
+            return sendError(message, SD_BUS_ERROR_UNKNOWN_OBJECT,
+                             "Unknown object '" +
+                                 std::string(sd_bus_message_get_path(message)) +
+                                 "'.");
+        case Effect::reply:
         {
-            append(reply.get(), *fixed->body);
+            const auto reply = newReply(message);
+            if (fault.reply)
+            {
+                appendValues(reply.get(), fault.replyTypes,
+                             JsonCursor(*fault.reply, ""));
+            }
+            logOutcome(call, replied);
+            return send(reply);
         }
-        send(reply);
-    }
-    else if (std::holds_alternative<Death>(effect))
-    {
-        die();
-    }
-    else if (std::holds_alternative<VanishedObject>(effect))
-    {
-        const BusError error = unknownObject(request);
-        sendError(request, error.name(), error.what());
+        case Effect::death:
+            logOutcome(call, "death");
+            return die();
+        default:
+            return logOutcome(call, "silence");
     }
 }
 
-void Service::answer(const Request& request, const MissingProperties& missing)
+void Service::hold(sd_bus_message* message, Call&& call, Decision&& decision)
 {
-    try
+    auto& one = held.emplace_back(*this, Message(sd_bus_message_ref(message)),
+                                  std::move(call), std::move(decision));
+    if (!one.decision.fault)
     {
-        send(reply(request, missing));
+        return sendAgain(one);
     }
-    catch (const BusError& error)
-    {
-        sendError(request, error.name(), error.what());
-    }
-    catch (const std::exception& error)
-    {
-        sendError(request, SD_BUS_ERROR_FAILED, error.what());
-    }
-}
-
-Message Service::reply(const Request& request, const MissingProperties& missing)
-{
-    Node* node = objects_.find(request.path);
-    if (node == nullptr)
-    {
-        throw unknownObject(request);
-    }
-    if (request.isFor(introspectableInterface, "Introspect"))
-    {
-        request.expectArguments("");
-        Message reply = newReply(request.message);
-        append(reply.get(),
-               {"s", introspectionXml(*node, describeMethods(request.path))});
-        return reply;
-    }
-    if (request.isFor(peerInterface, "Ping"))
-    {
-        return newReply(request.message);
-    }
-    if (!node->isObject)
-    {
-        throw unknownObject(request);
-    }
-    if (request.isFor(propertiesInterface, "Get"))
-    {
-        return getProperty(request, *node, missing);
-    }
-    if (request.isFor(propertiesInterface, "GetAll"))
-    {
-        return getAllProperties(request, *node, missing);
-    }
-    if (request.isFor(propertiesInterface, "Set"))
-    {
-        return setProperty(request, *node, missing);
-    }
-    if (Message own = callMethod(request))
-    {
-        return own;
-    }
-    throw BusError(SD_BUS_ERROR_UNKNOWN_METHOD,
-                   "Unknown method " + std::string(request.member) +
-                       " or interface " + std::string(request.interface) + ".");
-}
-
-Message Service::setProperty(const Request& request, Node& node,
-                             const MissingProperties& missing)
-{
-    Property& property = settableProperty(request, node, missing);
-    apply({surroundings_.machine, *this, request.path, request.text(0),
-           property, newValue(request)});
-    return newReply(request.message);
-}
-
-void Service::delay(sd_bus_message* message, const MissingProperties& missing,
-                    std::chrono::milliseconds time)
-{
-    Delayed& call = delayed_.emplace_back(
-        Delayed{this, Message(sd_bus_message_ref(message)), missing, nullptr});
     sd_event_source* timer = nullptr;
-    const std::chrono::microseconds wait = time;
-    check(sd_event_add_time_relative(
-              surroundings_.event, &timer, CLOCK_MONOTONIC,
-              static_cast<std::uint64_t>(wait.count()), 1000, onTimer, &call),
+    check(sd_event_add_time_relative(services.event, &timer, CLOCK_MONOTONIC,
+                                     uint64_t{1000} *
+                                         one.decision.fault->milliseconds,
+                                     1000, onTimer, &one),
           "sd_event_add_time_relative");
-    call.timer.reset(timer);
+    one.timer.reset(timer);
 }
 
-int Service::onTimer(sd_event_source*, std::uint64_t, void* delayed) noexcept
+int Service::onTimer(sd_event_source*, uint64_t, void* data) noexcept
 {
-    auto& call = *static_cast<Delayed*>(delayed);
-    Service& service = *call.service;
-    const std::lock_guard lock(service.surroundings_.mutex);
+    auto& call = *static_cast<Held*>(data);
     try
     {
-        // The arguments have been read once, for the log.
-        check(sd_bus_message_rewind(call.message.get(), true),
-              "sd_bus_message_rewind");
-        const Request request(call.message.get(), service.name_);
-        service.answer(request, call.missing);
+        call.service.sendAgain(call);
+    }
+    catch (const std::exception&)
+    {
+        // As above: there is nobody left to tell.
+        call.service.release(call);
+    }
+    return 0;
+}
+
+/** sd-bus answers only what it receives, so the service calls itself. */
+void Service::sendAgain(Held& call)
+{
+    auto* original = call.message.get();
+    sd_bus_message* raw = nullptr;
+    check(sd_bus_message_new_method_call(bus.get(), &raw, name.c_str(),
+                                         sd_bus_message_get_path(original),
+                                         sd_bus_message_get_interface(original),
+                                         sd_bus_message_get_member(original)),
+          "sd_bus_message_new_method_call");
+    const Message again(raw);
+    check(sd_bus_message_rewind(original, true), "sd_bus_message_rewind");
+    check(sd_bus_message_copy(raw, original, true), "sd_bus_message_copy");
+    sd_bus_slot* slot = nullptr;
+    check(sd_bus_call_async(bus.get(), &slot, raw, onReply, &call, UINT64_MAX),
+          "sd_bus_call_async");
+    call.reply.reset(slot);
+    check(sd_bus_message_get_cookie(raw, &call.cookie),
+          "sd_bus_message_get_cookie");
+}
+
+int Service::onReply(sd_bus_message* reply, void* data, sd_bus_error*) noexcept
+{
+    auto& call = *static_cast<Held*>(data);
+    try
+    {
+        call.service.answer(call, reply);
     }
     catch (const std::exception&)
     {
         // As above: there is nobody left to tell.
     }
-    service.delayed_.remove_if(
-        [&](const Delayed& other) { return &other == &call; });
-    return 0;
+    call.service.release(call);
+    return 1;
 }
 
-void Service::die()
+void Service::answer(Held& call, sd_bus_message* reply)
 {
-    delayed_.clear();
-    // Without the service the mapper must not list its objects, not even to
-    // a caller who asks as soon as the bus has noticed.
-    Bus dying = std::move(bus_);
-    surroundings_.objectsChanged();
+    if (const auto* error = sd_bus_message_get_error(reply))
+    {
+        logOutcome(call.call, error->name);
+        check(sd_bus_reply_method_error(call.message.get(), error),
+              "sd_bus_reply_method_error");
+        return;
+    }
+    logOutcome(call.call, replied);
+    const auto answer = newReply(call.message.get());
+    check(sd_bus_message_copy(answer.get(), reply, true),
+          "sd_bus_message_copy");
+    send(answer);
+}
+
+void Service::release(const Held& call)
+{
+    held.remove_if([&](const Held& one) { return &one == &call; });
 }
 
 } // namespace morvath::sim

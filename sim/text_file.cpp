@@ -11,8 +11,14 @@ namespace morvath::sim
 
 std::string readTextFile(const std::filesystem::path& file)
 {
+    // Also because a device or a pipe may never end.
+    if (std::filesystem::exists(file) &&
+        !std::filesystem::is_regular_file(file))
+    {
+        throw ScenarioError(file.string() + ": is not a regular file");
+    }
     std::ifstream stream(file, std::ios::binary);
-    if (!stream || std::filesystem::is_directory(file))
+    if (!stream)
     {
         throw ScenarioError(file.string() + ": cannot be read");
     }

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "sim/json.hpp"
+#include <nlohmann/json_fwd.hpp>
 
 namespace morvath::sim
 {
 
-/** The scenario without what tells one machine and its place from others. */
-Json anonymized(const Json& scenario);
+/** Masks in a scenario what tells one machine and its place from others. */
+void anonymize(nlohmann::ordered_json& scenario);
 
 } // namespace morvath::sim

@@ -6,45 +6,42 @@
 namespace morvath::sim
 {
 
-// sd-bus counts microseconds, and nobody waits for a day.
-constexpr double shortestWait = 0.001;
-constexpr double longestWait = 86400;
-
 namespace
 {
 
-std::string serviceNameError(const std::string& name)
+cli::Parameter serviceOption(RecordOptions& options)
 {
-    return sd_bus_service_name_is_valid(name.c_str()) > 0
-               ? ""
-               : "\"" + name + "\" is not a bus name";
+    const auto take = [&options](const std::string& name) {
+        if (sd_bus_service_name_is_valid(name.c_str()) <= 0)
+        {
+            throw cli::Misuse("--service: \"" + name + "\" is not a bus name");
+        }
+        options.services.push_back(name);
+    };
+    return {.names = "--service",
+            .meaning = "Record only this service; may be repeated",
+            .take = take,
+            .value = "NAME",
+            .isRepeated = true};
 }
 
 } // namespace
 
-CLI::App* addRecordCommand(CLI::App& app, RecordOptions& options)
+cli::Command recordCommand(RecordOptions& options)
 {
-    CLI::App* command =
-        app.add_subcommand("record", "Print what is on a bus as a scenario");
-    command
-        ->add_option("--service", options.services,
-                     "Record only this service; may be repeated")
-        ->type_name("NAME")
-        ->expected(1)
-        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
-        ->check(serviceNameError);
-    command->add_flag("--anonymize", options.anonymize,
-                      "Mask serial numbers, addresses and names of hosts");
-    command
-        ->add_option("--timeout", options.patience,
-                     "Longest wait for each answer, in seconds (5)")
-        ->type_name("SECONDS")
-        ->check(CLI::Range(shortestWait, longestWait));
-    command
-        ->add_option("--address", options.address,
-                     "The bus (default: the one of the environment)")
-        ->type_name("ADDRESS");
-    return command;
+    return {
+        .name = "record",
+        .meaning = "Print what is on a bus as a scenario",
+        .parameters =
+            {serviceOption(options),
+             cli::flag("--anonymize", options.anonymize,
+                       "Mask serial numbers, addresses and names of hosts"),
+             cli::seconds("--timeout", options.patience,
+                          "Longest wait for each answer, in seconds (5)"),
+             cli::text("--address", "ADDRESS", options.address,
+                       "The bus (default: the one of the environment)")},
+        .run = [&options] { return record(options); },
+    };
 }
 
 } // namespace morvath::sim

@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "cli/program.hpp"
 #include "sim/record/record.hpp"
-
-#include <CLI/CLI.hpp>
 
 namespace morvath::sim
 {
 
-/** Adds the subcommand; the options must outlive the parsing. */
-CLI::App* addRecordCommand(CLI::App& app, RecordOptions& options);
+/** The command "record"; the options must outlive it. */
+cli::Command recordCommand(RecordOptions& options);
 
 } // namespace morvath::sim

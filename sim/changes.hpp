@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "sim/json_value.hpp"
+
+#include <chrono>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace morvath::sim
+{
+
+struct Object;
+struct Scenario;
+struct Services;
+
+using Seconds = std::chrono::duration<double>;
+
+/** Something that happens to a machine at a time. */
+struct Change
+{
+    /** Since the start. */
+    Seconds after{};
+    /** Zero: only once. */
+    Seconds every{};
+    /** What it says, in the form of the document, checked. */
+    SharedJson what;
+    /** The document's, for the objects in it. */
+    SharedJson document;
+};
+
+/** Reads the changes of a machine that is read as far as its objects. */
+std::vector<Change> readChanges(const JsonCursor& json,
+                                const SharedJson& document,
+                                const Scenario& scenario);
+
+/** The changes of a running platform, in the order of their times. */
+class Schedule
+{
+  public:
+    /** @param[in] raidChanged  gets every new RAID section */
+    Schedule(const Scenario& scenario, Services& services,
+             std::function<void(const Json&)> raidChanged);
+
+    bool empty() const noexcept
+    {
+        return pending.empty();
+    }
+
+    /** When the next change is due, since the start. */
+    Seconds next() const;
+
+    /** Makes all changes up to a time since the start. */
+    void advance(Seconds time);
+
+  private:
+    void make(const Change& change);
+    void changeRaid(const Json& parts);
+
+    std::vector<Change> pending;
+    Services& services;
+    SharedJson raid;
+    std::function<void(const Json&)> raidChanged;
+};
+
+} // namespace morvath::sim

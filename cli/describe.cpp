@@ -1,7 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "cli/describe.hpp"
-
-#include "cli/help.hpp"
+#include "cli/words.hpp"
 
 #include <nlohmann/json.hpp>
 
@@ -12,7 +10,7 @@ namespace
 
 using Json = nlohmann::ordered_json;
 
-Json describeTerms(const Terms& terms)
+Json describe(const Terms& terms)
 {
     auto list = Json::array();
     for (const auto& [name, meaning] : terms)
@@ -22,63 +20,57 @@ Json describeTerms(const Terms& terms)
     return list;
 }
 
-Json describeOption(const CLI::Option& option, const Choices& choices)
+Json describe(const Parameter& parameter)
 {
     auto names = Json::array();
-    for (const auto& name : option.get_snames())
+    if (!isArgument(parameter))
     {
-        names.push_back('-' + name);
+        for (const auto& name : namesOf(parameter))
+        {
+            names.push_back(name.name);
+        }
     }
-    for (const auto& name : option.get_lnames())
-    {
-        names.push_back("--" + name);
-    }
-    const auto found = choices.find(&option);
     return {{"names", names},
-            {"value", valueName(option)},
-            {"meaning", option.get_description()},
-            {"required", option.get_required()},
-            {"repeated", option.get_items_expected_max() > 1},
-            {"choices",
-             describeTerms(found == choices.end() ? Terms() : found->second)}};
+            {"value", valueOf(parameter)},
+            {"meaning", parameter.meaning},
+            {"required", parameter.isRequired},
+            {"repeated", parameter.isRepeated},
+            {"choices", describe(parameter.words)}};
 }
 
-Json describeCommand(const CLI::App& command, const Choices& choices)
+Json describe(const Command& command)
 {
     auto options = Json::array();
     auto arguments = Json::array();
-    for (const auto* option : command.get_options())
+    for (const auto& parameter : command.parameters)
     {
-        if (!option->get_group().empty())
-        {
-            (option->get_positional() ? arguments : options)
-                .push_back(describeOption(*option, choices));
-        }
+        (isArgument(parameter) ? arguments : options)
+            .push_back(describe(parameter));
     }
+    options.push_back(
+        describe(Parameter{"-h,--help", "Print this help and exit", {}}));
     auto commands = Json::array();
-    for (const auto* inner : command.get_subcommands({}))
+    for (const auto& inner : command.commands)
     {
-        commands.push_back(describeCommand(*inner, choices));
+        commands.push_back(describe(inner));
     }
-    return {{"name", command.get_name()},
-            {"meaning", command.get_description()},
-            {"options", options},
-            {"arguments", arguments},
-            {"commands", commands},
-            {"notes", command.get_parent() ? command.get_footer() : ""}};
+    return {{"name", command.name}, {"meaning", command.meaning},
+            {"options", options},   {"arguments", arguments},
+            {"commands", commands}, {"notes", command.notes}};
 }
 
 } // namespace
 
-std::string describe(const CLI::App& app, const About& about,
-                     const Choices& choices)
+std::string descriptionOf(const Command& program, const About& about)
 {
-    auto program = describeCommand(app, choices);
-    program["version"] = about.version;
-    program["exitStatuses"] = describeTerms(about.exitStatuses);
-    program["environment"] = describeTerms(about.environment);
-    program["examples"] = describeTerms(about.examples);
-    return program.dump(2);
+    auto description = describe(program);
+    description["options"].push_back(
+        describe(Parameter{"--version", "Print the version and exit", {}}));
+    description["version"] = about.version;
+    description["exitStatuses"] = describe(about.exitStatuses);
+    description["environment"] = describe(about.environment);
+    description["examples"] = describe(about.examples);
+    return description.dump(2);
 }
 
 } // namespace morvath::cli

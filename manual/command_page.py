@@ -58,21 +58,22 @@ def add_terms(page, title, terms):
         page.term(bold(term["name"]), escape(sentence(term["meaning"])))
 
 
-def command_page(program, date, others):
+def command_page(program, date, others, screens):
     name = program["name"]
     page = Page(name, 1, (program["version"], date), "User commands")
     page.section("NAME")
     purpose = program["meaning"].rstrip(".")
     page.paragraph(f"{name} \\- {escape(purpose[:1].lower() + purpose[1:])}")
     page.section("SYNOPSIS")
-    for path, command in commands_of(program):
+    for path, command in list(commands_of(program)) or [((), program)]:
         page.lines.append(".br")
         page.lines.append(synopsis(name, path, command))
     page.lines.remove(".br")
     page.section("OPTIONS")
     for option in program["options"]:
         page.term(option_tag(option), escape(sentence(option["meaning"])))
-    page.section("COMMANDS")
+    if program["commands"]:
+        page.section("COMMANDS")
     for path, command in commands_of(program):
         add_command(page, path, command)
     add_terms(page, "EXIT STATUS", program["exitStatuses"])
@@ -81,6 +82,10 @@ def command_page(program, date, others):
     for example in program["examples"]:
         page.paragraph(escape(example["meaning"]) + ":")
         page.code(example["name"])
+    for screen in screens:
+        command, _, shown = screen.removeprefix("$ ").partition("\n")
+        page.paragraph(bold(command) + " in a terminal:")
+        page.code(shown.rstrip("\n"))
     page.section("SEE ALSO")
     page.paragraph(",\n".join(f"\\fB{other}\\fP({number})"
                               for other, number in others if other != name))

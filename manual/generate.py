@@ -1,18 +1,16 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: Apache-2.0
-"""Makes manual pages and shell completion.
+"""Makes manual pages.
 
 usage: generate.py list HEADER MAP
        generate.py library HEADER MAP FOLDER VERSION DATE EXAMPLE...
        generate.py snippets HEADER FILE
-       generate.py records HEADER LAYOUTS FILE [check]
-       generate.py man DESCRIPTION FILE DATE
-       generate.py bash|zsh DESCRIPTION FILE
+       generate.py man DESCRIPTION FILE DATE [SCREEN...]
 
 "list" prints a line for each page that "library" makes: its name and those of
 the functions on it. "snippets" writes the examples in the header as functions
-of C++. "records" writes docs/records.md, or checks that it is up to date.
-DESCRIPTION is what a program prints with --describe.
+of C++. DESCRIPTION is what a program prints with --describe, a SCREEN a command after
+"$ " and what it shows.
 """
 
 import json
@@ -20,12 +18,11 @@ import os
 import sys
 
 from command_page import command_page
-from completion import bash_completion, zsh_completion
 from header import exported, parse_header
 from library_pages import library_pages, page_name, snippets
-from records import records_document
 
-PROGRAMS = [("morvath", 1), ("morvath-sim", 1), ("libmorvath", 3)]
+PROGRAMS = [("morvath", 1), ("morvath-sim", 1), ("morvath-exporter", 1),
+            ("libmorvath", 3)]
 
 
 def read(path):
@@ -63,20 +60,10 @@ def main(kind, source, *rest):
             write(os.path.join(folder, name + ".3"), text)
     elif kind == "snippets":
         write(rest[0], snippets(parse_header(source)[1]))
-    elif kind == "records":
-        layouts, file, *check = rest
-        text = records_document(parse_header(source)[1], layouts)
-        if not check:
-            write(file, text)
-        elif read(file) != text:
-            sys.exit(f"{file} is not up to date: {__file__} records")
     else:
-        program = json.loads(read(source))
-        file, *date = rest
-        makers = {"man": lambda: command_page(program, *date, PROGRAMS),
-                  "bash": lambda: bash_completion(program),
-                  "zsh": lambda: zsh_completion(program)}
-        write(file, makers[kind]())
+        file, date, *screens = rest
+        write(file, command_page(json.loads(read(source)), date, PROGRAMS,
+                                 [read(screen) for screen in screens]))
 
 
 if __name__ == "__main__":

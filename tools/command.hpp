@@ -1,26 +1,31 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "bus.hpp"
 #include "cli/program.hpp"
 
-#include <functional>
+#include <optional>
 
 namespace morvath::tools
 {
 
-/** What a command does when it was chosen; whether it could do all of it. */
-using Action = std::function<bool()>;
+// The exit statuses of the program, besides that of misuse.
+constexpr int complete = 0;
+constexpr int incomplete = 1;
+// For scripts that want to know.
+constexpr int critical = 3;
+constexpr int warning = 4;
 
-// Each adds one command to the program; the one chosen sets the action.
-void addFacts(cli::Program& program, Action& chosen);
-void addGet(cli::Program& program, Action& chosen);
-void addSensors(cli::Program& program, Action& chosen);
-void addSet(cli::Program& program, Action& chosen);
-void addShow(cli::Program& program, Action& chosen);
+// The commands of the program.
+cli::Command factsCommand();
+cli::Command getCommand();
+cli::Command metricsCommand();
+cli::Command overviewCommand();
+cli::Command sensorsCommand();
+cli::Command setCommand();
+cli::Command showCommand();
 
-// Each adds one kind of thing to the command that sets things.
-void addLldp(cli::Program& program, CLI::App& setCommand, Action& chosen);
-void addFactSettings(cli::Program& program, CLI::App& setCommand,
-                     Action& chosen);
+/** The longest wait for an answer. */
+cli::Parameter timeoutOption(std::optional<Seconds>& timeout);
 
 } // namespace morvath::tools

@@ -1,56 +1,266 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "connection.hpp"
 
-#include <morvath.h>
+#include "bus.hpp"
+
 #include <systemd/sd-bus.h>
+#include <unistd.h>
 
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
 #include <memory>
-#include <system_error>
+#include <stdexcept>
+#include <string_view>
+#include <thread>
+#include <utility>
+#include <vector>
 
+/*
+ * The library opens its connection before main(), with sd_bus_default(), and
+ * waits there for a name as long as the bus likes. The program's own function
+ * of that name stands before the one of libsystemd: it gives the library a
+ * connection only once the bus has given a name, within the time-out of the
+ * command line, and none where the program needs none.
+ */
 namespace morvath::tools
 {
 namespace
 {
 
-struct Unref
-{
-    void operator()(sd_bus* bus) const
-    {
-        sd_bus_unref(bus);
-    }
-};
+using Clock = std::chrono::steady_clock;
+using Microseconds = std::chrono::duration<uint64_t, std::micro>;
+using Bus = std::unique_ptr<sd_bus, Release<sd_bus_unref>>;
 
-/** On the thread that loaded the library this is the library's own. */
-std::unique_ptr<sd_bus, Unref> openBus()
+constexpr Seconds usualLimit{25};
+
+// There before the constructors of this program run.
+constinit int connecting = 0;
+constinit Seconds connectingLimit = usualLimit;
+
+/** The command line, also before main(). */
+std::vector<std::string> commandLine()
 {
-    sd_bus* bus = nullptr;
-    const int result = sd_bus_default(&bus);
-    if (result < 0)
+    std::vector<std::string> words;
+    std::ifstream file("/proc/self/cmdline");
+    for (std::string word; std::getline(file, word, '\0');)
     {
-        throw std::system_error(-result, std::generic_category(),
-                                "cannot connect to the bus");
+        words.push_back(word);
     }
-    return std::unique_ptr<sd_bus, Unref>(bus);
+    return words;
+}
+
+/** Whether the program only tells something about itself. */
+bool needsNoBus(const std::vector<std::string>& words)
+{
+    static constexpr std::array commands{"--version", "--complete",
+                                         "--describe", "facts"};
+    const auto asks = [](const std::string& word) {
+        return word == "-h" || word == "--help";
+    };
+    return std::ranges::any_of(words, asks) ||
+           (words.size() > 1 &&
+            std::ranges::find(commands, words[1]) != commands.end());
+}
+
+Seconds limitIn(const std::vector<std::string>& words)
+{
+    constexpr std::string_view option = "--timeout";
+    for (std::size_t i = 0; i < words.size(); ++i)
+    {
+        const auto& word = words[i];
+        const auto isOne = word == option && i + 1 < words.size();
+        const auto text = isOne ? words[i + 1]
+                          : word.starts_with(std::string(option) + '=')
+                              ? word.substr(option.size() + 1)
+                              : std::string();
+        const auto limit = std::strtod(text.c_str(), nullptr);
+        if (limit > 0)
+        {
+            return Seconds(limit);
+        }
+    }
+    return usualLimit;
+}
+
+uint64_t microsecondsUntil(Clock::time_point end)
+{
+    const auto left = std::chrono::duration_cast<std::chrono::microseconds>(
+        end - Clock::now());
+    return static_cast<uint64_t>(std::max<int64_t>(left.count(), 0));
+}
+
+/** Until the bus has given a name, without which the library cannot run. */
+int awaitName(sd_bus* bus, Seconds limit)
+{
+    const auto end =
+        Clock::now() + std::chrono::duration_cast<Clock::duration>(limit);
+    while (sd_bus_is_ready(bus) == 0)
+    {
+        const int done = sd_bus_process(bus, nullptr);
+        if (done < 0)
+        {
+            return done;
+        }
+        const auto left = microsecondsUntil(end);
+        if (left == 0)
+        {
+            return -ETIMEDOUT;
+        }
+        if (done == 0)
+        {
+            sd_bus_wait(bus, left);
+        }
+    }
+    return sd_bus_is_ready(bus) < 0 ? sd_bus_is_ready(bus) : 0;
+}
+
+int connect(int (*open)(sd_bus**), sd_bus** bus)
+{
+    const int opened = open(bus);
+    if (opened < 0)
+    {
+        return opened;
+    }
+    const int named = awaitName(*bus, connectingLimit);
+    if (named < 0)
+    {
+        sd_bus_close(*bus);
+        *bus = sd_bus_unref(*bus);
+    }
+    return named;
+}
+
+std::string addressOfBus()
+{
+    const auto starter = orNone(std::getenv("DBUS_STARTER_BUS_TYPE"));
+    const auto isSystem = starter.empty() || starter == "system";
+    const char* address = std::getenv(isSystem ? "DBUS_SYSTEM_BUS_ADDRESS"
+                                               : "DBUS_SESSION_BUS_ADDRESS");
+    return address ? address : "unix:path=/run/dbus/system_bus_socket";
+}
+
+std::string adviceFor(int error)
+{
+    switch (error)
+    {
+        case ENOENT:
+        case ECONNREFUSED:
+            return "start the bus, or name another one in "
+                   "DBUS_SYSTEM_BUS_ADDRESS";
+        case ETIMEDOUT:
+            return "restart the bus, or wait longer with --timeout";
+        case EINVAL:
+            return "correct DBUS_SYSTEM_BUS_ADDRESS";
+        default:
+            return "run this as a user whom the bus lets in";
+    }
+}
+
+std::runtime_error noBus(int error)
+{
+    const auto reason =
+        error == ETIMEDOUT ? "no answer within " + textOf(connectingLimit)
+        : error == ECONNRESET || error == ENOTCONN || error == EPIPE
+            ? "it closes the connection"
+            : orNone(std::strerror(error));
+    return std::runtime_error("cannot connect to the bus at " + addressOfBus() +
+                              ": " + reason + "; " + adviceFor(error));
+}
+
+/** A program that begins again, as it was called. */
+void startAnew()
+{
+    auto words = commandLine();
+    std::vector<char*> arguments;
+    for (auto& word : words)
+    {
+        arguments.push_back(word.data());
+    }
+    arguments.push_back(nullptr);
+    execv("/proc/self/exe", arguments.data());
 }
 
 } // namespace
 
-void useBus(std::optional<Timeout> timeout)
+std::string orNone(const char* text)
 {
-    const auto bus = openBus();
+    return text ? text : "";
+}
+
+std::string textOf(Seconds seconds)
+{
+    std::array<char, 32> text;
+    std::snprintf(text.data(), text.size(), "%g s", seconds.count());
+    return text.data();
+}
+
+void useBus(std::optional<Seconds> timeout)
+{
+    // On the thread that loaded the library this is the library's own.
+    sd_bus* opened = nullptr;
+    const int result = connecting < 0 ? connecting : sd_bus_default(&opened);
+    if (result < 0)
+    {
+        throw noBus(-result);
+    }
+    const Bus bus(opened);
+    if (sd_bus_is_open(bus.get()) <= 0)
+    {
+        throw noBus(ENOTCONN);
+    }
     if (timeout)
     {
-        using Microseconds = std::chrono::duration<uint64_t, std::micro>;
         const auto limit = std::chrono::duration_cast<Microseconds>(*timeout);
         sd_bus_set_method_call_timeout(bus.get(), limit.count());
     }
 }
 
-bool platformAnswers()
+void waitOnBus(Seconds pause)
 {
-    // There is always a root, and no need of anything below it.
-    SubTree nothing;
-    return getSubTree("/", "", &nothing) == 0;
+    const auto end =
+        Clock::now() + std::chrono::duration_cast<Clock::duration>(pause);
+    sd_bus* opened = nullptr;
+    const Bus bus(connecting == 0 && sd_bus_default(&opened) >= 0 ? opened
+                                                                  : nullptr);
+    while (bus && sd_bus_is_open(bus.get()) > 0 && microsecondsUntil(end) > 0)
+    {
+        const int done = sd_bus_process(bus.get(), nullptr);
+        if (done == 0)
+        {
+            sd_bus_wait(bus.get(), microsecondsUntil(end));
+        }
+    }
+    std::this_thread::sleep_until(end);
+    forgetSilences();
+    sd_bus* other = nullptr;
+    if ((!bus || sd_bus_is_open(bus.get()) <= 0) &&
+        connect(sd_bus_open, &other) >= 0)
+    {
+        sd_bus_flush_close_unref(other);
+        startAnew();
+    }
 }
 
 } // namespace morvath::tools
+
+using namespace morvath::tools;
+
+int sd_bus_default(sd_bus** bus)
+{
+    static auto* const next =
+        original<decltype(sd_bus_default)>("sd_bus_default");
+    static bool isFirst = true;
+    if (!std::exchange(isFirst, false))
+    {
+        return next(bus);
+    }
+    const auto words = commandLine();
+    connectingLimit = limitIn(words);
+    connecting = needsNoBus(words) ? -ENOTCONN : connect(next, bus);
+    return connecting;
+}

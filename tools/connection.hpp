@@ -1,21 +1,27 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <chrono>
-#include <optional>
+#include "cli/program.hpp"
+
+#include <dlfcn.h>
+
+#include <string>
 
 namespace morvath::tools
 {
 
-using Timeout = std::chrono::duration<double>;
+using cli::Seconds;
 
-/**
- * Makes sure that there is a bus, and limits how long the library waits for
- * each answer. Raises std::system_error without a bus.
- */
-void useBus(std::optional<Timeout> timeout);
+/** The function of that name which the program's own stands before. */
+template <typename Function>
+Function* original(const char* name)
+{
+    return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
+}
 
-/** Whether the object mapper answers, whatever it knows. */
-bool platformAnswers();
+std::string orNone(const char* text);
+
+/** "0.5 s". */
+std::string textOf(Seconds seconds);
 
 } // namespace morvath::tools

@@ -1,116 +1,155 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "get.hpp"
-
-#include "document.hpp"
-#include "text_table.hpp"
+#include "cli/terminal_text.hpp"
+#include "command.hpp"
+#include "json.hpp"
+#include "report.hpp"
 
 #include <algorithm>
-#include <cstdio>
-#include <exception>
-#include <string>
+#include <memory>
 
 namespace morvath::tools
 {
 namespace
 {
 
-/** A fact's value, or what went wrong. */
-struct Reading
+struct Options
 {
-    const Fact* fact;
-    Value value;
-    std::optional<std::string> failure;
+    std::vector<const Fact*> facts;
+    /** Whatever there is: what the platform does not have is no failure. */
+    bool all = false;
+    bool asJson = false;
+    std::optional<Seconds> timeout;
 };
 
-void complain(const Fact& fact, const std::string& message)
+std::size_t nameWidth(const std::vector<const Fact*>& list)
 {
-    std::fprintf(stderr, "morvath: %s: %s\n", fact.name.data(),
-                 message.c_str());
+    std::size_t width = 0;
+    for (const auto* fact : list)
+    {
+        width = std::max(width, fact->name.size());
+    }
+    return width;
 }
 
-Reading readOne(const Fact& fact, std::optional<Timeout> timeout)
+std::vector<const Fact*> allFacts()
 {
-    try
+    std::vector<const Fact*> list;
+    for (const auto& fact : facts())
     {
-        useBus(timeout);
-        return {&fact, readFact(fact), std::nullopt};
+        list.push_back(&fact);
     }
-    catch (const std::exception& error)
-    {
-        complain(fact, error.what());
-        return {&fact, nullptr, error.what()};
-    }
+    return list;
 }
 
-std::string documentOf(const std::vector<Reading>& readings)
+int listFacts()
 {
-    Document document("facts");
-    for (const auto& [fact, value, failure] : readings)
+    const auto list = allFacts();
+    const auto width = nameWidth(list);
+    for (const auto* fact : list)
     {
-        document.add(std::string(fact->name), value, failure);
+        std::string line(fact->name);
+        line.resize(width, ' ');
+        line.append("  ").append(fact->summary);
+        print(line.append(fact->write ? " (can be set)\n" : "\n"));
     }
-    return document.inLines();
-}
-
-std::string shown(const Value& value)
-{
-    if (!value.is_array())
-    {
-        return textOf(value);
-    }
-    std::string line;
-    for (const auto& part : value)
-    {
-        line.append(line.empty() ? "" : " ").append(textOf(part));
-    }
-    return line;
+    return complete;
 }
 
 /** A single value stands alone, for scripts; several have their names. */
-std::string textsOf(const std::vector<Reading>& readings)
+void printValue(const FactReading& reading, const Options& options)
 {
-    std::size_t width = 0;
-    for (const auto& reading : readings)
+    if (reading.failure)
     {
-        width = std::max(width, reading.fact->name.size());
+        return;
     }
-    std::string text;
-    for (const auto& [fact, value, failure] : readings)
+    std::string line;
+    if (options.facts.size() > 1)
     {
-        if (failure)
-        {
-            continue;
-        }
-        if (readings.size() > 1)
-        {
-            text.append(fact->name).append(": ");
-            text.append(width - fact->name.size(), ' ');
-        }
-        text += shown(value) + '\n';
+        line.append(reading.fact->name).append(": ");
+        line.resize(nameWidth(options.facts) + 2, ' ');
     }
-    return text;
+    const auto show = reading.fact->show;
+    line += cli::visible(show ? show(reading.value) : textOf(reading.value));
+    print(line + '\n');
+}
+
+int get(Options& options)
+{
+    if (options.all == !options.facts.empty())
+    {
+        throw cli::Misuse(options.all ? "FACT excludes --all"
+                                      : "FACT or --all is required");
+    }
+    if (options.all)
+    {
+        options.facts = allFacts();
+    }
+    useBus(options.timeout);
+    std::vector<FactReading> readings;
+    bool isComplete = true;
+    for (const auto* fact : options.facts)
+    {
+        const auto& reading = readings.emplace_back(read(*fact));
+        complainAbout(reading);
+        const bool isMissing = !reading.failure && reading.value == Value();
+        if (isMissing && !options.all)
+        {
+            complain(std::string(fact->name) +
+                     ": the platform does not have it");
+        }
+        isComplete &= !reading.failure && (options.all || !isMissing);
+        if (!options.asJson)
+        {
+            printValue(reading, options);
+        }
+    }
+    if (options.asJson)
+    {
+        print(jsonOf(readings));
+    }
+    return isComplete ? complete : incomplete;
+}
+
+cli::Terms factTerms()
+{
+    cli::Terms terms;
+    for (const auto& fact : facts())
+    {
+        terms.push_back({std::string(fact.name), std::string(fact.summary)});
+    }
+    return terms;
 }
 
 } // namespace
 
-bool get(const GetOptions& options)
+cli::Command factsCommand()
 {
-    std::vector<Reading> readings;
-    bool complete = true;
-    for (const auto* fact : options.facts)
-    {
-        const auto& reading =
-            readings.emplace_back(readOne(*fact, options.timeout));
-        const bool isMissing = !reading.failure && reading.value.is_null();
-        if (isMissing && !options.all)
-        {
-            complain(*fact, "the platform does not have it");
-        }
-        complete &= !reading.failure && (options.all || !isMissing);
-    }
-    const auto text = options.asJson ? documentOf(readings) : textsOf(readings);
-    std::fwrite(text.data(), 1, text.size(), stdout);
-    return complete;
+    return {.name = "facts",
+            .meaning = "List the facts that \"get\" knows",
+            .run = listFacts};
+}
+
+cli::Command getCommand()
+{
+    const auto options = std::make_shared<Options>();
+    const auto take = [options](const std::string& name) {
+        options->facts.push_back(findFact(name));
+    };
+    return {
+        .name = "get",
+        .meaning = "Print facts",
+        .parameters = {{.names = "FACT",
+                        .meaning = "The facts to print",
+                        .take = take,
+                        .isRepeated = true,
+                        .words = factTerms()},
+                       cli::flag("--all", options->all,
+                                 "Print all facts, - for what is missing"),
+                       cli::flag("--json", options->asJson,
+                                 "Print one JSON document instead of text"),
+                       timeoutOption(options->timeout)},
+        .run = [options] { return get(*options); },
+    };
 }
 
 } // namespace morvath::tools

@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "catalogue.hpp"
 #include "record_table.hpp"
 
 #include <morvath.h>
@@ -13,14 +12,14 @@ Table powerSupplies()
 {
     using Entry = PsuInfoEntry;
     return recordTable<Entry>(
-        "power-supplies", "power supplies and their firmware",
-        {getPsuTableInfo, freePsuInfoEntry},
+        "power-supplies", "power supplies and their firmware", getPsuTableInfo,
         {
-            {{"name", "NAME"}, &Entry::name},
-            {{"manufacturer", "MANUFACTURER"}, &Entry::manufacturer},
-            {{"partNumber", "PART NUMBER"}, &Entry::partNumber},
+            {{"name", "NAME", Form::text, always}, &Entry::name},
+            {{"manufacturer", "MANUFACTURER", Form::text, 3},
+             &Entry::manufacturer},
+            {{"partNumber", "PART NUMBER", Form::text, 5}, &Entry::partNumber},
             {{"serialNumber", "SERIAL NUMBER"}, &Entry::serialNumber},
-            {{"ratingWatts", "RATING [W]", Form::number}, &Entry::rating},
+            {{"ratingWatts", "RATING", Form::number, 1, "W"}, &Entry::rating},
             {{"firmwareVersion", "FIRMWARE"}, &Entry::firmwareVersion},
         });
 }
@@ -29,11 +28,11 @@ Table pcieSlots()
 {
     using Entry = PcieInfoEntry;
     return recordTable<Entry>(
-        "pcie-slots", "PCIe slots, empty ones too",
-        {getPcieTableInfo, freePcieInfoEntry},
+        "pcie-slots", "PCIe slots, empty ones too", getPcieTableInfo,
         {
-            {{"name", "NAME"}, &Entry::name},
-            {{"manufacturer", "MANUFACTURER"}, &Entry::manufacturer},
+            {{"name", "NAME", Form::text, always}, &Entry::name},
+            {{"manufacturer", "MANUFACTURER", Form::text, 3},
+             &Entry::manufacturer},
             {{"locationCode", "LOCATION"}, &Entry::locationCode},
             {{"present", "PRESENT"}, &Entry::present, yesOrNo},
         });
@@ -44,12 +43,13 @@ Table networkAdapters()
     using Entry = NetAdapterInfoEntry;
     return recordTable<Entry>(
         "network-adapters", "network adapters of the host",
-        {getNetAdapterTableInfo, free_adapter_entry_content},
+        getNetAdapterTableInfo,
         {
-            {{"name", "NAME"}, &Entry::name},
-            {{"manufacturer", "MANUFACTURER"}, &Entry::manufacturer},
+            {{"name", "NAME", Form::text, always}, &Entry::name},
+            {{"manufacturer", "MANUFACTURER", Form::text, 3},
+             &Entry::manufacturer},
             {{"model", "MODEL"}, &Entry::model},
-            {{"subModel", "VARIANT"}, &Entry::subModel},
+            {{"subModel", "VARIANT", Form::text, 4}, &Entry::subModel},
             {{"networkTech", "NETWORK"}, &Entry::networkTech},
             {{"portNum", "PORTS"}, &Entry::portNum},
         });
@@ -59,16 +59,19 @@ Table gpus()
 {
     using Entry = GpuInfoEntry;
     return recordTable<Entry>(
-        "gpus", "graphics processors", {getGpuInfoEntry, freeGpuInfoEntry},
+        "gpus", "graphics processors", getGpuInfoEntry,
         {
-            {{"cardName", "CARD"}, &Entry::cardName},
-            {{"manufacturer", "MANUFACTURER"}, &Entry::manufacturer},
-            {{"partNumber", "PART NUMBER"}, &Entry::partNumber},
+            {{"cardName", "CARD", Form::text, always}, &Entry::cardName},
+            {{"manufacturer", "MANUFACTURER", Form::text, 3},
+             &Entry::manufacturer},
+            {{"partNumber", "PART NUMBER", Form::text, 5}, &Entry::partNumber},
             {{"serialNumber", "SERIAL NUMBER"}, &Entry::serialNumber},
-            {{"totalMemory", "MEMORY"}, &Entry::totalMemory},
-            {{"temperature", "TEMPERATURE"}, &Entry::temperature},
-            {{"fanLevel", "FAN"}, &Entry::fanLevel},
-            {{"currentPower", "POWER"}, &Entry::currentPower},
+            {{"totalMemory", "MEMORY", Form::text, 1, "MiB"},
+             &Entry::totalMemory},
+            {{"temperature", "TEMP", Form::text, 1, "°C"}, &Entry::temperature},
+            {{"fanLevel", "FAN", Form::text, 1, "%"}, &Entry::fanLevel},
+            {{"currentPower", "POWER", Form::text, 1, "W"},
+             &Entry::currentPower},
         });
 }
 
@@ -76,21 +79,24 @@ Table memory()
 {
     using Entry = MemInfoEntry;
     return recordTable<Entry>(
-        "memory", "memory modules, empty sockets too",
-        {getMemoryTableInfo, freeMemInfoEntry},
+        "memory", "memory modules, empty sockets too", getMemoryTableInfo,
         {
-            {{"name", "NAME"}, &Entry::name},
-            {{"manufacturer", "MANUFACTURER"}, &Entry::manufacturer},
-            {{"partNumber", "PART NUMBER"}, &Entry::partNumber},
+            {{"name", "NAME", Form::text, always}, &Entry::name},
+            {{"manufacturer", "MANUFACTURER", Form::text, 5},
+             &Entry::manufacturer},
+            {{"partNumber", "PART NUMBER", Form::text, seldom},
+             &Entry::partNumber},
             {{"serialNumber", "SERIAL NUMBER"}, &Entry::serialNumber},
-            {{"memoryType", "TYPE"}, &Entry::memoryType},
-            {{"formFactor", "FORM"}, &Entry::formFactor},
-            {{"bankLocator", "BANK"}, &Entry::bankLocator},
-            {{"deviceLocator", "SOCKET"}, &Entry::deviceLocator},
-            {{"ecc", "ECC"}, &Entry::ecc},
-            {{"maxSpeedMhz", "MAX [MHz]"}, &Entry::maxSpeedMhz},
-            {{"sizeKiB", "SIZE [KiB]"}, &Entry::sizeKB},
-            {{"dataWidthBits", "WIDTH [bit]"}, &Entry::dataWidth},
+            {{"memoryType", "TYPE", Form::text, 2}, &Entry::memoryType},
+            {{"formFactor", "FORM", Form::text, seldom}, &Entry::formFactor},
+            {{"bankLocator", "BANK", Form::text, seldom}, &Entry::bankLocator},
+            {{"deviceLocator", "SOCKET", Form::text, 6}, &Entry::deviceLocator},
+            {{"ecc", "ECC", Form::text, seldom}, &Entry::ecc},
+            {{"maxSpeedMhz", "MAX SPEED", Form::text, 4, "MHz"},
+             &Entry::maxSpeedMhz},
+            {{"sizeKiB", "SIZE", Form::text, always, "KiB"}, &Entry::sizeKB},
+            {{"dataWidthBits", "WIDTH", Form::text, seldom, "bit"},
+             &Entry::dataWidth},
             {{"present", "PRESENT"}, &Entry::present, yesOrNo},
         });
 }
@@ -99,22 +105,30 @@ Table processors()
 {
     using Entry = CpuInfoEntry;
     return recordTable<Entry>(
-        "processors", "processors, empty sockets too",
-        {getCpuTableInfo, freeCpuInfoEntry},
+        "processors", "processors, empty sockets too", getCpuTableInfo,
         {
-            {{"name", "NAME"}, &Entry::name},
-            {{"manufacturer", "MANUFACTURER"}, &Entry::manufacturer},
-            {{"version", "VERSION"}, &Entry::version},
-            {{"partNumber", "PART NUMBER"}, &Entry::partNumber},
-            {{"serialNumber", "SERIAL NUMBER"}, &Entry::serialNumber},
-            {{"architecture", "ARCHITECTURE"}, &Entry::architecture},
-            {{"curSpeedMhz", "NOW [MHz]"}, &Entry::curSpeedMhz},
-            {{"maxSpeedMhz", "MAX [MHz]"}, &Entry::maxSpeedMhz},
+            {{"name", "NAME", Form::text, always}, &Entry::name},
+            {{"manufacturer", "MANUFACTURER", Form::text, 5},
+             &Entry::manufacturer},
+            {{"version", "VERSION", Form::text, 2}, &Entry::version},
+            {{"partNumber", "PART NUMBER", Form::text, seldom},
+             &Entry::partNumber},
+            {{"serialNumber", "SERIAL NUMBER", Form::text, seldom},
+             &Entry::serialNumber},
+            {{"architecture", "ARCHITECTURE", Form::text, seldom},
+             &Entry::architecture},
+            {{"curSpeedMhz", "SPEED", Form::text, 6, "MHz"},
+             &Entry::curSpeedMhz},
+            {{"maxSpeedMhz", "MAX SPEED", Form::text, 4, "MHz"},
+             &Entry::maxSpeedMhz},
             {{"coreCount", "CORES"}, &Entry::coreCount},
             {{"threadCount", "THREADS"}, &Entry::threadCount},
-            {{"l1CacheKiB", "L1 [KiB]"}, &Entry::l1CacheKiB},
-            {{"l2CacheKiB", "L2 [KiB]"}, &Entry::l2CacheKiB},
-            {{"l3CacheKiB", "L3 [KiB]"}, &Entry::l3CacheKiB},
+            {{"l1CacheKiB", "L1", Form::text, seldom, "KiB"},
+             &Entry::l1CacheKiB},
+            {{"l2CacheKiB", "L2", Form::text, seldom, "KiB"},
+             &Entry::l2CacheKiB},
+            {{"l3CacheKiB", "L3", Form::text, seldom, "KiB"},
+             &Entry::l3CacheKiB},
             {{"present", "PRESENT"}, &Entry::present, yesOrNo},
         });
 }

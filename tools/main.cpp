@@ -1,64 +1,77 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "cli/terminal_text.hpp"
 #include "command.hpp"
 
 #include <cstdio>
 #include <exception>
+#include <utility>
+
+using namespace morvath::tools;
+namespace cli = morvath::cli;
+
+namespace morvath::tools
+{
+
+cli::Parameter timeoutOption(std::optional<Seconds>& timeout)
+{
+    return cli::seconds("--timeout", timeout,
+                        "Longest wait for each answer, in seconds (25)");
+}
+
+} // namespace morvath::tools
 
 namespace
 {
 
-namespace cli = morvath::cli;
-using namespace morvath::tools;
-
-// The exit statuses of the program.
-constexpr int complete = 0;
-constexpr int incomplete = 1;
-
-/** Text that did not reach its destination is no success. */
-bool flushed()
+cli::Command program()
 {
-    if (std::fflush(stdout) == 0 && !std::ferror(stdout))
-    {
-        return true;
-    }
-    std::perror("morvath: standard output");
-    return false;
+    auto overview = overviewCommand();
+    const auto runOverview = overview.run;
+    return {
+        .name = "morvath",
+        .meaning = "Shows what a management controller knows of its platform.",
+        .run = runOverview,
+        .commands = {std::move(overview), showCommand(), sensorsCommand(),
+                     factsCommand(), getCommand(), setCommand(),
+                     metricsCommand()},
+    };
 }
 
 cli::About about()
 {
     return {
-        .name = "morvath",
         .version = MORVATH_VERSION,
-        .summary = "Shows what a management controller knows of its platform.",
         .exitStatuses = {{"0", "all was done"},
                          {"1",
                           "something could not be read, changed or written"},
-                         {"2", "misuse: nothing was done"}},
+                         {"2", "misuse: nothing was done"},
+                         {"3", "with --check, a sensor is critical"},
+                         {"4", "with --check, a sensor has a warning"}},
         .environment = {{"DBUS_SYSTEM_BUS_ADDRESS",
-                         "The bus of the platform, if not the usual one"}},
-        .examples = {{"morvath show memory processors", "Two tables"},
+                         "The bus of the platform, if not the usual one"},
+                        {"NO_COLOR", "Nothing is coloured unless --color says "
+                                     "so"}},
+        .examples = {{"morvath", "What matters, in some 15 lines"},
+                     {"morvath show memory processors", "Two tables"},
                      {"morvath show --all --json", "Everything, for a program"},
                      {"morvath sensors --watch 2",
                       "The sensors, every two seconds"},
                      {"morvath get bmc-version", "One value, for a script"},
-                     {"morvath set time-sync manual", "Change a setting"}},
+                     {"morvath set time-sync manual", "Change a setting"},
+                     {"morvath metrics >FILE.prom",
+                      "All readings, for Prometheus"}},
     };
 }
 
-int run(int argc, char** argv)
+/** Text that did not reach its destination is no success. */
+int flushed(int status)
 {
-    cli::Program program(about());
-    Action action;
-    addShow(program, action);
-    addSensors(program, action);
-    addFacts(program, action);
-    addGet(program, action);
-    addSet(program, action);
-    return program.run(argc, argv, [&] {
-        const bool done = action();
-        return flushed() && done ? complete : incomplete;
-    });
+    if (std::fflush(stdout) == 0 && !std::ferror(stdout))
+    {
+        return status;
+    }
+    std::perror("morvath: standard output");
+    return status == complete ? incomplete : status;
 }
 
 } // namespace
@@ -67,11 +80,11 @@ int main(int argc, char** argv)
 {
     try
     {
-        return run(argc, argv);
+        return flushed(cli::run(program(), about(), argc, argv));
     }
     catch (const std::exception& error)
     {
-        std::fprintf(stderr, "morvath: %s\n", error.what());
+        cli::complain("morvath", error.what());
         return incomplete;
     }
 }

@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "catalogue.hpp"
 #include "record_table.hpp"
 
 #include <morvath.h>
@@ -27,13 +26,14 @@ Table bmcNetwork()
     using Entry = BmcNetworkInfoEntry;
     return recordTable<Entry>(
         "bmc-network", "network interfaces of the management controller",
-        {getNetworkTableInfo, freeBmcNetworkInfoEntry},
+        getNetworkTableInfo,
         {
-            {{"interface", "INTERFACE"}, &Entry::ifName},
-            {{"macAddress", "MAC ADDRESS"}, &Entry::macAddress},
+            {{"interface", "INTERFACE", Form::text, always}, &Entry::ifName},
+            {{"macAddress", "MAC ADDRESS", Form::text, 4}, &Entry::macAddress},
             {{"ipAddress", "IP ADDRESS", Form::dashed}, &Entry::ipAddress},
             {{"netmask", "NETMASK", Form::dashed}, &Entry::netmask},
-            {{"defaultGateway", "GATEWAY"}, &Entry::defaultGateway},
+            {{"defaultGateway", "GATEWAY", Form::text, 5},
+             &Entry::defaultGateway},
             {{"addressOrigin", "ORIGIN"}, &Entry::addressOrigin, originInWords},
             {{"enabled", "ENABLED"}, &Entry::nicEnabled, yesOrNo},
         });
@@ -43,18 +43,18 @@ Table networkPorts()
 {
     using Entry = PortInfoEntry;
     return recordTable<Entry>(
-        "network-ports", "ports of the network adapters",
-        {getNetPortTableInfo, free_port_entry_content},
+        "network-ports", "ports of the network adapters", getNetPortTableInfo,
         {
-            {{"adapter", "ADAPTER"}, &Entry::adapterName},
-            {{"name", "NAME"}, &Entry::name},
-            {{"macAddress", "MAC ADDRESS"}, &Entry::macAddress},
-            {{"rootBdf", "PCI ADDRESS"}, &Entry::rootBdf},
+            {{"adapter", "ADAPTER", Form::text, always}, &Entry::adapterName},
+            {{"name", "NAME", Form::text, always}, &Entry::name},
+            {{"macAddress", "MAC ADDRESS", Form::text, 4}, &Entry::macAddress},
+            {{"rootBdf", "PCI ADDRESS", Form::text, 5}, &Entry::rootBdf},
             {{"portType", "TYPE"}, &Entry::portType},
-            {{"maxSpeedGbps", "SPEED [Gbit/s]"}, &Entry::maxSpeedGbps},
+            {{"maxSpeedGbps", "SPEED", Form::text, 1, "Gbit/s"},
+             &Entry::maxSpeedGbps},
             {{"lldpEnabled", "LLDP"}, &Entry::lldpEnabled, yesOrNo},
             {{"phyLink", "LINK"}, &Entry::phyLink, yesOrNo},
-            {{"dropRatio", "DROPS", Form::dashed}, &Entry::dropRatio},
+            {{"dropRatio", "DROPS", Form::dashed, 3}, &Entry::dropRatio},
         });
 }
 

@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "catalogue.hpp"
 #include "record_table.hpp"
 
 #include <morvath.h>
@@ -14,19 +13,23 @@ Table disks()
     using Entry = HddInfoEntry;
     return recordTable<Entry>(
         "disks", "disks on the bus and behind RAID controllers",
-        {getHddTableInfo, freeHddInfoEntry},
+        getHddTableInfo,
         {
-            {{"name", "NAME"}, &Entry::name},
-            {{"manufacturer", "MANUFACTURER"}, &Entry::manufacturer},
-            {{"model", "MODEL"}, &Entry::model},
-            {{"serialNumber", "SERIAL NUMBER"}, &Entry::serialNumber},
+            {{"name", "NAME", Form::text, always}, &Entry::name},
+            {{"manufacturer", "MANUFACTURER", Form::text, seldom},
+             &Entry::manufacturer},
+            {{"model", "MODEL", Form::text, seldom}, &Entry::model},
+            {{"serialNumber", "SERIAL NUMBER", Form::text, 6},
+             &Entry::serialNumber},
             {{"mediaType", "MEDIA"}, &Entry::mediaType},
             {{"protocol", "PROTOCOL"}, &Entry::protocol},
-            {{"revision", "REVISION"}, &Entry::revision},
-            {{"usage", "USAGE"}, &Entry::diskUsage},
-            {{"speed", "SPEED"}, &Entry::capableSpeed},
-            {{"temperatureCelsius", "TEMP [C]"}, &Entry::diskTemp},
-            {{"capacityGiB", "CAPACITY [GiB]"}, &Entry::capacityGiB},
+            {{"revision", "REVISION", Form::text, seldom}, &Entry::revision},
+            {{"usage", "USED", Form::text, 3, "%"}, &Entry::diskUsage},
+            {{"speed", "SPEED", Form::text, seldom}, &Entry::capableSpeed},
+            {{"temperatureCelsius", "TEMP", Form::text, 1, "°C"},
+             &Entry::diskTemp},
+            {{"capacityGiB", "CAPACITY", Form::text, 1, "GiB"},
+             &Entry::capacityGiB},
             {{"present", "PRESENT"}, &Entry::present, yesOrNo},
         });
 }
@@ -34,29 +37,31 @@ Table disks()
 Table controllers()
 {
     using Entry = RaidControllerEntry;
-    return recordTable<Entry>(
-        "raid-controllers", "RAID controllers",
-        {getRaidControllerInfo, freeRaidControllerEntry},
+    auto table = recordTable<Entry>(
+        "raid-controllers", "RAID controllers", getRaidControllerInfo,
         {
-            {{"name", "NAME"}, &Entry::name},
-            {{"idText1", "ID 1"}, &Entry::idText1},
-            {{"idText2", "ID 2"}, &Entry::idText2},
-            {{"idText3", "ID 3"}, &Entry::idText3},
-            {{"confText1", "CONFIG 1"}, &Entry::confText1},
-            {{"confText2", "CONFIG 2"}, &Entry::confText2},
-            {{"confText3", "CONFIG 3"}, &Entry::confText3},
-            {{"confText4", "CONFIG 4"}, &Entry::confText4},
-            {{"vendorId", "VENDOR"}, &Entry::vendorId},
-            {{"deviceId", "DEVICE"}, &Entry::deviceId},
-            {{"subVendorId", "SUBVENDOR"}, &Entry::subVendorId},
-            {{"subDeviceId", "SUBDEVICE"}, &Entry::subDeviceId},
-            {{"driveInterfaces", "DRIVES"}, &Entry::driveInterfaces},
-            {{"hostInterface", "HOST"}, &Entry::hostInterface},
-            {{"byteProperty", "BYTE"}, &Entry::byteProperty},
-            {{"wordProperty", "WORD"}, &Entry::wordProperty},
-            {{"supportedRaidLevels", "RAID LEVELS"},
+            {{"name", "Name"}, &Entry::name},
+            {{"idText1", "First identity text"}, &Entry::idText1},
+            {{"idText2", "Second identity text"}, &Entry::idText2},
+            {{"idText3", "Third identity text"}, &Entry::idText3},
+            {{"confText1", "First configured text"}, &Entry::confText1},
+            {{"confText2", "Second configured text"}, &Entry::confText2},
+            {{"confText3", "Third configured text"}, &Entry::confText3},
+            {{"confText4", "Fourth configured text"}, &Entry::confText4},
+            {{"vendorId", "PCI vendor"}, &Entry::vendorId},
+            {{"deviceId", "PCI device"}, &Entry::deviceId},
+            {{"subVendorId", "PCI subsystem vendor"}, &Entry::subVendorId},
+            {{"subDeviceId", "PCI subsystem"}, &Entry::subDeviceId},
+            {{"driveInterfaces", "Interfaces of drives"},
+             &Entry::driveInterfaces},
+            {{"hostInterface", "Interface of the host"}, &Entry::hostInterface},
+            {{"byteProperty", "8-bit figure"}, &Entry::byteProperty},
+            {{"wordProperty", "16-bit figure"}, &Entry::wordProperty},
+            {{"supportedRaidLevels", "RAID levels"},
              &Entry::supportedRaidLevels},
         });
+    table.asBlocks = true;
+    return table;
 }
 
 Table drives()
@@ -64,7 +69,7 @@ Table drives()
     using Entry = RaidHddEntry;
     return recordTable<Entry>(
         "raid-drives", "drives behind RAID controllers, with their RAID level",
-        {getRaidHddTableInfo, free_raid_hdd_entry},
+        getRaidHddTableInfo,
         {
             {{"driveText", "DRIVE", Form::dashed}, &Entry::driveText},
             {{"raidLevel", "RAID LEVEL", Form::dashed}, &Entry::raidLevel},

@@ -3,23 +3,19 @@
 
 #include "table.hpp"
 
+#include <morvath.hpp>
+
 #include <cstdint>
-#include <cstdlib>
 #include <functional>
-#include <span>
 #include <utility>
 #include <vector>
 
 namespace morvath::tools
 {
 
-/** The functions of the library for one kind of record. */
+/** A function of the library that stores records. */
 template <typename Record>
-struct RecordAccess
-{
-    int32_t (*get)(Record**, int32_t*);
-    void (*release)(Record*);
-};
+using GetRecords = std::function<int32_t(Record**, int32_t*)>;
 
 /** A column and how its cell comes from a record. */
 template <typename Record>
@@ -42,55 +38,15 @@ struct Field
     std::function<Value(const Record&)> read;
 };
 
-/** The records of one call; released whatever happens. */
+/** Raises what the library raises, and std::exception for its codes. */
 template <typename Record>
-class Records
-{
-  public:
-    explicit Records(RecordAccess<Record> functions) : access(functions) {}
-    Records(const Records&) = delete;
-    Records& operator=(const Records&) = delete;
-    ~Records()
-    {
-        for (auto& record : all())
-        {
-            access.release(&record);
-        }
-        std::free(records);
-    }
-
-    /** Raises what the library raises, and std::exception for its codes. */
-    void read()
-    {
-        const auto code = access.get(&records, &count);
-        if (code != 0)
-        {
-            // Outputs mean nothing then; an array may be released already.
-            records = nullptr;
-        }
-        requireSuccess(code);
-    }
-
-    /** Only an array that was stored is counted. */
-    std::span<Record> all() const
-    {
-        return {records, records ? static_cast<std::size_t>(count) : 0};
-    }
-
-  private:
-    RecordAccess<Record> access;
-    Record* records = nullptr;
-    int32_t count = 0;
-};
-
-template <typename Record>
-std::vector<Cells> readCells(RecordAccess<Record> access,
+std::vector<Cells> readCells(const GetRecords<Record>& get,
                              const std::vector<Field<Record>>& fields)
 {
-    Records<Record> records(access);
-    records.read();
+    Records<Record> records;
+    requireSuccess(records.fill(get));
     std::vector<Cells> rows;
-    for (const auto& record : records.all())
+    for (const auto& record : records)
     {
         auto& cells = rows.emplace_back();
         for (const auto& field : fields)
@@ -102,8 +58,7 @@ std::vector<Cells> readCells(RecordAccess<Record> access,
 }
 
 template <typename Record>
-Table recordTable(std::string name, std::string summary,
-                  RecordAccess<Record> access,
+Table recordTable(std::string name, std::string summary, GetRecords<Record> get,
                   std::vector<Field<Record>> fields)
 {
     std::vector<Column> columns;
@@ -112,8 +67,8 @@ Table recordTable(std::string name, std::string summary,
         columns.push_back(field.column);
     }
     return {std::move(name), std::move(summary), std::move(columns),
-            [access, fields = std::move(fields)] {
-                return readCells(access, fields);
+            [get = std::move(get), fields = std::move(fields)] {
+                return readCells(get, fields);
             }};
 }
 

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "connection.hpp"
+#include "bus.hpp"
+#include "facts.hpp"
+#include "screen.hpp"
 #include "table.hpp"
 
 #include <optional>
@@ -11,10 +13,28 @@
 namespace morvath::tools
 {
 
-/** A table's rows, or what went wrong. */
-struct Outcome
+/** What could not be read; an object without a path is the whole. */
+struct Failure
 {
+    Object object;
+    std::string message;
+};
+
+/** A table's rows, and what is missing among them. */
+struct TableReading
+{
+    const Table* table;
     std::vector<Cells> rows;
+    std::vector<Failure> failures;
+    /** Whether nothing at all could be read. */
+    bool isUnread = false;
+};
+
+/** A fact's value, or what went wrong. */
+struct FactReading
+{
+    const Fact* fact;
+    Value value;
     std::optional<std::string> failure;
 };
 
@@ -25,14 +45,18 @@ enum class Absence
     emptyTable,
 };
 
-/** Reads a table, and says on standard error when that fails. */
-Outcome readTable(const Table& table, std::optional<Timeout> timeout,
-                  Absence absence);
+/** When a table fails, its objects are asked one by one. */
+TableReading read(const Table& table, Absence absence);
+FactReading read(const Fact& fact);
 
-/** The rows as objects with the keys of the columns. */
-Value jsonRows(const Table& table, const std::vector<Cells>& rows);
+/** A failure with the table and, if it is one object's, the object. */
+std::string textOf(const TableReading& reading, const Failure& failure);
 
-/** Writes a text to standard output. */
-void print(const std::string& text);
+// They say on standard error what could not be read.
+void complainAbout(const TableReading& reading);
+void complainAbout(const FactReading& reading);
+
+/** The name of this machine. */
+std::string hostName();
 
 } // namespace morvath::tools

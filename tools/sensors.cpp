@@ -1,18 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "sensors.hpp"
 
-#include "catalogue.hpp"
-#include "document.hpp"
-#include "report.hpp"
-#include "sensor_tables.hpp"
-#include "text_table.hpp"
+#include "cli/terminal_text.hpp"
+#include "command.hpp"
+#include "json.hpp"
 #include "watch.hpp"
 
-#include <unistd.h>
+#include <fnmatch.h>
+#include <time.h>
 
 #include <algorithm>
-#include <cstdlib>
-#include <iterator>
+#include <array>
+#include <map>
+#include <memory>
+#include <optional>
 #include <utility>
 
 namespace morvath::tools
@@ -20,104 +21,310 @@ namespace morvath::tools
 namespace
 {
 
-constexpr auto plain = "\x1b[0m";
-constexpr std::pair<const char*, const char*> colours[]{
-    {stateCritical, "\x1b[1;31m"},
-    {stateWarning, "\x1b[33m"},
-    {stateNoReading, "\x1b[2m"},
+struct Options
+{
+    Look look;
+    /** Names with the wildcards of a shell; none for all sensors. */
+    std::vector<std::string> names;
+    std::string className;
+    std::string order;
+    bool alarmsOnly = false;
+    bool check = false;
+    std::optional<Seconds> timeout;
+    /** The pause between rounds; absent for a single one. */
+    std::optional<Seconds> watch;
 };
 
-/** All classes as one table with the class as an additional first column. */
-struct Overview
+/** What one round read. */
+struct Round
 {
-    explicit Overview(const std::vector<Column>& source) :
-        columns{{"class", "CLASS"}}
-    {
-        std::ranges::copy_n(source.begin(), overviewColumns,
-                            std::back_inserter(columns));
-    }
-
-    void add(const Table& table, const Outcome& outcome)
-    {
-        for (const auto& source : outcome.rows)
-        {
-            auto& row = rows.emplace_back(Cells{table.name});
-            std::ranges::copy_n(source.begin(), overviewColumns,
-                                std::back_inserter(row));
-        }
-    }
-
-    std::vector<Column> columns;
-    std::vector<Cells> rows;
+    std::vector<Table> tables;
+    std::vector<TableReading> readings;
+    std::string host;
 };
 
-bool wantsColour()
+std::string headerOf(const Round& round, const Options& options)
 {
-    return isatty(STDOUT_FILENO) && !std::getenv("NO_COLOR");
-}
-
-std::string coloured(const std::string& line, const Cells& row)
-{
-    for (const auto& [state, colour] : colours)
+    const auto now = time(nullptr);
+    tm local{};
+    localtime_r(&now, &local);
+    std::array<char, 16> clock;
+    strftime(clock.data(), clock.size(), "%T", &local);
+    std::string line(clock.data());
+    line.append("  ").append(round.host).append("  ");
+    line += summaryOf(round.readings);
+    if (options.watch)
     {
-        if (row[1 + stateColumn] == state)
-        {
-            return colour + line + plain;
-        }
+        std::array<char, 40> text;
+        std::snprintf(text.data(), text.size(), "  (%g s)",
+                      options.watch->count());
+        line += text.data();
     }
     return line;
 }
 
-std::string textOf(const Overview& overview, bool withTitles)
+void append(std::vector<std::string>& lines, std::vector<std::string> others)
 {
-    const auto inColour = wantsColour();
-    const auto lines = textLines(overview.columns, overview.rows, withTitles);
-    const std::size_t titles = withTitles ? 1 : 0;
+    std::ranges::move(others, std::back_inserter(lines));
+}
+
+std::string joined(const std::vector<std::string>& lines)
+{
     std::string text;
-    for (std::size_t index = 0; index < lines.size(); ++index)
+    for (const auto& line : lines)
     {
-        const auto paint = inColour && index >= titles;
-        text += paint ? coloured(lines[index], overview.rows[index - titles])
-                      : lines[index];
-        text += '\n';
+        text.append(line) += '\n';
     }
     return text;
 }
 
-bool showOnce(const SensorOptions& options)
+/** What matters first; whatever else there is below a line. */
+std::string screenOf(const Round& round, const Options& options)
 {
-    const auto& [asJson, withTitles, timeout] = options.output;
-    const auto tables = sensorTables();
-    Document document("tables");
-    Overview overview(tables.front().columns);
-    bool complete = true;
-    for (const auto& table : tables)
+    const auto& look = options.look;
+    std::vector<std::string> first{lineUpTo(headerOf(round, options), look)};
+    append(first, alarmLines(round.readings, look));
+    append(first, failureLines(round.readings, look));
+    auto lines = first;
+    lines.emplace_back(std::min<std::size_t>(look.width, 100), '-');
+    append(lines, classLines(round.readings, look));
+    const auto isTall = look.height > 0 && lines.size() >= look.height;
+    if (options.watch)
     {
-        const auto outcome = readTable(table, timeout, Absence::emptyTable);
-        complete = complete && !outcome.failure;
-        asJson ? document.add(table.name, jsonRows(table, outcome.rows),
-                              outcome.failure)
-               : overview.add(table, outcome);
+        return repainted(std::move(lines), look);
     }
-    if (!asJson)
+    if (isTall && first.size() > 1)
     {
-        printWhole(textOf(overview, withTitles));
-        return complete;
+        // The beginning has left the window by then.
+        lines.emplace_back(std::min<std::size_t>(look.width, 100), '-');
+        append(lines, first);
     }
-    printWhole(options.watch ? document.inOneLine() : document.inLines());
-    return complete;
+    return joined(lines);
 }
 
-} // namespace
-
-bool showSensors(const SensorOptions& options)
+/** All sensors in one table, alarms first, for other programs and logs. */
+struct Flat
 {
+    std::vector<Column> columns{{"class", "CLASS", Form::text, 3}};
+    std::vector<Cells> rows;
+};
+
+Flat flatOf(const Round& round)
+{
+    Flat flat;
+    const auto& columns = round.tables.front().columns;
+    flat.columns.insert(flat.columns.end(), columns.begin(), columns.end());
+    for (const auto& reading : round.readings)
+    {
+        for (const auto& cells : reading.rows)
+        {
+            auto& row = flat.rows.emplace_back(Cells{reading.table->name});
+            row.insert(row.end(), cells.begin(), cells.end());
+        }
+    }
+    return flat;
+}
+
+State stateOfFlat(const Cells& row)
+{
+    return stateOf({row.begin() + 1, row.end()});
+}
+
+std::string tableOf(const Round& round, const Options& options)
+{
+    auto flat = flatOf(round);
+    if (options.order.empty())
+    {
+        const auto urgency = [](const Cells& row) {
+            return std::min(stateOfFlat(row), State::ok);
+        };
+        std::ranges::stable_sort(flat.rows, {}, urgency);
+    }
+    const auto text = joined(
+        textLines(flat.columns, flat.rows, options.look,
+                  [](const Cells& row) { return colourOf(stateOfFlat(row)); }));
+    return options.watch ? headerOf(round, options) + '\n' + text + '\n' : text;
+}
+
+bool isWanted(const Cells& cells, const Options& options)
+{
+    const auto matches = [&cells](const std::string& pattern) {
+        return fnmatch(pattern.c_str(), nameOf(cells).c_str(), 0) == 0;
+    };
+    return (options.names.empty() ||
+            std::ranges::any_of(options.names, matches)) &&
+           (!options.alarmsOnly || stateOf(cells) <= State::warning);
+}
+
+void sort(std::vector<Cells>& rows, const std::string& order)
+{
+    if (order == "reading")
+    {
+        std::ranges::stable_sort(rows, std::greater(), [](const Cells& cells) {
+            return numberOf(cells, readingColumn).value_or(-1e300);
+        });
+    }
+    else if (order == "state")
+    {
+        std::ranges::stable_sort(
+            rows, {}, [](const Cells& cells) { return stateOf(cells); });
+    }
+    else if (!order.empty())
+    {
+        rows = inNaturalOrder(std::move(rows));
+    }
+}
+
+/** Of the server if it has one, otherwise of its controller. */
+std::string serverName()
+{
+    const auto reading = read(*findFact("system-host-name"));
+    const auto* name = std::get_if<std::string>(&reading.value);
+    return name ? *name : hostName();
+}
+
+Round readAll(const Options& options)
+{
+    useBus(options.timeout);
+    Round round{allSensorTables(), {}, serverName()};
+    const auto& look = options.look;
+    bool isKnown = options.className.empty();
+    for (const auto& table : round.tables)
+    {
+        if (!options.className.empty() && table.name != options.className)
+        {
+            continue;
+        }
+        isKnown = true;
+        auto& reading =
+            round.readings.emplace_back(read(table, Absence::emptyTable));
+        std::erase_if(reading.rows, [&options](const Cells& cells) {
+            return !isWanted(cells, options);
+        });
+        const auto isForPeople = !look.asJson && !look.asCsv;
+        sort(reading.rows,
+             options.order.empty() && isForPeople ? "name" : options.order);
+    }
+    if (!isKnown)
+    {
+        throw std::runtime_error("the platform has no class \"" +
+                                 options.className + "\" of sensors");
+    }
+    return round;
+}
+
+int statusOf(const Round& round, const Options& options)
+{
+    bool isComplete = true;
+    bool isEmpty = true;
+    State worst = State::noLimits;
+    for (const auto& reading : round.readings)
+    {
+        isComplete = isComplete && reading.failures.empty();
+        isEmpty = isEmpty && reading.rows.empty();
+        for (const auto& cells : reading.rows)
+        {
+            worst = std::min(worst, stateOf(cells));
+        }
+    }
+    if (isComplete && isEmpty && !options.names.empty() && !options.alarmsOnly)
+    {
+        complain("no sensor has such a name");
+        return incomplete;
+    }
+    if (options.check && worst <= State::warning)
+    {
+        return worst == State::critical ? critical : warning;
+    }
+    return isComplete ? complete : incomplete;
+}
+
+int showOnce(const Options& options)
+{
+    const auto round = readAll(options);
+    const auto& look = options.look;
+    const auto isScreen = look.isTerminal && !look.isPlain && !look.isWide &&
+                          !look.asJson && !look.asCsv;
+    if (!isScreen)
+    {
+        for (const auto& reading : round.readings)
+        {
+            complainAbout(reading);
+        }
+    }
+    const auto flat = look.asCsv ? flatOf(round) : Flat();
+    printWhole(look.asJson  ? jsonOf(round.readings, options.watch.has_value())
+               : look.asCsv ? csvOf(flat.columns, flat.rows, look.withTitles)
+               : isScreen   ? screenOf(round, options)
+                            : tableOf(round, options));
+    return statusOf(round, options);
+}
+
+int showSensors(Options& options)
+{
+    options.look.measure();
     if (!options.watch)
     {
         return showOnce(options);
     }
-    watch(*options.watch, [&options] { showOnce(options); });
-    return false;
+    if (options.check)
+    {
+        throw cli::Misuse("--check excludes --watch");
+    }
+    watch(*options.watch, [&options] {
+        options.look.measure();
+        showOnce(options);
+    });
+    return incomplete;
+}
+
+std::vector<cli::Parameter> parametersFor(Options& options)
+{
+    const auto take = [&options](const std::string& name) {
+        options.names.push_back(name);
+    };
+    cli::Parameter names{.names = "SENSOR",
+                         .meaning = "Only sensors of these names, with * and ?",
+                         .take = take,
+                         .isRepeated = true};
+    auto ofClass = cli::text("--class", "CLASS", options.className,
+                             "Only sensors of this class");
+    ofClass.takesOthers = true;
+    for (const auto& table : sensorTables())
+    {
+        ofClass.words.push_back({table.name, ""});
+    }
+    auto order = cli::text("--sort", "ORDER", options.order,
+                           "Sort by name, reading or state");
+    order.words = {{"name", ""}, {"reading", ""}, {"state", ""}};
+    std::vector parameters{
+        std::move(names),
+        std::move(ofClass),
+        cli::flag("--alarms", options.alarmsOnly, "Only sensors in alarm"),
+        std::move(order),
+        cli::flag("--check", options.check,
+                  "Status 3 for a critical sensor, 4 for a warning"),
+        cli::seconds("--watch", options.watch,
+                     "Repeat with this pause, each JSON in one line")};
+    std::ranges::move(lookOptions(options.look),
+                      std::back_inserter(parameters));
+    parameters.push_back(timeoutOption(options.timeout));
+    return parameters;
+}
+
+} // namespace
+
+cli::Command sensorsCommand()
+{
+    const auto options = std::make_shared<Options>();
+    return {
+        .name = "sensors",
+        .meaning = "Print all sensors, those in alarm first",
+        .parameters = parametersFor(*options),
+        .run = [options] { return showSensors(*options); },
+        .notes = "States: ok, warning, critical, no reading, and no limits for "
+                 "a sensor\nthat has none.",
+    };
 }
 
 } // namespace morvath::tools

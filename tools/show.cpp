@@ -1,54 +1,143 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "show.hpp"
+#include "command.hpp"
+#include "json.hpp"
+#include "report.hpp"
 
-#include "document.hpp"
-#include "text_table.hpp"
+#include <algorithm>
+#include <iterator>
+#include <memory>
+#include <utility>
 
 namespace morvath::tools
 {
 namespace
 {
 
-void printTable(const Table& table, const Outcome& outcome,
-                const ShowOptions& options)
+struct Options
 {
-    const auto withTitles = options.output.withTitles;
-    if (options.tables.size() > 1 && withTitles)
+    std::vector<const Table*> tables;
+    bool all = false;
+    Look look;
+    std::optional<Seconds> timeout;
+};
+
+cli::Terms tableTerms()
+{
+    cli::Terms terms;
+    for (const auto& table : tables())
     {
-        print((&table == options.tables.front() ? "" : "\n") + table.name +
-              ":\n");
+        terms.push_back({table.name, table.summary});
     }
-    if (outcome.failure)
+    return terms;
+}
+
+std::string titleOf(const Table& table, const Options& options)
+{
+    if (options.tables.size() < 2 || !options.look.withTitles)
     {
-        return;
+        return {};
     }
-    for (const auto& line : textLines(table.columns, outcome.rows, withTitles))
+    return (&table == options.tables.front() ? "" : "\n") +
+           coloured(table.name + ':', Colour::bold, options.look) + '\n';
+}
+
+std::string textOf(const TableReading& reading, const Look& look)
+{
+    const auto& table = *reading.table;
+    const auto rows = inNaturalOrder(reading.rows);
+    std::string text;
+    for (const auto& line :
+         table.asBlocks ? blockLines(table.columns, rows)
+                        : textLines(table.columns, rows, look, table.colourOf))
     {
-        print(line + '\n');
+        text.append(line) += '\n';
     }
+    return text;
+}
+
+void choose(Options& options)
+{
+    if (options.all == !options.tables.empty())
+    {
+        throw cli::Misuse(options.all ? "TABLE excludes --all"
+                                      : "TABLE or --all is required");
+    }
+    if (options.all)
+    {
+        for (const auto& table : tables())
+        {
+            options.tables.push_back(&table);
+        }
+    }
+}
+
+int show(Options& options)
+{
+    choose(options);
+    auto& look = options.look;
+    look.measure();
+    if (look.asCsv && options.tables.size() > 1)
+    {
+        throw cli::Misuse("--csv takes one table");
+    }
+    useBus(options.timeout);
+    // On any platform some kind of thing is missing, which is no failure if
+    // nobody asked for it.
+    const auto absence = options.all ? Absence::emptyTable : Absence::failure;
+    std::vector<TableReading> readings;
+    bool isComplete = true;
+    for (const Table* table : options.tables)
+    {
+        if (!look.asJson && !look.asCsv)
+        {
+            print(titleOf(*table, options));
+        }
+        auto reading = read(*table, absence);
+        isComplete = isComplete && reading.failures.empty();
+        complainAbout(reading);
+        if (look.asJson)
+        {
+            readings.push_back(std::move(reading));
+        }
+        else if (!reading.isUnread)
+        {
+            print(look.asCsv
+                      ? csvOf(table->columns, reading.rows, look.withTitles)
+                      : textOf(reading, look));
+        }
+    }
+    if (look.asJson)
+    {
+        print(jsonOf(readings, false));
+    }
+    return isComplete ? complete : incomplete;
 }
 
 } // namespace
 
-bool show(const ShowOptions& options)
+cli::Command showCommand()
 {
-    Document document("tables");
-    bool complete = true;
-    for (const Table* table : options.tables)
-    {
-        const auto outcome =
-            readTable(*table, options.output.timeout, options.absence);
-        complete = complete && !outcome.failure;
-        options.output.asJson
-            ? document.add(table->name, jsonRows(*table, outcome.rows),
-                           outcome.failure)
-            : printTable(*table, outcome, options);
-    }
-    if (options.output.asJson)
-    {
-        print(document.inLines());
-    }
-    return complete;
+    const auto options = std::make_shared<Options>();
+    const auto take = [options](const std::string& name) {
+        options->tables.push_back(
+            &*std::ranges::find(tables(), name, &Table::name));
+    };
+    std::vector<cli::Parameter> parameters{
+        {.names = "TABLE",
+         .meaning = "The tables to print",
+         .take = take,
+         .isRepeated = true,
+         .words = tableTerms()},
+        cli::flag("--all", options->all, "Print all tables, empty ones too")};
+    std::ranges::move(lookOptions(options->look),
+                      std::back_inserter(parameters));
+    parameters.push_back(timeoutOption(options->timeout));
+    return {
+        .name = "show",
+        .meaning = "Print tables of the platform",
+        .parameters = std::move(parameters),
+        .run = [options] { return show(*options); },
+    };
 }
 
 } // namespace morvath::tools

@@ -1,44 +1,132 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "table.hpp"
 
+#include "bus.hpp"
+
+#include <algorithm>
+#include <charconv>
+#include <iterator>
 #include <new>
+#include <stdexcept>
 
 namespace morvath::tools
 {
 namespace
 {
 
-constexpr auto none = "-";
+constexpr auto missing = "-";
 
-Value jsonValue(const Value& cell, Form form)
+constexpr std::pair<std::string_view, std::string_view> unitSigns[]{
+    {"DegreesC", "°C"}, {"RPMS", "RPM"},       {"Volts", "V"},
+    {"Amperes", "A"},   {"Watts", "W"},        {"Percent", "%"},
+    {"Hertz", "Hz"},    {"Joules", "J"},       {"LPM", "l/min"},
+    {"Meters", "m"},    {"Pascals", "Pa"},     {"PercentRH", "%RH"},
+    {"Radians", "rad"}, {"AmpereHours", "Ah"},
+};
+
+std::vector<Table> allTables()
 {
-    if (form == Form::text || !cell.is_string())
+    std::vector<Table> all;
+    for (const auto ofAKind :
+         {inventoryTables, raidTables, sensorTables, networkTables})
     {
-        return cell;
+        std::ranges::move(ofAKind(), std::back_inserter(all));
     }
-    const auto& text = cell.get_ref<const std::string&>();
-    if (form == Form::number)
-    {
-        return numberIn(text);
-    }
-    return text == none ? Value() : cell;
+    return all;
 }
 
 } // namespace
 
-NotListed::NotListed() :
-    std::runtime_error("the platform does not answer, or has nothing of this "
-                       "kind")
-{}
-
-void requireSuccess(int code)
+Value valueOf(char* text)
 {
+    return text ? Value(text) : Value();
+}
+
+Value valueOf(int32_t number)
+{
+    return int64_t{number};
+}
+
+Value valueOf(uint32_t number)
+{
+    return int64_t{number};
+}
+
+Value yesOrNo(int32_t flag)
+{
+    return flag != 0;
+}
+
+std::string textOf(const Value& value)
+{
+    if (const auto* text = std::get_if<std::string>(&value))
+    {
+        return *text;
+    }
+    if (const auto* number = std::get_if<int64_t>(&value))
+    {
+        return std::to_string(*number);
+    }
+    if (const auto* flag = std::get_if<bool>(&value))
+    {
+        return *flag ? "yes" : "no";
+    }
+    if (const auto* list = std::get_if<std::vector<std::string>>(&value))
+    {
+        std::string line;
+        for (const auto& part : *list)
+        {
+            line.append(line.empty() ? "" : " ").append(part);
+        }
+        return line;
+    }
+    return missing;
+}
+
+std::optional<double> numberIn(const std::string& text)
+{
+    double number = 0;
+    const char* end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, number);
+    // A number is all digits; "nan" and "inf" are none.
+    return error == std::errc() && stop == end && number - number == 0
+               ? std::optional(number)
+               : std::nullopt;
+}
+
+std::string signOf(const std::string& unit)
+{
+    const auto* found = std::ranges::find_if(
+        unitSigns, [&unit](const auto& one) { return one.first == unit; });
+    return std::string(found == std::end(unitSigns) ? unit : found->second);
+}
+
+const std::vector<Table>& tables()
+{
+    static const auto all = allTables();
+    return all;
+}
+
+const char* Absent::what() const noexcept
+{
+    return "the platform has nothing of this kind";
+}
+
+void requireSuccess(int32_t code)
+{
+    const auto& failure = lastFailure();
     switch (code)
     {
         case 0:
             return;
         case -1:
-            throw NotListed();
+            if (failure && failure->isAbsence)
+            {
+                throw Absent();
+            }
+            throw std::runtime_error(
+                failure ? failure->object.service + ": " + failure->reason
+                        : "the platform holds an unknown value");
         case -2:
             throw std::bad_alloc();
         case -4:
@@ -47,17 +135,6 @@ void requireSuccess(int code)
             throw std::runtime_error("the library reports code " +
                                      std::to_string(code));
     }
-}
-
-Value jsonRow(const std::vector<Column>& columns, const Cells& cells)
-{
-    auto row = Value::object();
-    for (std::size_t column = 0; column < cells.size(); ++column)
-    {
-        const auto& [key, title, form] = columns[column];
-        row[key] = jsonValue(cells[column], form);
-    }
-    return row;
 }
 
 } // namespace morvath::tools

@@ -1,26 +1,57 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "value.hpp"
-
+#include <cstdint>
+#include <exception>
 #include <functional>
-#include <stdexcept>
+#include <optional>
 #include <string>
+#include <string_view>
+#include <utility>
+#include <variant>
 #include <vector>
 
 namespace morvath::tools
 {
 
-/** What the texts of a column are in JSON. */
+/** What is shown; monostate for what is missing. */
+using Value = std::variant<std::monostate, bool, int64_t, std::string,
+                           std::vector<std::string>>;
+
+// From the fields of the library's records.
+Value valueOf(char* text);
+Value valueOf(int32_t number);
+Value valueOf(uint32_t number);
+
+/** Yes or no, for a field that is 1 or 0. */
+Value yesOrNo(int32_t flag);
+
+/** A value for people, as it came. */
+std::string textOf(const Value& value);
+
+/** What a column holds. */
 enum class Form
 {
     /** Texts as they are. */
     text,
     /** Texts, with "-" for none. */
     dashed,
-    /** Numbers; anything else, such as "nan" and "-", is none. */
+    /** Numbers as texts; anything else, such as "nan" and "-", is none. */
     number,
+    /** The units of the column before, with which people read them. */
+    unit,
 };
+
+/** The number that a text is, as the library writes them. */
+std::optional<double> numberIn(const std::string& text);
+
+/** The sign of a unit, such as "°C" for "DegreesC". */
+std::string signOf(const std::string& unit);
+
+// How soon a column is left out where there is little room: the highest first,
+// 0 never, and the last only shown if everything is wanted.
+constexpr int always = 0;
+constexpr int seldom = 9;
 
 struct Column
 {
@@ -29,9 +60,21 @@ struct Column
     /** The head of the column. */
     std::string title;
     Form form = Form::text;
+    int rank = 1;
+    /** What all its numbers count, such as "KiB". */
+    std::string unit{};
 };
 
 using Cells = std::vector<Value>;
+
+enum class Colour
+{
+    none,
+    red,
+    yellow,
+    faint,
+    bold,
+};
 
 /** One table of the platform, from its name to its rows. */
 struct Table
@@ -41,18 +84,30 @@ struct Table
     std::vector<Column> columns;
     /** Raises std::exception when the table cannot be read. */
     std::function<std::vector<Cells>()> read;
+    /** The colour of a row, if rows have any. */
+    Colour (*colourOf)(const Cells&) = nullptr;
+    /** Whether a record has so much to say that it is a paragraph. */
+    bool asBlocks = false;
+    /** Properties that a record needs; of the second only with the first. */
+    std::vector<std::pair<std::string, std::string>> needs{};
 };
 
-/** The library's code for a platform without the kind of thing, too. */
-struct NotListed : std::runtime_error
+/** All tables, in the order in which help and "--all" show them. */
+const std::vector<Table>& tables();
+
+// The tables by kind, of which all are made.
+std::vector<Table> inventoryTables();
+std::vector<Table> raidTables();
+std::vector<Table> sensorTables();
+std::vector<Table> networkTables();
+
+/** The platform has nothing of a kind. */
+struct Absent : std::exception
 {
-    NotListed();
+    const char* what() const noexcept override;
 };
 
 /** Raises what a status code of the library stands for, unless it is 0. */
-void requireSuccess(int code);
-
-/** A row as an object; null for what is missing and for what is no number. */
-Value jsonRow(const std::vector<Column>& columns, const Cells& cells);
+void requireSuccess(int32_t code);
 
 } // namespace morvath::tools

@@ -1,14 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "watch.hpp"
 
-#include "report.hpp"
+#include "bus.hpp"
+#include "cli/terminal_text.hpp"
 
 #include <unistd.h>
 
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <thread>
+#include <exception>
 
 namespace morvath::tools
 {
@@ -48,23 +49,32 @@ class StopHeldBack
  */
 void stop(int)
 {
+    if (isatty(STDOUT_FILENO) && write(STDOUT_FILENO, "\n", 1) < 0)
+    {
+        _exit(EXIT_FAILURE);
+    }
     _exit(EXIT_SUCCESS);
 }
 
 } // namespace
 
-void watch(std::chrono::duration<double> pause,
-           const std::function<void()>& round)
+void watch(cli::Seconds pause, const std::function<void()>& round)
 {
     for (const auto signal : stopSignals)
     {
         std::signal(signal, stop);
     }
-    round();
     while (!std::ferror(stdout))
     {
-        std::this_thread::sleep_for(pause);
-        round();
+        try
+        {
+            round();
+        }
+        catch (const std::exception& error)
+        {
+            cli::complain("morvath", error.what());
+        }
+        waitOnBus(pause);
     }
 }
 
@@ -72,7 +82,23 @@ void printWhole(const std::string& text)
 {
     const StopHeldBack whole;
     print(text);
-    std::fflush(stdout);
+}
+
+std::string repainted(std::vector<std::string> lines, const Look& look)
+{
+    if (look.height > 1 && lines.size() > look.height)
+    {
+        const auto more = lines.size() - look.height + 1;
+        lines.resize(look.height - 1);
+        lines.push_back("(" + std::to_string(more) +
+                        " more; enlarge the window)");
+    }
+    std::string text = "\x1b[H";
+    for (const auto& line : lines)
+    {
+        text += (&line == &lines.front() ? "" : "\n") + line + "\x1b[K";
+    }
+    return text + "\x1b[J";
 }
 
 } // namespace morvath::tools

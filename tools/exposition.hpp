@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <list>
+#include <string>
+#include <string_view>
+
+namespace morvath::tools
+{
+
+/** A metric and those of its samples that were not written yet. */
+class Metric
+{
+  public:
+    Metric(std::string name, std::string_view help);
+
+    /** Labels are as label() gives them, with commas in between. */
+    void add(std::string_view labels, double value);
+
+  private:
+    friend class Exposition;
+
+    std::string name;
+    std::string head;
+    std::string samples;
+    bool isShared = false;
+};
+
+/** What is printed for Prometheus: metrics with their samples. */
+class Exposition
+{
+  public:
+    /** The metric of that name; the help counts when it is new. */
+    Metric& metric(std::string name, std::string_view help);
+
+    /** One that several tables add to. */
+    Metric& shared(std::string name, std::string_view help);
+
+    /**
+     * Takes the samples so far, with those of shared metrics or without: only
+     * in one place are they in the form that Prometheus asks for.
+     */
+    std::string take(bool withShared);
+
+  private:
+    std::list<Metric> metrics;
+};
+
+/** A label; the value can be any bytes and of any length. */
+std::string label(std::string_view name, std::string_view value);
+
+} // namespace morvath::tools

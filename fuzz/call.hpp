@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "bus/c_memory.hpp"
+#include "base/c_memory.hpp"
 #include "fuzz/input.hpp"
 #include "fuzz/words.hpp"
-#include "morvath.h"
+#include "morvath.hpp"
 
 #include <array>
 #include <concepts>
@@ -125,38 +125,15 @@ int32_t call(Input& input)
 }
 
 template <typename Record>
-Record recordOf(void (*)(Record*));
-
-/** The records of a table. */
-template <auto Release>
-struct Records
+int32_t readRecords(int32_t (*get)(Record**, int32_t*))
 {
-    using Record = decltype(recordOf(Release));
+    return Records<Record>().fill(get);
+}
 
-    Record* records = nullptr;
-    int32_t count = 0;
-
-    ~Records()
-    {
-        for (int32_t index = 0; records && index < count; ++index)
-        {
-            Release(&records[index]);
-        }
-        std::free(records);
-    }
-};
-
-template <auto Get, auto Release>
+template <auto Get>
 int32_t readTable(Input&)
 {
-    Records<Release> table;
-    const auto code = Get(&table.records, &table.count);
-    if (code != 0)
-    {
-        // Outputs mean nothing then; had there been any, they would leak.
-        table.records = nullptr;
-    }
-    return code;
+    return readRecords(Get);
 }
 
 } // namespace morvath::fuzz

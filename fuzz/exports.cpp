@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "fuzz/exports.hpp"
 
-#include "bus/row_set.hpp"
 #include "fuzz/call.hpp"
 #include "fuzz/peer.hpp"
 
@@ -20,23 +19,34 @@ namespace
 
 int32_t readTexts(Input& input)
 {
-    char** texts = nullptr;
-    uint32_t count = 0;
-    const auto code = getDbusPropertyVectorString(
-        "a.b", "/a", "a.b", argument(input).c_str(), &texts, &count);
-    const TextArray owner(texts, count);
-    return code;
+    read(getDbusPropertyVectorString, "a.b", "/a", "a.b",
+         argument(input).c_str());
+    return 0;
 }
 
 int32_t readInterface(Input& input)
 {
-    char** paths = nullptr;
-    uint32_t count = 0;
-    const auto code = getDbusInterface(input.oneOf(services).c_str(), "/",
-                                       "a.b", &paths, &count);
-    const TextArray owner(paths, count);
-    return code;
+    read(getDbusInterface, input.oneOf(services).c_str(), "/", "a.b");
+    return 0;
 }
+
+/** What the table engine stores, released however it ends. */
+struct Table
+{
+    std::size_t columns;
+    int32_t before;
+    char*** rows = nullptr;
+    int32_t counter = before;
+
+    ~Table()
+    {
+        for (int32_t index = 0; index < counter - before; ++index)
+        {
+            releaseTexts(rows[index], columns);
+        }
+        std::free(rows);
+    }
+};
 
 int32_t readRows(Input& input)
 {
@@ -46,8 +56,10 @@ int32_t readRows(Input& input)
     {
         list.push_back((name = input.oneOf(properties)).c_str());
     }
-    int32_t counter = input.number<int8_t>();
-    return RowSet(counter).read({"/", "a.b", list});
+    Table table{list.size(), input.number<int8_t>()};
+    return getDbusTableData("/", "a.b", list.data(),
+                            static_cast<int32_t>(list.size()), &table.rows,
+                            &table.counter);
 }
 
 int32_t readSensors(BmcSensorEntry** records, int32_t* count)
@@ -64,7 +76,7 @@ int32_t readLastPart(Input& input)
 
 // clang-format off
 #define CALL(function) {#function, call<function>}
-#define TABLE(function, release) {#function, readTable<function, release>}
+#define TABLE(function) {#function, readTable<function>}
 
 constexpr Export all[]{
     CALL(_getDbusProperty), CALL(_setDbusProperty), CALL(getBMCDeviceUUID),
@@ -94,28 +106,20 @@ constexpr Export all[]{
     CALL(setNtpServerIP), CALL(setNtpServerStatus), CALL(setPowerRestorePolicy),
     CALL(setSystemAssetTag), CALL(setSystemConfModel), CALL(setSystemHostName),
     CALL(setSystemPowerCtl), CALL(setTimeStamp),
-    {"getCommonSensorTableInfo", readTable<readSensors, freeBmcSensorEntry>},
+    {"getCommonSensorTableInfo", readTable<readSensors>},
     {"getDbusInterface", readInterface},
     {"getDbusPropertyVectorString", readTexts}, {"getDbusTableData", readRows},
     {"getLastStr", readLastPart},
-    TABLE(getCpuTableInfo, freeCpuInfoEntry),
-    TABLE(getCurrentTableInfo, freeBmcSensorEntry),
-    TABLE(getFanTableInfo, freeBmcSensorEntry),
-    TABLE(getGpuInfoEntry, freeGpuInfoEntry),
-    TABLE(getMemoryTableInfo, freeMemInfoEntry),
-    TABLE(getNetAdapterTableInfo, free_adapter_entry_content),
-    TABLE(getNetPortTableInfo, free_port_entry_content),
-    TABLE(getNetworkTableInfo, freeBmcNetworkInfoEntry),
-    TABLE(getPcieTableInfo, freePcieInfoEntry),
-    TABLE(getPowerTableInfo, freeBmcSensorEntry),
-    TABLE(getPsuTableInfo, freePsuInfoEntry),
-    TABLE(getPwmTableInfo, freeBmcSensorEntry),
-    TABLE(getTempTableInfo, freeBmcSensorEntry),
-    TABLE(getVoltageTableInfo, freeBmcSensorEntry),
+    TABLE(getCpuTableInfo), TABLE(getCurrentTableInfo), TABLE(getFanTableInfo),
+    TABLE(getGpuInfoEntry), TABLE(getMemoryTableInfo),
+    TABLE(getNetAdapterTableInfo), TABLE(getNetPortTableInfo),
+    TABLE(getNetworkTableInfo), TABLE(getPcieTableInfo),
+    TABLE(getPowerTableInfo), TABLE(getPsuTableInfo), TABLE(getPwmTableInfo),
+    TABLE(getTempTableInfo), TABLE(getVoltageTableInfo),
     // These ask the RAID management library.
-    TABLE(getHddTableInfo, freeHddInfoEntry),
-    TABLE(getRaidControllerInfo, freeRaidControllerEntry),
-    TABLE(getRaidHddTableInfo, free_raid_hdd_entry),
+    TABLE(getHddTableInfo),
+    TABLE(getRaidControllerInfo),
+    TABLE(getRaidHddTableInfo),
 };
 
 #undef CALL
@@ -134,6 +138,10 @@ void runOne(const Export& one, Input& input)
     try
     {
         code = one.call(input);
+    }
+    catch (const Error& error)
+    {
+        code = error.code();
     }
     catch (const sdbusplus::exception::SdBusError&)
     {}

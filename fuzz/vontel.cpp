@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "raid/vontel.hpp"
+#include "vontel.hpp"
 
 #include "fuzz/peer.hpp"
 

@@ -37,7 +37,7 @@ TEST(Identity, WritesThreeFacts)
     {
         sim::Platform platform(sim::Scenario::standard());
         EXPECT_EQ(one.set("new"), 0);
-        EXPECT_EQ(platform.calls().at(0).arguments,
+        EXPECT_EQ(*platform.calls().at(0).arguments,
                   Json({prefix + one.interface, one.property, text("new")}));
         EXPECT_EQ(readText(one.get), (TextResult{0, "new"}));
         EXPECT_THROW(one.set(nullptr), std::logic_error);

@@ -77,7 +77,7 @@ void expectWritten(const Setting& setting, const Set& set,
     {
         platform.clearCalls();
         EXPECT_EQ(set(value), 0) << value;
-        EXPECT_EQ(platform.calls().at(0).arguments,
+        EXPECT_EQ(*platform.calls().at(0).arguments,
                   Json({setting.interface, setting.property,
                         text(setting.prefix + word)}))
             << value;

@@ -98,7 +98,7 @@ TEST(ListObjects, AddsAllOwnersInOrder)
     EXPECT_EQ(calls[0].path, "/xyz/openbmc_project/object_mapper");
     EXPECT_EQ(calls[0].interface, "xyz.openbmc_project.ObjectMapper");
     EXPECT_EQ(calls[0].member, "GetSubTree");
-    EXPECT_EQ(calls[0].arguments, Json({"/fans", 0, Json::array({wanted})}));
+    EXPECT_EQ(*calls[0].arguments, Json({"/fans", 0, Json::array({wanted})}));
 }
 
 TEST(ListObjects, GivesMinusOneForAnEmptyAnswer)

@@ -157,7 +157,7 @@ TEST(TableEngine, FillsCellsInTheOrderOfTheNames)
         EXPECT_EQ(calls[index].path, "/items/item" + std::to_string(index - 1));
         EXPECT_EQ(calls[index].interface, "org.freedesktop.DBus.Properties");
         EXPECT_EQ(calls[index].member, "GetAll");
-        EXPECT_EQ(calls[index].arguments, Json::array({""}));
+        EXPECT_EQ(*calls[index].arguments, Json::array({""}));
     }
 }
 

@@ -6,16 +6,14 @@ namespace morvath::tests
 namespace
 {
 
-using Controllers = Records<getRaidControllerInfo, freeRaidControllerEntry>;
-
 Lines controllersOf(const Json& section)
 {
-    return raidLinesOf<Controllers>(section);
+    return raidLinesOf<getRaidControllerInfo>(section);
 }
 
 TEST(RaidControllers, AreThoseOfTheServer)
 {
-    EXPECT_EQ(controllersOf(sim::Scenario::standard().raid()),
+    EXPECT_EQ(controllersOf(*sim::Scenario::standard().raid),
               (Lines{"0", "0|Drisko DR-9408 RAID|DR9408-66-0A17C2|"
                           "Drisko Storage|DR-9408|8 GB|12 Gb/s|"
                           "5a3c9b0000940801|7.21.03.00|0xfa17|0x0940|0xfa17|"

@@ -6,8 +6,6 @@ namespace morvath::tests
 namespace
 {
 
-using Disks = Records<getHddTableInfo, freeHddInfoEntry>;
-
 constexpr auto service = "com.example.Inventory";
 constexpr auto disk = "xyz.openbmc_project.Inventory.Item.Disk";
 
@@ -33,15 +31,15 @@ Lines disksOf(const Machine& machine, const Json& section)
 {
     const RaidLibrary library(section);
     sim::Platform platform(machine.scenario());
-    return linesOf<Disks>();
+    return linesOf<getHddTableInfo>();
 }
 
 TEST(Disks, AreThoseOfTheServer)
 {
     const auto scenario = sim::Scenario::standard();
-    const RaidLibrary library(scenario.raid());
+    const RaidLibrary library(*scenario.raid);
     sim::Platform platform(scenario);
-    const auto lines = linesOf<Disks>();
+    const auto lines = linesOf<getHddTableInfo>();
     ASSERT_EQ(lines.size(), 13u);
     EXPECT_EQ(lines[0], "0");
     EXPECT_EQ(lines[4], "0|NVMe Disk 3|Drisko Storage|DS NV4|DN7F26410125|SSD|"
@@ -167,11 +165,13 @@ TEST(Disks, LeaveTheCountAloneWhenTheyFail)
                 .owns("/b", service,
                       {{disk, changed(plainDisk(), {{"DiskTemp", text("")}})}})
                 .scenario());
-        Disks disks;
-        EXPECT_EQ(outcomeOf([&] { return disks.read(); }),
+        HddInfoEntry* disks = nullptr;
+        int32_t count = 0;
+        EXPECT_EQ(outcomeOf([&] { return getHddTableInfo(&disks, &count); }),
                   "invalid argument: stoi");
-        EXPECT_NE(disks.records, nullptr);
-        EXPECT_EQ(disks.count, 0);
+        EXPECT_NE(disks, nullptr);
+        EXPECT_EQ(count, 0);
+        std::free(disks);
     }
 }
 

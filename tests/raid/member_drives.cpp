@@ -6,11 +6,9 @@ namespace morvath::tests
 namespace
 {
 
-using MemberDrives = Records<getRaidHddTableInfo, free_raid_hdd_entry>;
-
 Lines drivesOf(const Json& section)
 {
-    return raidLinesOf<MemberDrives>(section);
+    return raidLinesOf<getRaidHddTableInfo>(section);
 }
 
 // The level of drive 4 is that of the second controller's: it comes later.
@@ -20,7 +18,7 @@ const Lines drivesOfTwo{
 
 TEST(MemberDrives, AreThoseOfTheServer)
 {
-    const auto lines = drivesOf(sim::Scenario::standard().raid());
+    const auto lines = drivesOf(*sim::Scenario::standard().raid);
     ASSERT_EQ(lines.size(), 9u);
     EXPECT_EQ(lines[5], "0|RAID5|Online|Slot 4|Drisko DR-9408 RAID|0|0");
     EXPECT_EQ(lines[6], "0|RAID1|Online|Slot 5|Drisko DR-9408 RAID|0|0");

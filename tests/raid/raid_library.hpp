@@ -2,7 +2,7 @@
 #pragma once
 
 #include "morvath.h"
-#include "sim/vontel/control.hpp"
+#include "simulation/control.hpp"
 #include "support/records.hpp"
 
 #include <map>
@@ -74,12 +74,12 @@ inline Json twoControllers()
 }
 
 /** What a table that needs no bus makes of a section; it sets its counter. */
-template <typename Table>
+template <auto Get>
 Lines raidLinesOf(const Json& section)
 {
     constexpr int32_t preset = 77;
     const RaidLibrary library(section);
-    return linesOf<Table>(preset);
+    return linesOf<Get>(preset);
 }
 
 /** What a getter leaves in its outputs, in words. */

@@ -108,7 +108,7 @@ void forEachCall(const Kind& kind, const Check& check)
 class BusFaults : public ::testing::Test
 {
   private:
-    const RaidLibrary raid{sim::Scenario::standard().raid()};
+    const RaidLibrary raid{*sim::Scenario::standard().raid};
 };
 
 TEST_F(BusFaults, OfOneCallHaveKnownResultsAndPass)
@@ -181,6 +181,19 @@ TEST_F(BusFaults, EndWithTheTimeOut)
         return mistake;
     };
     forEachCall({{{"silent", true}}, &Results::failed}, mistakeInTime);
+}
+
+TEST(NullTexts, RaiseBeforeAnythingIsSent)
+{
+    sim::Platform platform(Machine::smallServer().scenario());
+    for (const auto& one : allExports())
+    {
+        for (const auto& outcome : one.nulls())
+        {
+            EXPECT_EQ(outcome, nullText) << one.name;
+        }
+    }
+    EXPECT_EQ(platform.calls().size(), 0u);
 }
 
 } // namespace

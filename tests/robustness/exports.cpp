@@ -8,6 +8,9 @@
 #include <cstdlib>
 #include <iterator>
 #include <string>
+#include <tuple>
+#include <type_traits>
+#include <utility>
 #include <vector>
 
 namespace morvath::tests
@@ -31,62 +34,128 @@ std::string written(bool wasWritten, const std::string& value)
     return wasWritten ? value : untouched;
 }
 
-/** A getter with one text as its output. */
-template <auto Get, auto... Arguments>
-Effect text()
+/** What becomes of a call when each of its pointers in turn is null. */
+template <std::size_t... Indices>
+std::vector<std::string> outcomesOfNull(const auto& call,
+                                        std::index_sequence<Indices...>,
+                                        const auto&... arguments)
 {
-    char mark = 'm';
-    char* value = &mark;
-    auto result = resultOf([&] { return Get(Arguments..., &value); });
-    if (value == &mark)
-    {
-        return {result, untouched};
-    }
-    Effect effect{result, textOf(value)};
-    std::free(value);
-    return effect;
+    std::vector<std::string> outcomes;
+    [[maybe_unused]] const auto tryOne = [&]<std::size_t index>() {
+        auto changed = std::tuple(arguments...);
+        auto& argument = std::get<index>(changed);
+        if constexpr (std::is_pointer_v<std::decay_t<decltype(argument)>>)
+        {
+            argument = nullptr;
+            outcomes.push_back(
+                outcomeOf([&] { return std::apply(call, changed); }));
+        }
+    };
+    (tryOne.template operator()<Indices>(), ...);
+    return outcomes;
 }
 
-/** A getter with one number as its output. */
-template <typename Number, auto Get, auto... Arguments>
-Effect number()
+std::vector<std::string> outcomesOfNull(const auto& call,
+                                        const auto&... arguments)
 {
-    constexpr Number mark = 77;
-    Number value = mark;
-    auto result = resultOf([&] { return Get(Arguments..., &value); });
-    return {result, written(value != mark, std::to_string(value))};
+    return outcomesOfNull(
+        call, std::index_sequence_for<decltype(arguments)...>(), arguments...);
 }
+
+/** A getter with one text as its output. */
+template <auto Get, auto... Arguments>
+struct Text
+{
+    static Effect call()
+    {
+        char mark = 'm';
+        char* value = &mark;
+        auto result = resultOf([&] { return Get(Arguments..., &value); });
+        if (value == &mark)
+        {
+            return {result, untouched};
+        }
+        Effect effect{result, textOf(value)};
+        std::free(value);
+        return effect;
+    }
+
+    static std::vector<std::string> nulls()
+    {
+        char* value = nullptr;
+        return outcomesOfNull(
+            [&](auto... arguments) { return Get(arguments..., &value); },
+            Arguments...);
+    }
+};
+
+/** A getter with one number as its output. */
+template <typename Value, auto Get, auto... Arguments>
+struct Number
+{
+    static Effect call()
+    {
+        constexpr Value mark = 77;
+        Value value = mark;
+        auto result = resultOf([&] { return Get(Arguments..., &value); });
+        return {result, written(value != mark, std::to_string(value))};
+    }
+
+    static std::vector<std::string> nulls()
+    {
+        Value value = 0;
+        return outcomesOfNull(
+            [&](auto... arguments) { return Get(arguments..., &value); },
+            Arguments...);
+    }
+};
 
 /** A setter. */
 template <auto Set, auto... Arguments>
-Effect set()
+struct Setter
 {
-    return {resultOf([] { return Set(Arguments...); }), untouched};
-}
-
-template <auto Get, auto Release>
-Effect table()
-{
-    Records<Get, Release> table;
-    auto result = resultOf([&] { return table.read(); });
-    if (!table.records)
+    static Effect call()
     {
-        return {result, untouched};
+        return {resultOf([] { return Set(Arguments...); }), untouched};
     }
-    std::string lines;
-    for (int32_t index = 0; result == "0" && index < table.count; ++index)
-    {
-        lines += lineOf(table.records[index]) + '\n';
-    }
-    return {result, lines};
-}
 
-int32_t pwms(BmcSensorEntry** records, int32_t* count)
+    static std::vector<std::string> nulls()
+    {
+        return outcomesOfNull(Set, Arguments...);
+    }
+};
+
+template <auto Get, auto... Arguments>
+struct Table
 {
-    return getCommonSensorTableInfo(records, count,
-                                    "/xyz/openbmc_project/sensors/fan_pwm",
-                                    "xyz.openbmc_project.Sensor.Value");
-}
+    static Effect call()
+    {
+        RecordsOf<Get> table;
+        auto result = resultOf([&] {
+            return table.fill([](auto** records, int32_t* count) {
+                return Get(records, count, Arguments...);
+            });
+        });
+        std::string lines;
+        for (const auto& record : table)
+        {
+            lines += result == "0" ? lineOf(record) + '\n' : "";
+        }
+        return {result, written(table.data(), lines)};
+    }
+
+    static std::vector<std::string> nulls()
+    {
+        RecordsOf<Get> table;
+        return outcomesOfNull(
+            [&](auto... arguments) {
+                return table.fill([&](auto** records, int32_t* count) {
+                    return Get(records, count, arguments...);
+                });
+            },
+            Arguments...);
+    }
+};
 
 /** An array of texts, released and put into a line. */
 std::string take(char** texts, std::size_t count)
@@ -102,13 +171,28 @@ std::string take(char** texts, std::size_t count)
 }
 
 template <auto Get, auto... Arguments>
-Effect texts()
+struct Texts
 {
-    char** values = nullptr;
-    uint32_t count = 0;
-    auto result = resultOf([&] { return Get(Arguments..., &values, &count); });
-    return {result, written(values, take(values, count))};
-}
+    static Effect call()
+    {
+        char** values = nullptr;
+        uint32_t count = 0;
+        auto result =
+            resultOf([&] { return Get(Arguments..., &values, &count); });
+        return {result, written(values, take(values, count))};
+    }
+
+    static std::vector<std::string> nulls()
+    {
+        char** values = nullptr;
+        uint32_t count = 0;
+        return outcomesOfNull(
+            [&](auto... arguments) {
+                return Get(arguments..., &values, &count);
+            },
+            Arguments...);
+    }
+};
 
 constexpr char network[] = "xyz.openbmc_project.Network";
 constexpr char eth0[] = "/xyz/openbmc_project/network/eth0";
@@ -116,6 +200,8 @@ constexpr char ethernet[] = "xyz.openbmc_project.Network.EthernetInterface";
 constexpr char supplies[] = "/xyz/openbmc_project/inventory/system/powersupply";
 constexpr char supply[] = "xyz.openbmc_project.Inventory.Item.PowerSupply";
 constexpr char anyOwner[] = "";
+constexpr char pwms[] = "/xyz/openbmc_project/sensors/fan_pwm";
+constexpr char sensor[] = "xyz.openbmc_project.Sensor.Value";
 
 constexpr char timeService[] = "xyz.openbmc_project.Time.Manager";
 constexpr char clockPath[] = "/xyz/openbmc_project/time/bmc";
@@ -141,74 +227,124 @@ constexpr char address[] = "192.0.2.1";
 
 const char* addresses[]{address, nullptr};
 
-Effect tableData()
+const char* cells[]{"Name", "Missing", "SerialNumber", "Present"};
+constexpr int32_t cellCount = std::size(cells);
+
+struct TableData
 {
-    const char* names[]{"Name", "Missing", "SerialNumber", "Present"};
-    char*** rows = nullptr;
-    int32_t count = 0;
-    auto result = resultOf([&] {
-        return getDbusTableData(supplies, supply, names, std::size(names),
-                                &rows, &count);
-    });
-    std::string lines;
-    for (int32_t index = 0; index < count; ++index)
+    static Effect call()
     {
-        lines += take(rows[index], std::size(names)) + '\n';
+        char*** rows = nullptr;
+        int32_t count = 0;
+        auto result = resultOf([&] {
+            return getDbusTableData(supplies, supply, cells, cellCount, &rows,
+                                    &count);
+        });
+        std::string lines;
+        for (int32_t index = 0; index < count; ++index)
+        {
+            lines += take(rows[index], cellCount) + '\n';
+        }
+        std::free(rows);
+        return {result, written(rows, lines)};
     }
-    std::free(rows);
-    return {result, written(rows, lines)};
-}
 
-Effect subTree()
-{
-    SubTree found;
-    auto result =
-        resultOf([&] { return getSubTree(supplies, supply, &found); });
-    std::string line;
-    for (const auto& [path, owners] : found)
+    static std::vector<std::string> nulls()
     {
-        line += path + '|' + owners.at(0).first + '|';
+        char*** rows = nullptr;
+        int32_t count = 0;
+        return outcomesOfNull(
+            [&](auto... arguments) {
+                return getDbusTableData(arguments..., &rows, &count);
+            },
+            supplies, supply, cells, cellCount);
     }
-    return {result, written(!found.empty(), line)};
-}
+};
 
-Effect value()
+struct SubTreeOfSupplies
 {
-    const PropertyValue mark = false;
-    PropertyValue value = mark;
-    auto result = resultOf([&] {
-        return _getDbusProperty(network, eth0, ethernet, ntpServers, &value);
-    });
-    return {result, written(value != mark, std::to_string(value.index()))};
-}
+    static Effect call()
+    {
+        SubTree found;
+        auto result =
+            resultOf([&] { return getSubTree(supplies, supply, &found); });
+        std::string line;
+        for (const auto& [path, owners] : found)
+        {
+            line += path + '|' + owners.at(0).first + '|';
+        }
+        return {result, written(!found.empty(), line)};
+    }
 
-Effect setValue()
-{
-    const PropertyValue value = std::vector<std::string>{address};
-    return {resultOf([&] {
-                return _setDbusProperty(network, eth0, ethernet, ntpServers,
-                                        &value);
-            }),
-            untouched};
-}
+    static std::vector<std::string> nulls()
+    {
+        SubTree found;
+        return outcomesOfNull(
+            [&](auto... arguments) { return getSubTree(arguments..., &found); },
+            supplies, supply);
+    }
+};
 
-Effect clock()
+struct ValueOfServers
 {
-    uint32_t seconds = 0;
-    auto result = resultOf([&] { return getTimeStamp(&seconds); });
-    return {result, written(seconds != 0, "a time")};
-}
+    static Effect call()
+    {
+        const PropertyValue mark = false;
+        PropertyValue value = mark;
+        auto result = resultOf([&] {
+            return _getDbusProperty(network, eth0, ethernet, ntpServers,
+                                    &value);
+        });
+        return {result, written(value != mark, std::to_string(value.index()))};
+    }
 
-Effect lastPart()
+    static std::vector<std::string> nulls()
+    {
+        PropertyValue value;
+        return outcomesOfNull(
+            [&](auto... arguments) {
+                return _getDbusProperty(arguments..., &value);
+            },
+            network, eth0, ethernet, ntpServers);
+    }
+};
+
+const PropertyValue newServers = std::vector<std::string>{address};
+
+struct Clock
 {
-    const std::string dotted = "xyz.openbmc_project.long.enough.to.be.AWord";
-    std::string last;
-    auto result = resultOf([&] {
-        last = getLastStr(dotted);
-        return 0;
-    });
-    return {result, written(!last.empty(), last)};
-}
+    static Effect call()
+    {
+        uint32_t seconds = 0;
+        auto result = resultOf([&] { return getTimeStamp(&seconds); });
+        return {result, written(seconds != 0, "a time")};
+    }
+
+    static std::vector<std::string> nulls()
+    {
+        return {};
+    }
+};
+
+struct LastPart
+{
+    static Effect call()
+    {
+        const std::string dotted =
+            "xyz.openbmc_project.long.enough.to.be.AWord";
+        std::string last;
+        auto result = resultOf([&] {
+            last = getLastStr(dotted);
+            return 0;
+        });
+        return {result, written(!last.empty(), last)};
+    }
+
+    static std::vector<std::string> nulls()
+    {
+        return {};
+    }
+};
 
 // What becomes of a call, by the kind of function.
 constexpr Results local{"", "", untouched, false, "0"};
@@ -228,54 +364,56 @@ constexpr Results interfaces{addressFaults, addressFaults, untouched, true};
 constexpr auto portFaults = "-1 0 bus-error bus-error 0 bus-error bus-error";
 constexpr Results ports{portFaults, portFaults, untouched, true};
 
-template <auto Call>
+template <typename Call>
 constexpr const char* nameOf()
 {
     return __PRETTY_FUNCTION__;
 }
 
-template <auto Call>
+template <typename Call>
 constexpr Export on(const Results& results, const char* usual = nullptr)
 {
-    return {nameOf<Call>(), Call, results, usual};
+    return {nameOf<Call>(), Call::call, Call::nulls, results, usual};
 }
 
 template <auto Get>
 constexpr Export fact(const char* usual)
 {
-    return on<text<Get>>(single, usual);
+    return on<Text<Get>>(single, usual);
 }
 
 template <auto Get>
 constexpr Export code(const Results& results, const char* usual)
 {
-    return on<number<uint32_t, Get>>(results, usual);
+    return on<Number<uint32_t, Get>>(results, usual);
 }
 
 constexpr Export exports[]{
-    on<text<getDbusPropertyString, network, eth0, ethernet, interfaceName>>(
+    on<Text<getDbusPropertyString, network, eth0, ethernet, interfaceName>>(
         single, "eth0"),
-    on<texts<getDbusPropertyVectorString, network, eth0, ethernet, ntpServers>>(
+    on<Texts<getDbusPropertyVectorString, network, eth0, ethernet, ntpServers>>(
         single, "10.20.30.5|10.20.30.6|"),
-    on<number<uint8_t, getDbusPropertyUint8, smbios, bios, choices, bootType>>(
+    on<Number<uint8_t, getDbusPropertyUint8, smbios, bios, choices, bootType>>(
         single, "1"),
-    on<number<uint8_t, getDbusPropertyBool, smbios, bios, choices,
+    on<Number<uint8_t, getDbusPropertyBool, smbios, bios, choices,
               hyperThreading>>(single, "1"),
-    on<set<setDbusPropertyBool, network, eth0, ethernet, emitLldp, 1>>(writing),
-    on<set<setDbusPropertyUint64, timeService, clockPath, epoch, elapsed, 1>>(
+    on<Setter<setDbusPropertyBool, network, eth0, ethernet, emitLldp, 1>>(
         writing),
-    on<set<setDbusPropertyString, network, eth0, ethernet, gateway, address>>(
-        writing),
-    on<set<setDbusPropertyVectorString, network, eth0, ethernet, ntpServers,
-           addresses>>(writing),
-    on<set<setDbusPropertyVectorStringWithoutPath, network, ethernet,
-           ntpServers, addresses>>(writingAll),
-    on<texts<getDbusInterface, anyOwner, supplies, supply>>(single),
-    on<tableData>(listed),
-    on<subTree>(single),
-    on<value>(single),
-    on<setValue>(writing),
-    on<lastPart>(local, "AWord"),
+    on<Setter<setDbusPropertyUint64, timeService, clockPath, epoch, elapsed,
+              1>>(writing),
+    on<Setter<setDbusPropertyString, network, eth0, ethernet, gateway,
+              address>>(writing),
+    on<Setter<setDbusPropertyVectorString, network, eth0, ethernet, ntpServers,
+              addresses>>(writing),
+    on<Setter<setDbusPropertyVectorStringWithoutPath, network, ethernet,
+              ntpServers, addresses>>(writingAll),
+    on<Texts<getDbusInterface, anyOwner, supplies, supply>>(single),
+    on<TableData>(listed),
+    on<SubTreeOfSupplies>(single),
+    on<ValueOfServers>(single),
+    on<Setter<_setDbusProperty, network, eth0, ethernet, ntpServers,
+              &newServers>>(writing),
+    on<LastPart>(local, "AWord"),
 
     fact<getSystemManufacturer>("Velmora Systems"),
     fact<getSystemModel>("VS2-2288"),
@@ -284,15 +422,15 @@ constexpr Export exports[]{
     fact<getSystemAssetTag>("AT-004512"),
     fact<getSystemHostName>("rack7-node12"),
     fact<getSystemConfModel>("balanced"),
-    on<set<setSystemAssetTag, model>>(writing),
-    on<set<setSystemHostName, model>>(writing),
-    on<set<setSystemConfModel, model>>(writing),
+    on<Setter<setSystemAssetTag, model>>(writing),
+    on<Setter<setSystemHostName, model>>(writing),
+    on<Setter<setSystemConfModel, model>>(writing),
     fact<getBiosVendor>("Velmora Systems"),
     fact<getBiosBuildDate>("03/14/2026"),
     fact<getCpldFirmwareVersion>("1.07"),
-    on<text<getBMCFirmwareVersion>>(listed, "3.2.1-r0"),
-    on<text<getBiosFirmwareVersion>>(listed, "VSB4410.2.14.0"),
-    on<text<getBMCProperty, model>>(single, "KM2600"),
+    on<Text<getBMCFirmwareVersion>>(listed, "3.2.1-r0"),
+    on<Text<getBiosFirmwareVersion>>(listed, "VSB4410.2.14.0"),
+    on<Text<getBMCProperty, model>>(single, "KM2600"),
     fact<getBMCManufacturer>("Kelvane Micro"),
     fact<getBMCModel>("KM2600"),
     fact<getBMCSerialNumber>("BM0071F3A9"),
@@ -323,37 +461,37 @@ constexpr Export exports[]{
 
     fact<getSystemPowerState>("PowerOn"),
     code<getSystemPowerCtl>(single, "1"),
-    on<set<setSystemPowerCtl, 1>>(writing),
+    on<Setter<setSystemPowerCtl, 1>>(writing),
     fact<getPowerRestorePolicy>("LastState"),
-    on<set<setPowerRestorePolicy, word>>(writing),
-    on<clock>(local, "a time"),
-    on<number<int32_t, getTimeZone>>(local),
-    on<set<setTimeStamp, 1>>(writing),
+    on<Setter<setPowerRestorePolicy, word>>(writing),
+    on<Clock>(local, "a time"),
+    on<Number<int32_t, getTimeZone>>(local),
+    on<Setter<setTimeStamp, 1>>(writing),
     code<getNtpServerStatus>(single, "1"),
-    on<set<setNtpServerStatus, 0>>(writing),
-    on<set<setNtpServerIP, address>>(writingAll),
+    on<Setter<setNtpServerStatus, 0>>(writing),
+    on<Setter<setNtpServerIP, address>>(writingAll),
     fact<getNtpPreferServer>("10.20.30.5 10.20.30.6 "),
-    on<text<getBMCDeviceUUID>>(local),
+    on<Text<getBMCDeviceUUID>>(local),
 
-    on<table<getPsuTableInfo, freePsuInfoEntry>>(listed),
-    on<table<getPcieTableInfo, freePcieInfoEntry>>(anywhere),
-    on<table<getNetAdapterTableInfo, free_adapter_entry_content>>(listed),
-    on<table<getGpuInfoEntry, freeGpuInfoEntry>>(listed),
-    on<table<getMemoryTableInfo, freeMemInfoEntry>>(anywhere),
-    on<table<getCpuTableInfo, freeCpuInfoEntry>>(anywhere),
-    on<table<pwms, freeBmcSensorEntry>>(listed),
-    on<table<getTempTableInfo, freeBmcSensorEntry>>(listed),
-    on<table<getFanTableInfo, freeBmcSensorEntry>>(listed),
-    on<table<getVoltageTableInfo, freeBmcSensorEntry>>(listed),
-    on<table<getCurrentTableInfo, freeBmcSensorEntry>>(listed),
-    on<table<getPowerTableInfo, freeBmcSensorEntry>>(listed),
-    on<table<getPwmTableInfo, freeBmcSensorEntry>>(listed),
-    on<table<getNetworkTableInfo, freeBmcNetworkInfoEntry>>(interfaces),
-    on<table<getNetPortTableInfo, free_port_entry_content>>(ports),
-    on<set<setLldpEnalbed, nic, port, 1>>(writing),
-    on<table<getHddTableInfo, freeHddInfoEntry>>(anywhere),
-    on<table<getRaidControllerInfo, freeRaidControllerEntry>>(local),
-    on<table<getRaidHddTableInfo, free_raid_hdd_entry>>(local),
+    on<Table<getPsuTableInfo>>(listed),
+    on<Table<getPcieTableInfo>>(anywhere),
+    on<Table<getNetAdapterTableInfo>>(listed),
+    on<Table<getGpuInfoEntry>>(listed),
+    on<Table<getMemoryTableInfo>>(anywhere),
+    on<Table<getCpuTableInfo>>(anywhere),
+    on<Table<getCommonSensorTableInfo, pwms, sensor>>(listed),
+    on<Table<getTempTableInfo>>(listed),
+    on<Table<getFanTableInfo>>(listed),
+    on<Table<getVoltageTableInfo>>(listed),
+    on<Table<getCurrentTableInfo>>(listed),
+    on<Table<getPowerTableInfo>>(listed),
+    on<Table<getPwmTableInfo>>(listed),
+    on<Table<getNetworkTableInfo>>(interfaces),
+    on<Table<getNetPortTableInfo>>(ports),
+    on<Setter<setLldpEnalbed, nic, port, 1>>(writing),
+    on<Table<getHddTableInfo>>(anywhere),
+    on<Table<getRaidControllerInfo>>(local),
+    on<Table<getRaidHddTableInfo>>(local),
 };
 
 } // namespace

@@ -3,6 +3,7 @@
 
 #include <span>
 #include <string>
+#include <vector>
 
 namespace morvath::tests
 {
@@ -40,6 +41,8 @@ struct Export
     /** The name stands in it. */
     const char* name;
     Effect (*call)();
+    /** What becomes of calls with a null for each text, one at a time. */
+    std::vector<std::string> (*nulls)();
     Results results;
     /** The outputs without a fault; null where another test checks them. */
     const char* usual;

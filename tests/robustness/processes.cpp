@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "sim/daemon.hpp"
-#include "sim/descriptor.hpp"
 #include "sim/platform.hpp"
 #include "support/machine.hpp"
 #include "support/program.hpp"

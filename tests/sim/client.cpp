@@ -12,7 +12,7 @@ constexpr auto properties = "org.freedesktop.DBus.Properties";
 
 Reply Client::call(const std::string& service, const std::string& path,
                    const std::string& interface, const std::string& member,
-                   const std::vector<Value>& arguments)
+                   const std::string& types, const Json& arguments)
 {
     sd_bus_message* raw = nullptr;
     sim::check(sd_bus_message_new_method_call(bus(), &raw, service.c_str(),
@@ -20,10 +20,7 @@ Reply Client::call(const std::string& service, const std::string& path,
                                               member.c_str()),
                "sd_bus_message_new_method_call");
     const sim::Message call(raw);
-    for (const Value& argument : arguments)
-    {
-        sim::append(raw, argument);
-    }
+    sim::appendValues(raw, types, {arguments, "arguments"});
     sd_bus_error error{};
     sd_bus_message* answer = nullptr;
     if (sd_bus_call(bus(), raw, patience, &error, &answer) < 0)
@@ -33,15 +30,15 @@ Reply Client::call(const std::string& service, const std::string& path,
         return reply;
     }
     const sim::Message owned(answer);
-    const auto values = sim::readValues(answer);
-    return {"", "", values.empty() ? Json() : sim::toJson(values.front())};
+    const auto values = sim::readJsonList(answer);
+    return {"", "", values.empty() ? Json() : values.front()};
 }
 
 Reply Client::get(const std::string& service, const std::string& path,
                   const std::string& interface, const std::string& name)
 {
-    Reply reply =
-        call(service, path, properties, "Get", {text(interface), text(name)});
+    auto reply = call(service, path, properties, "Get", "ss",
+                      Json::array({interface, name}));
     if (reply.error.empty())
     {
         reply.value = Json(reply.value.at("value"));
@@ -52,38 +49,24 @@ Reply Client::get(const std::string& service, const std::string& path,
 Reply Client::getAll(const std::string& service, const std::string& path,
                      const std::string& interface)
 {
-    return call(service, path, properties, "GetAll", {text(interface)});
+    return call(service, path, properties, "GetAll", "s", interface);
 }
 
 Reply Client::set(const std::string& service, const std::string& path,
                   const std::string& interface, const std::string& name,
-                  const Value& value)
+                  const std::string& type, const Json& value)
 {
-    return call(service, path, properties, "Set",
-                {text(interface), text(name), {"v", Value::Members{value}}});
+    return call(
+        service, path, properties, "Set", "ssv",
+        Json::array({interface, name, {{"type", type}, {"value", value}}}));
 }
 
-Reply Client::mapper(const std::string& member,
-                     const std::vector<Value>& arguments)
+Reply Client::mapper(const std::string& member, const std::string& types,
+                     const Json& arguments)
 {
     return call("xyz.openbmc_project.ObjectMapper",
                 "/xyz/openbmc_project/object_mapper",
-                "xyz.openbmc_project.ObjectMapper", member, arguments);
-}
-
-Value text(const std::string& text)
-{
-    return {"s", text};
-}
-
-Value texts(const std::vector<std::string>& texts)
-{
-    Value::Members members;
-    for (const std::string& entry : texts)
-    {
-        members.push_back(text(entry));
-    }
-    return {"as", members};
+                "xyz.openbmc_project.ObjectMapper", member, types, arguments);
 }
 
 } // namespace morvath::tests

@@ -1,18 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "sim/sd_bus.hpp"
-#include "sim/value.hpp"
+#include "sim/json_value.hpp"
+
+#include <nlohmann/json.hpp>
 
 #include <cstdint>
 #include <string>
-#include <vector>
 
 namespace morvath::tests
 {
 
 using sim::Json;
-using sim::Value;
 
 struct Reply
 {
@@ -21,17 +20,21 @@ struct Reply
     std::string message;
     /** The first value; the content of a variant, or the error's name. */
     Json value;
+
+    bool operator==(const Reply&) const = default;
 };
 
-constexpr std::uint64_t patience = 20'000'000;
+constexpr uint64_t patience = 20'000'000;
 
 /** A bus client of its own, the library not involved. */
 class Client
 {
   public:
+    /** @param[in] arguments  a list, unless there is one type or none */
     Reply call(const std::string& service, const std::string& path,
                const std::string& interface, const std::string& member,
-               const std::vector<Value>& arguments = {});
+               const std::string& types = {},
+               const Json& arguments = Json::array());
 
     Reply get(const std::string& service, const std::string& path,
               const std::string& interface, const std::string& name);
@@ -39,20 +42,17 @@ class Client
                  const std::string& interface);
     Reply set(const std::string& service, const std::string& path,
               const std::string& interface, const std::string& name,
-              const Value& value);
-    Reply mapper(const std::string& member,
-                 const std::vector<Value>& arguments);
+              const std::string& type, const Json& value);
+    Reply mapper(const std::string& member, const std::string& types,
+                 const Json& arguments);
 
     sd_bus* bus()
     {
-        return bus_.get();
+        return connection.get();
     }
 
   private:
-    const sim::Bus bus_ = sim::openBus("");
+    const sim::Bus connection = sim::openBus("");
 };
-
-Value text(const std::string& text);
-Value texts(const std::vector<std::string>& texts);
 
 } // namespace morvath::tests

@@ -7,14 +7,14 @@
 #include <chrono>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace morvath::tests
 {
-
 namespace
 {
 
-constexpr const char* objects = R"([
+constexpr auto objects = R"([
 {"path": "/a", "services": [{"name": "x.S", "interfaces": {
   "x.I": {"P": {"type": "s", "value": "one"}, "Q": {"type": "i", "value": 2},
           "H": {"type": "i", "value": 3, "hidden": true}},
@@ -36,8 +36,10 @@ sim::Scenario withFaults(const std::string& faults)
 TEST(Faults, ReachExactlyTheCallsTheyDescribe)
 {
     const Json two{{"type", "i"}, {"value", 2}};
+    const Json one{{"type", "s"}, {"value", "one"}};
+    const Json onlyP{{"P", one}};
     const Json onlyQ{{"Q", two}};
-    const Json all{{"P", {{"type", "s"}, {"value", "one"}}}, {"Q", two}};
+    const Json all{{"P", one}, {"Q", two}};
     const std::string gone = "org.freedesktop.DBus.Error.UnknownObject";
     const std::string unknown = "org.freedesktop.DBus.Error.UnknownProperty";
     const std::pair<std::string, Json> cases[]{
@@ -67,6 +69,12 @@ TEST(Faults, ReachExactlyTheCallsTheyDescribe)
         {R"({"when": {"path": "/b"}, "then":
              {"reply": {"type": "v", "value": {"type": "u", "value": 9}}}})",
          {"one", 2, all, 9}},
+        {R"({"when": {"path": "/a", "member": "GetAll"}, "then":
+             {"reply": {"type": "ii", "value": [5, 6]}}})",
+         {"one", 2, 5, "b"}},
+        {R"({"when": {"path": "/a", "property": "Q", "call": 2},
+             "then": {"missing": true}})",
+         {"one", 2, onlyP, "b"}},
     };
     for (const auto& [faults, expected] : cases)
     {
@@ -95,10 +103,33 @@ TEST(Faults, DelayedCallIsAnsweredLate)
               "org.freedesktop.DBus.Error.UnknownProperty");
 }
 
-TEST(Platform, HasItsNamesAlone)
+/** The order of interfaces stays while a property comes and goes. */
+TEST(Faults, MissingPropertyLeavesTheOthersInTheirOrder)
 {
-    const sim::Platform platform(withFaults(""));
-    EXPECT_THROW(sim::Platform(withFaults("")), std::system_error);
+    const sim::Platform platform(withFaults(
+        R"({"when": {"path": "/a", "interface": "x.I", "property": "P",
+                     "call": 1},
+            "then": {"missing": true}})"));
+    Client client;
+    const auto contents = [&] {
+        return client.getAll("x.S", "/a", "").value.dump();
+    };
+    EXPECT_EQ(contents(), R"({"P":{"type":"s","value":"other"},)"
+                          R"("Q":{"type":"i","value":2}})");
+    EXPECT_EQ(contents(), R"([["P",{"type":"s","value":"other"}],)"
+                          R"(["P",{"type":"s","value":"one"}],)"
+                          R"(["Q",{"type":"i","value":2}]])");
+}
+
+TEST(Faults, AreToldWhenNoCallMeetsThem)
+{
+    const sim::Platform platform(withFaults(
+        R"({"when": {"path": "/b"}, "then": {"error": "x.E"}},
+           {"when": {"path": "/a", "call": 2}, "then": {"error": "x.E"}})"));
+    Client client;
+    client.getAll("x.S", "/a", "");
+    client.getAll("x.S", "/b", "");
+    EXPECT_EQ(platform.unusedFaults(), std::vector<std::string>{"/faults/1"});
 }
 
 } // namespace morvath::tests

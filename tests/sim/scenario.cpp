@@ -2,6 +2,7 @@
 #include "sim/scenario.hpp"
 
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include <cstdlib>
 #include <filesystem>
@@ -50,6 +51,29 @@ const std::string configuration = in(raid, R"({"configuration": [@]})");
 const std::string board = R"({"device": "0x0000", "subvendor": "0x0000",
     "subdevice": "0x0000", "vendor": @})";
 
+std::string times(unsigned count, const std::string& text)
+{
+    std::string result;
+    while (count-- > 0)
+    {
+        result += text;
+    }
+    return result;
+}
+
+/** A value inside so many variants. */
+std::string variants(unsigned count)
+{
+    return times(count, R"({"type": "v", "value": )") +
+           R"({"type": "y", "value": 1})" + times(count, "}");
+}
+
+std::string noCall(const std::string& key)
+{
+    return "file: /faults/0/when/" + key +
+           ": no call can meet this: the machine has no such " + key;
+}
+
 /** A folder that goes with its contents. */
 class Folder
 {
@@ -94,7 +118,7 @@ TEST(Scenario, BadInputIsRefusedWithItsPlace)
         {R"({"format": 2})",
          "file: /format: must be 1, the only format there is"},
         {R"({"format": 1, "fault": []})",
-         "file: /fault: the key is unknown here"},
+         "file: /fault: no key 'fault'; did you mean 'faults'?"},
         {std::string(200, '['), "file: the nesting is too deep"},
         {R"({"format": 1, "behaviours": ["host-power", "magic"]})",
          "file: /behaviours/1: there is no behaviour \"magic\""},
@@ -130,10 +154,25 @@ TEST(Scenario, BadInputIsRefusedWithItsPlace)
         {in(property, R"({"type": "s", "value": "a\u0000b"})"),
          valuePlace + "the bus carries no text with a zero character"},
         {in(property, R"json({"type": "(so)", "value": ["a"]})json"),
-         valuePlace + "has too few fields for (so)"},
+         valuePlace + "has too few values for (so)"},
         {in(property, R"json({"type": "a(so)", "value": [["a", "b"]]})json"),
-         place + "/services/0/interfaces/x.I/P/value/0/1: \"b\" is no object "
-                 "path"},
+         place +
+             "/services/0/interfaces/x.I/P/value/0/1: \"b\" is not an object "
+             "path"},
+        {in(property, R"({"type": "s", "value": "\ufdd0"})"),
+         valuePlace + "has a character that the bus does not carry"},
+        {in(property, variants(61)), ""},
+        {in(property, variants(62)),
+         place + "/services/0/interfaces/x.I/P" + times(62, "/value") +
+             "/type: is nested too deep for the bus"},
+        {in(fault, R"({"when": {"service": "x.S"}, "then": {"die": true}})"),
+         noCall("service")},
+        {in(fault, R"({"when": {"path": "/a/c"}, "then": {"silent": true}})"),
+         noCall("path")},
+        {in(fault, R"({"when": {"interface": "x.N"}, "then": {"die": true}})"),
+         noCall("interface")},
+        {in(fault, R"({"when": {"property": "P"}, "then": {"die": true}})"),
+         noCall("property")},
         {in(fault, R"({"when": {"path": "/a"}, "then": {"missing": true}})"),
          "file: /faults/0/when: \"property\" is needed for this fault"},
         {in(fault, R"({"when": {}, "then": {"error": "plain"}})"),
@@ -158,17 +197,16 @@ TEST(Scenario, ExtensionReplacesAddsAndRemoves)
         {"path": "/c", "services": [{"name": "x.C", "interfaces": {}}]},
         {"path": "/b", "remove": true},
         {"path": "/a", "services": [{"name": "x.D", "interfaces": {}}]}]})"));
-    ASSERT_EQ(scenario.objects().size(), 2U);
-    EXPECT_EQ(scenario.objects()[0].path, "/a");
-    EXPECT_EQ(scenario.objects()[0].owners[0].service, "x.D");
-    EXPECT_EQ(scenario.objects()[1].path, "/c");
-    EXPECT_TRUE(scenario.faults().empty());
-    EXPECT_TRUE(scenario.hasMapper());
-    EXPECT_EQ(scenario.behaviours(), std::set{sim::Behaviour::hostPower});
+    ASSERT_EQ(scenario.objects.size(), 2U);
+    EXPECT_EQ(scenario.objects[0].path, "/a");
+    EXPECT_EQ(scenario.objects[0].owners[0].service, "x.D");
+    EXPECT_EQ(scenario.objects[1].path, "/c");
+    EXPECT_TRUE(scenario.faults.empty());
+    EXPECT_TRUE(scenario.hasMapper);
+    EXPECT_EQ(scenario.behaviours, std::set<std::string>{"host-power"});
     EXPECT_TRUE(Scenario::load(folder.write("none.json", R"({"format": 1,
             "extends": "base.json", "behaviours": []})"))
-                    .behaviours()
-                    .empty());
+                    .behaviours.empty());
 }
 
 TEST(Scenario, ExtendingInACircleIsRefused)
@@ -229,7 +267,8 @@ TEST(RaidSection, BadInputIsRefusedWithItsPlace)
          "255"},
         {in(raid,
             R"({"faults": [{"operation": "getDriveSpeed", "result": 1}]})"),
-         "file: /raid/faults/0/operation: \"getDriveSpeed\" is no operation "
+         "file: /raid/faults/0/operation: \"getDriveSpeed\" is not an "
+         "operation "
          "with a result"},
         {in(raid, R"({"faults": [{"operation": "getRaidConf"}]})"),
          "file: /raid/faults/0: \"result\" is missing"},
@@ -242,11 +281,10 @@ TEST(RaidSection, BadInputIsRefusedWithItsPlace)
 
 TEST(RaidSection, IsInheritedOrReplacedAsAWhole)
 {
-    const Json standard = Scenario::standard().raid();
+    const Json standard = *Scenario::standard().raid;
     EXPECT_EQ(standard["controllers"][0]["physical"].size(), 8U);
     const auto raidOf = [](const std::string& members) {
-        return Scenario::parse(R"({"format": 1)" + members + "}", "test")
-            .raid();
+        return *Scenario::parse(R"({"format": 1)" + members + "}", "test").raid;
     };
     EXPECT_EQ(raidOf(""), Json({{"manager_present", false}}));
     EXPECT_EQ(raidOf(R"(, "extends": "default")"), standard);

@@ -35,7 +35,7 @@ Machine Machine::smallServer()
     auto machine = server().behaves("ntp-servers-in-use");
     std::map<std::string, unsigned> seen;
     const auto standard = sim::Scenario::standard();
-    for (const auto& object : standard.objects())
+    for (const auto& object : standard.objects)
     {
         if (++seen[kindOf(object)] > most)
         {

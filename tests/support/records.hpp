@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "morvath.h"
+#include "morvath.hpp"
 #include "support/machine.hpp"
 
 #include <gtest/gtest.h>
@@ -19,32 +19,12 @@
 namespace morvath::tests
 {
 
-template <typename Record>
-Record recordOf(void (*)(Record*));
+template <typename Record, typename... Arguments>
+Record recordOf(int32_t (*)(Record**, int32_t*, Arguments...));
 
-/** The records of one call, released as a caller would. */
-template <auto Get, auto Release>
-struct Records
-{
-    using Record = decltype(recordOf(Release));
-
-    Record* records = nullptr;
-    int32_t count = 0;
-
-    ~Records()
-    {
-        for (int32_t index = 0; records && index < count; ++index)
-        {
-            Release(&records[index]);
-        }
-        std::free(records);
-    }
-
-    int32_t read()
-    {
-        return Get(&records, &count);
-    }
-};
+/** The records of what a table function stores. */
+template <auto Get>
+using RecordsOf = Records<decltype(recordOf(Get))>;
 
 inline std::string textOf(const char* text)
 {
@@ -128,23 +108,27 @@ constexpr auto nullText = "basic_string: construction from null is not valid";
 /** What became of a call, and a line for each record that it stored. */
 using Lines = std::vector<std::string>;
 
-template <typename Table>
+template <auto Get>
 Lines linesOf(int32_t countBefore = 0)
 {
-    Table table{nullptr, countBefore};
-    Lines lines{outcomeOf([&] { return table.read(); })};
-    for (int32_t index = 0; table.records && index < table.count; ++index)
+    RecordsOf<Get> table;
+    const auto read = [&](auto** records, int32_t* count) {
+        *count = countBefore;
+        return Get(records, count);
+    };
+    Lines lines{outcomeOf([&] { return table.fill(read); })};
+    for (const auto& record : table)
     {
-        lines.push_back(lineOf(table.records[index]));
+        lines.push_back(lineOf(record));
     }
     return lines;
 }
 
-template <typename Table>
+template <auto Get>
 Lines linesOf(const Machine& machine)
 {
     sim::Platform platform(machine.scenario());
-    return linesOf<Table>();
+    return linesOf<Get>();
 }
 
 /** The properties with others in their place; null for one that is missing. */

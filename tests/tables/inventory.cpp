@@ -6,12 +6,6 @@ namespace morvath::tests
 namespace
 {
 
-using Slots = Records<getPcieTableInfo, freePcieInfoEntry>;
-using Adapters = Records<getNetAdapterTableInfo, free_adapter_entry_content>;
-using Gpus = Records<getGpuInfoEntry, freeGpuInfoEntry>;
-using Modules = Records<getMemoryTableInfo, freeMemInfoEntry>;
-using Processors = Records<getCpuTableInfo, freeCpuInfoEntry>;
-
 const std::string item = "xyz.openbmc_project.Inventory.Item.";
 const std::string board =
     "/xyz/openbmc_project/inventory/system/chassis/motherboard/";
@@ -24,17 +18,18 @@ TEST(Inventory, IsThatOfTheServer)
         std::size_t count;
         const char* second;
     } const tables[]{
-        {linesOf<Slots>(Machine::server()), 8, "0|PCIe slot 2||PCIE2|0|0|0"},
-        {linesOf<Adapters>(Machine::server()), 2,
+        {linesOf<getPcieTableInfo>(Machine::server()), 8,
+         "0|PCIe slot 2||PCIE2|0|0|0"},
+        {linesOf<getNetAdapterTableInfo>(Machine::server()), 2,
          "0|nic1|Pellagic Networks|PN-100D OCP|QSFP28|Ethernet|2|0|0"},
-        {linesOf<Gpus>(Machine::server()), 2,
+        {linesOf<getGpuInfoEntry>(Machine::server()), 2,
          "0|Umbrafell U48|Umbrafell Graphics|UG-U48-P2|UG48K660021|49152|49|"
          "36|142|0|0"},
-        {linesOf<Modules>(Machine::server()), 16,
+        {linesOf<getMemoryTableInfo>(Machine::server()), 16,
          "0|dimm1|Osprune Memory|OM5R64G56-2|6C413A17|DDR5|RDIMM|"
          "P0_Node0_Channel1_Dimm0|CPU0_DIMM_B|MultiBitECC|5600|67108864|64|1|0|"
          "0"},
-        {linesOf<Processors>(Machine::server()), 2,
+        {linesOf<getCpuTableInfo>(Machine::server()), 2,
          "0|CPU1|Kelvane Micro|Kelvane K9 6430 32-Core Processor|K9-6430-A1|"
          "KX09L2260233|x86-64|2600|3800|32|64|2048|2048|32768|131072|1|0|0"},
     };
@@ -47,7 +42,7 @@ TEST(Inventory, IsThatOfTheServer)
 }
 
 /** What the table makes of one object with these properties. */
-template <typename Table>
+template <auto Get>
 struct Variants
 {
     std::string path;
@@ -62,7 +57,7 @@ struct Variants
             const auto machine =
                 Machine().owns(path, "com.example.Inventory",
                                {{interface, changed(properties, changes)}});
-            EXPECT_EQ(linesOf<Table>(machine), lines) << changes;
+            EXPECT_EQ(linesOf<Get>(machine), lines) << changes;
         }
     }
 };
@@ -70,7 +65,7 @@ struct Variants
 TEST(PcieSlots, ConvertTheirPresence)
 {
     const std::string unknown = "0|null|Maker||0|0|0";
-    Variants<Slots>{
+    Variants<getPcieTableInfo>{
         "/slot",
         item + "PCIeSlot",
         {{"Manufacturer", text("Maker")}, {"LocationCode", text("")}},
@@ -86,22 +81,23 @@ TEST(PcieSlots, ConvertTheirPresence)
 
 TEST(Gpus, MayLackTextsButNoNumbers)
 {
-    Variants<Gpus>{board + "gpu",
-                   item + "Gpu",
-                   {{"SerialNumber", text("")},
-                    {"TotalMemory", property("u", 8192)},
-                    {"Temperature", property("d", -3.75)},
-                    {"FanLevel", property("y", 0)},
-                    {"CurrentPower", property("u", 2147483647)}},
-                   {{{}, {"0", "0|null|null|null||8192|-3|0|2147483647|0|0"}},
-                    {{{"FanLevel", nullptr}},
-                     {nullText, "0|null|null|null||8192|-3|0|0|0|0"}}}}
+    Variants<getGpuInfoEntry>{
+        board + "gpu",
+        item + "Gpu",
+        {{"SerialNumber", text("")},
+         {"TotalMemory", property("u", 8192)},
+         {"Temperature", property("d", -3.75)},
+         {"FanLevel", property("y", 0)},
+         {"CurrentPower", property("u", 2147483647)}},
+        {{{}, {"0", "0|null|null|null||8192|-3|0|2147483647|0|0"}},
+         {{{"FanLevel", nullptr}},
+          {nullText, "0|null|null|null||8192|-3|0|0|0|0"}}}}
         .expect();
 }
 
 TEST(MemoryModules, HaveTheWordsOfEnumerations)
 {
-    Variants<Modules>{
+    Variants<getMemoryTableInfo>{
         "/dimm3",
         item + "Dimm",
         {{"MemoryType", text("")},
@@ -122,7 +118,7 @@ TEST(MemoryModules, HaveTheWordsOfEnumerations)
 
 TEST(Processors, AreNamedByTheirLocation)
 {
-    Variants<Processors>{
+    Variants<getCpuTableInfo>{
         "/cpu",
         item + "Cpu",
         {{"LocationCode", text("CPU 1")},

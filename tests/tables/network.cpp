@@ -6,8 +6,6 @@ namespace morvath::tests
 namespace
 {
 
-using Interfaces = Records<getNetworkTableInfo, freeBmcNetworkInfoEntry>;
-
 constexpr auto service = "xyz.openbmc_project.Network";
 constexpr auto nic = "xyz.openbmc_project.Network.EthernetInterface";
 constexpr auto ip = "xyz.openbmc_project.Network.IP";
@@ -37,7 +35,7 @@ Machine oneAddress(const Json& changes)
 
 TEST(NetworkInterfaces, AreThoseOfTheServer)
 {
-    EXPECT_EQ(linesOf<Interfaces>(Machine::server()),
+    EXPECT_EQ(linesOf<getNetworkTableInfo>(Machine::server()),
               (Lines{"0",
                      "0|eth0|5a:3c:9b:10:22:04|10.20.30.41|10.20.30.1|"
                      "255.255.255.0|1|1|0|0|0",
@@ -56,7 +54,7 @@ TEST(NetworkInterfaces, HaveTheNetmaskOfThePrefix)
     for (const auto& [prefix, mask] : cases)
     {
         const Json change{{"PrefixLength", property("i", prefix)}};
-        EXPECT_EQ(linesOf<Interfaces>(oneAddress(change))[1],
+        EXPECT_EQ(linesOf<getNetworkTableInfo>(oneAddress(change))[1],
                   "0|eth0|5a:00|10.0.0.1|null|" + mask + "|1|1|0|0|0");
     }
 }
@@ -98,14 +96,15 @@ TEST(NetworkInterfaces, ShowTheFirstAddress)
     };
     for (const auto& [what, machine, outcome, fields] : cases)
     {
-        EXPECT_EQ(linesOf<Interfaces>(machine),
+        EXPECT_EQ(linesOf<getNetworkTableInfo>(machine),
                   (Lines{outcome, "0|eth0|5a:00|" + fields + "|0|0|0"}))
             << what;
     }
     const Json vlan{{"InterfaceName", text("eth0.100")}};
-    EXPECT_EQ(linesOf<Interfaces>(interface(vlan))[1],
+    EXPECT_EQ(linesOf<getNetworkTableInfo>(interface(vlan))[1],
               "0|eth0.100|5a:00|-|null|-|3|1|0|0|0");
-    EXPECT_EQ(linesOf<Interfaces>(interface({{"InterfaceName", nullptr}}))[0],
+    EXPECT_EQ(linesOf<getNetworkTableInfo>(
+                  interface({{"InterfaceName", nullptr}}))[0],
               nullText);
 }
 

@@ -8,8 +8,6 @@ namespace morvath::tests
 namespace
 {
 
-using Ports = Records<getNetPortTableInfo, free_port_entry_content>;
-
 constexpr auto service = "xyz.openbmc_project.Smbios.MDR_V2";
 constexpr auto portInterface = "xyz.openbmc_project.Inventory.Item.NetworkPort";
 const Json adapter{
@@ -33,7 +31,7 @@ Machine onePort(const Json& changes)
 
 TEST(NetworkPorts, AreThoseOfTheServer)
 {
-    EXPECT_EQ(linesOf<Ports>(Machine::server()),
+    EXPECT_EQ(linesOf<getNetPortTableInfo>(Machine::server()),
               (Lines{"0",
                      "0|nic0|port0|5a:3c:9b:44:10:00|0000:3b:00.0|Fibre|25|1|1|"
                      "0.0%|0|0",
@@ -74,7 +72,7 @@ TEST(NetworkPorts, ConvertTheirNumbers)
     for (const auto& [changes, outcome, fields] : cases)
     {
         EXPECT_EQ(
-            linesOf<Ports>(onePort(changes)),
+            linesOf<getNetPortTableInfo>(onePort(changes)),
             (Lines{outcome, "0|nic-1|port1|null|null|null|" + fields + "|0|0"}))
             << changes;
     }
@@ -94,7 +92,7 @@ TEST(NetworkPorts, EndAtAnAdapterThatIsNotListed)
                 .owns(root + "a", service, adapter)
                 .fault({{"member", "GetSubTree"}, {"call", call}},
                        {{"error", "com.example.Busy"}});
-        EXPECT_EQ(linesOf<Ports>(machine), lines) << call;
+        EXPECT_EQ(linesOf<getNetPortTableInfo>(machine), lines) << call;
     }
 }
 
@@ -117,14 +115,18 @@ TEST(NetworkPorts, SetTheCounterUnlessThereAreNoAdapters)
     {
         sim::Platform platform(one.machine.scenario());
         PortInfoEntry preset{};
-        Ports ports{&preset, 5};
-        EXPECT_EQ(ports.read(), 0) << one.what;
-        EXPECT_EQ(ports.count, one.count) << one.what;
-        EXPECT_EQ(ports.records == &preset, one.count == 5) << one.what;
-        if (ports.records == &preset)
-        {
-            ports.records = nullptr;
-        }
+        PortInfoEntry* records = &preset;
+        int32_t count = 5;
+        Records<PortInfoEntry> owner;
+        const auto read = [&](PortInfoEntry** array, int32_t* counter) {
+            const auto code = getNetPortTableInfo(&records, &count);
+            *array = records == &preset ? nullptr : records;
+            *counter = count;
+            return code;
+        };
+        EXPECT_EQ(owner.fill(read), 0) << one.what;
+        EXPECT_EQ(count, one.count) << one.what;
+        EXPECT_EQ(records == &preset, one.count == 5) << one.what;
     }
 }
 

@@ -10,8 +10,6 @@ constexpr auto service = "xyz.openbmc_project.Inventory.Manager";
 constexpr auto supply = "xyz.openbmc_project.Inventory.Item.PowerSupply";
 const std::string root = "/xyz/openbmc_project/inventory/system/powersupply/";
 
-using PowerSupplies = Records<getPsuTableInfo, freePsuInfoEntry>;
-
 Machine supplies(const std::vector<Json>& properties)
 {
     Machine machine;
@@ -26,7 +24,7 @@ Machine supplies(const std::vector<Json>& properties)
 TEST(PowerSupplies, AreThoseOfTheServer)
 {
     sim::Platform platform(sim::Scenario::standard());
-    EXPECT_EQ(linesOf<PowerSupplies>(),
+    EXPECT_EQ(linesOf<getPsuTableInfo>(),
               (Lines{"0",
                      "0|powersupply0|Tarnwick Power|TP-800-PT|TW800A6620071|"
                      "800|1.4.2|0|0",
@@ -40,11 +38,11 @@ TEST(PowerSupplies, HaveNullForWhatIsMissing)
 {
     const auto machine =
         supplies({{{"Name", text("left")}, {"PartNumber", text("")}}});
-    EXPECT_EQ(linesOf<PowerSupplies>(machine),
+    EXPECT_EQ(linesOf<getPsuTableInfo>(machine),
               (Lines{"0", "0|left|null||null|800|null|0|0"}));
     const auto fan = Machine().owns(root + "fan", service,
                                     {{"com.example.Fan", Json::object()}});
-    EXPECT_EQ(linesOf<PowerSupplies>(fan), Lines{"0"});
+    EXPECT_EQ(linesOf<getPsuTableInfo>(fan), Lines{"0"});
 }
 
 TEST(PowerSupplies, AreCountedUpToOneThatCannotBeRead)
@@ -52,10 +50,12 @@ TEST(PowerSupplies, AreCountedUpToOneThatCannotBeRead)
     const auto dying = Machine::server().fault(
         {{"member", "GetAll"}, {"call", 2}}, {{"die", true}});
     sim::Platform platform(dying.scenario());
-    PowerSupplies table;
-    EXPECT_EQ(outcomeOf([&] { return table.read(); }), "bus-error");
-    EXPECT_EQ(table.records, nullptr);
-    EXPECT_EQ(table.count, 1);
+    PsuInfoEntry* records = nullptr;
+    int32_t count = 0;
+    EXPECT_EQ(outcomeOf([&] { return getPsuTableInfo(&records, &count); }),
+              "bus-error");
+    EXPECT_EQ(records, nullptr);
+    EXPECT_EQ(count, 1);
 }
 
 TEST(PowerSupplies, FollowACounterThatWasNotZero)
@@ -79,15 +79,23 @@ TEST(PowerSupplies, FollowACounterThatWasNotZero)
     for (const auto& one : cases)
     {
         PsuInfoEntry preset{};
-        PowerSupplies table{&preset, one.before};
-        Lines lines{outcomeOf([&] { return table.read(); })};
-        for (int32_t index = 0; index < table.count; ++index)
+        PsuInfoEntry* records = &preset;
+        int32_t count = one.before;
+        Records<PsuInfoEntry> table;
+        const auto read = [&](PsuInfoEntry** array, int32_t* counter) {
+            const auto code = getPsuTableInfo(&records, &count);
+            *array = records;
+            *counter = count;
+            return code;
+        };
+        Lines lines{outcomeOf([&] { return table.fill(read); })};
+        for (const auto& record : table)
         {
-            lines.push_back(lineOf(table.records[index]));
+            lines.push_back(lineOf(record));
         }
         EXPECT_EQ(lines, one.lines);
-        EXPECT_EQ(table.count, one.after);
-        EXPECT_EQ(table.records == nullptr, one.after < 0);
+        EXPECT_EQ(count, one.after);
+        EXPECT_EQ(records == nullptr, one.after < 0);
     }
 }
 

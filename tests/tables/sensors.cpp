@@ -10,12 +10,10 @@ int32_t getAirflows(BmcSensorEntry** outArray, int32_t* outCount)
 {
     return getCommonSensorTableInfo(outArray, outCount, "/air", "com.Flow");
 }
-using Airflows = Records<getAirflows, freeBmcSensorEntry>;
-
 template <auto Get>
 Lines linesOfServer()
 {
-    return linesOf<Records<Get, freeBmcSensorEntry>>(Machine::server());
+    return linesOf<Get>(Machine::server());
 }
 
 TEST(Sensors, OfEachClassAreThoseOfTheServer)
@@ -91,7 +89,7 @@ TEST(Sensors, HaveOrLackLimitsByTheFirstAlarm)
         const auto machine =
             Machine().owns("/air/_31st", "com.example.Inventory",
                            {{"com.Flow", changed(properties, changes)}});
-        EXPECT_EQ(linesOf<Airflows>(machine), lines) << changes;
+        EXPECT_EQ(linesOf<getAirflows>(machine), lines) << changes;
     }
 }
 

@@ -1,9 +1,13 @@
 #!/bin/bash
 # SPDX-License-Identifier: Apache-2.0
-# Completes command lines as the shells do: completion.bash FOLDER
-# FOLDER has the completion of both programs for bash and zsh.
-scripts=$(realpath "$1")
+# Completes command lines as the shells do:
+# completion.bash BASH_SCRIPT ZSH_SCRIPT PROGRAM...
 failures=0
+bash_script=$(realpath "$1")
+zsh_script=$(realpath "$2")
+for program in "${@:3}"; do
+    PATH=$(dirname "$(realpath "$program")"):$PATH
+done
 
 # Prints what bash finds for the end of a line, which may begin a word.
 in_bash() {
@@ -11,7 +15,7 @@ in_bash() {
     [[ $1 == *' ' ]] && COMP_WORDS+=('')
     COMP_CWORD=$((${#COMP_WORDS[@]} - 1))
     COMPREPLY=()
-    "_${COMP_WORDS[0]//-/_}" 2>/dev/null
+    "$(complete -p "${COMP_WORDS[0]}" | grep -o '_morvath[a-z_]*')" 2>/dev/null
     printf '%s\n' "${COMPREPLY[@]}"
 }
 
@@ -53,15 +57,20 @@ completes() {
     fi
 }
 
-. "$scripts/morvath" && . "$scripts/morvath-sim" || exit 1
+. "$bash_script" || exit 1
 folder=$(mktemp -d)
 trap 'rm -r "$folder"' EXIT
-cd "$folder" && touch sample.json 'my sample' || exit 1
+# Where zsh looks for its completion.
+scripts=$folder
+cp "$zsh_script" "$scripts/_morvath"
+mkdir "$folder/files"
+cd "$folder/files" && touch sample.json 'my sample' || exit 1
 
 while IFS='|' read -r line expected; do
     completes bash "$line" "$expected"
 done <<'LINES'
-morvath |facts get sensors set show
+morvath |facts get metrics overview sensors set show
+morvath s|sensors set show
 morvath --v|--version
 morvath show p|pcie-slots power-supplies powers processors pwms
 morvath show memory --json g|gpus
@@ -77,6 +86,8 @@ morvath set lldp nic0 port0 |off on
 morvath-sim s|scenario serve
 morvath-sim scenario --scenario s|sample.json
 morvath-sim scenario --scenario = my|my sample
+morvath sensors --class=te|temperatures
+morvath sensors --sort |name reading state
 morvath-sim run mktem|mktemp
 morvath-sim run -- mktemp sa|sample.json
 LINES

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "sim/memory_file.hpp"
+#include "sim/process.hpp"
 #include "support/machine.hpp"
 #include "support/program.hpp"
 

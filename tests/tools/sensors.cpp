@@ -40,57 +40,87 @@ Json limits(bool isWarning, bool isCritical)
             {"WarningHigh", property("d", 9000)}};
 }
 
-sim::Scenario sensorsInAllStates()
+Machine sensorsInAllStates()
 {
     Machine machine;
     addSensor(machine, "fan_pwm/e", 12.345);
-    addSensor(machine, "fan_tach/a", 800, limits(false, false));
+    addSensor(machine, "fan_tach/a10", 800, limits(false, false));
+    addSensor(machine, "fan_tach/a2", 800, limits(false, false));
+    addSensor(machine, "utilization/f", 7);
     addSensor(machine, "fan_tach/b", 9001, limits(true, false));
     addSensor(machine, "fan_tach/c", 400, limits(true, true));
     addSensor(machine, "fan_tach/d", "nan", limits(false, true));
-    return machine.scenario();
+    return machine;
 }
 
-TEST(Sensors, AreOneTableOfAllClasses)
+TEST(Sensors, AreOneTableWithAlarmsFirst)
 {
-    sim::Platform platform(sensorsInAllStates());
+    auto machine = sensorsInAllStates();
+    sim::Platform platform(machine.scenario());
     const auto all = run("MORVATH", "sensors");
     EXPECT_EQ(all.status, 0);
     EXPECT_EQ(all.errors, "");
-    EXPECT_EQ(all.output,
-              "CLASS  NAME  READING  UNIT  STATE       CRIT LOW  WARN LOW  "
-              "WARN HIGH  CRIT HIGH\n"
-              "fans   a     800.00   RPMS  ok          500.00    n/a       "
-              "9000.00    nan\n"
-              "fans   b     9001.00  RPMS  warning     500.00    n/a       "
-              "9000.00    nan\n"
-              "fans   c     400.00   RPMS  critical    500.00    n/a       "
-              "9000.00    nan\n"
-              "fans   d     nan      RPMS  no reading  500.00    n/a       "
-              "9000.00    nan\n"
-              "pwms   e     12.35    RPMS  no limits   -         -         "
-              "-          -\n");
+    EXPECT_EQ(
+        all.output,
+        "CLASS        NAME    READING  STATE      CRIT LOW  WARN LOW  WARN HIGH"
+        "  CRIT HIGH\n"
+        "fans         c       400 RPM  critical        500         -       9000"
+        "          -\n"
+        "fans         d             -  critical        500         -       9000"
+        "          -\n"
+        "fans         b      9001 RPM  warning         500         -       9000"
+        "          -\n"
+        "fans         a2      800 RPM  ok              500         -       9000"
+        "          -\n"
+        "fans         a10     800 RPM  ok              500         -       9000"
+        "          -\n"
+        "pwms         e     12.35 RPM  no limits         -         -          -"
+        "          -\n"
+        "utilization  f         7 RPM  no limits         -         -          -"
+        "          -\n");
+    EXPECT_EQ(
+        run("MORVATH", "sensors --csv 'a*' f --no-legend").output,
+        "fans,a10,800.0,RPMS,ok,500.0,,9000.0,,,,false,false,false,false\n"
+        "fans,a2,800.0,RPMS,ok,500.0,,9000.0,,,,false,false,false,false\n"
+        "utilization,f,7.0,RPMS,no limits,,,,,,,false,false,false,false\n");
 }
 
-TEST(Sensors, AreColouredOnATerminalOnly)
+TEST(Sensors, AreColouredWhereThatIsWanted)
 {
-    sim::Platform platform(sensorsInAllStates());
-    const auto onTerminal = [](const std::string& variable) {
-        return run(variable +
-                       R"( sh -c 'script -qec "$*" /dev/null' - MORVATH)",
-                   "sensors")
-            .output;
+    auto machine = sensorsInAllStates();
+    sim::Platform platform(machine.scenario());
+    struct
+    {
+        const char* terminal;
+        const char* arguments;
+        bool isColoured;
+    } const cases[]{
+        {"xterm", "", true},
+        {"xterm", "--color never", false},
+        {"xterm", "--plain", false},
+        {"dumb", "", false},
+        {"dumb", "--color always", true},
+        {"xterm NO_COLOR=1", "", false},
+        {"xterm NO_COLOR=1", "--color=always", true},
     };
-    const auto shown = onTerminal("env -u NO_COLOR");
-    EXPECT_NE(shown.find("\x1b[33mfans   b "), std::string::npos) << shown;
-    EXPECT_NE(shown.find("\x1b[1;31mfans   c "), std::string::npos) << shown;
-    EXPECT_NE(shown.find("\nfans   a "), std::string::npos) << shown;
-    EXPECT_EQ(onTerminal("env NO_COLOR=1").find('\x1b'), std::string::npos);
+    for (const auto& [terminal, arguments, isColoured] : cases)
+    {
+        const auto shown =
+            run("env -u NO_COLOR TERM=" + std::string(terminal) +
+                    R"( sh -c 'script -qec "$*" /dev/null' - MORVATH)",
+                std::string("sensors ") + arguments)
+                .output;
+        EXPECT_EQ(shown.find("\x1b[33m") != shown.npos, isColoured)
+            << terminal << arguments;
+        EXPECT_NE(shown.find("9001"), shown.npos) << shown;
+    }
+    EXPECT_EQ(run("MORVATH", "sensors").output.find('\x1b'), std::string::npos);
 }
 
 TEST(Sensors, AreReadAgainUntilASignal)
 {
-    sim::Platform platform(sensorsInAllStates());
+    auto machine = sensorsInAllStates();
+    sim::Platform platform(machine.scenario());
     for (const auto signal : {SIGINT, SIGTERM})
     {
         std::array<int, 2> ends;
@@ -135,8 +165,10 @@ TEST(Sensors, StandInForNoneThatCouldNotBeRead)
     sim::Platform platform(machine.scenario());
     const auto shown = run("MORVATH", "sensors --no-legend");
     EXPECT_EQ(shown.status, 1);
-    EXPECT_EQ(shown.output, "powers  b  2.00  RPMS  no limits  -  -  -  -\n");
-    EXPECT_TRUE(shown.errors.starts_with("morvath: currents: sd_bus_call: "))
+    EXPECT_EQ(shown.output, "powers  b  2 RPM  no limits  -  -  -  -\n");
+    EXPECT_TRUE(shown.errors.starts_with(
+        "morvath: currents: /xyz/openbmc_project/sensors/current/a: "
+        "com.example.Sensors: org.freedesktop.DBus.Error.UnknownObject"))
         << shown.errors;
 }
 

@@ -4,6 +4,11 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <cstring>
 #include <sstream>
 
 namespace morvath::tests
@@ -72,9 +77,8 @@ TEST(Usage, MisuseIsToldWithWhatWasPerhapsMeant)
     struct
     {
         const char* arguments;
-        const char* error;
+        std::string error;
     } const cases[]{
-        {"", "A subcommand is required"},
         {"shwo", "no command 'shwo'; did you mean 'show'?"},
         {"exhibit", "no command 'exhibit'"},
         {"show", "TABLE or --all is required"},
@@ -83,22 +87,24 @@ TEST(Usage, MisuseIsToldWithWhatWasPerhapsMeant)
         {"show memory --jsn", "no option '--jsn'; did you mean '--json'?"},
         {"show memory --timout=3",
          "no option '--timout'; did you mean '--timeout'?"},
-        {"show memory --descrbe", "no option '--descrbe'"},
         {"show --all memory", "TABLE excludes --all"},
         {"sensors --watch 0",
-         "--watch: Value 0 not in range 0.001000 to 86400.000000"},
-        {"sensors memory", "unexpected 'memory'"},
+         "--watch: 0 is not between 0.001 and 86400 seconds"},
+        {"facts memory", "unexpected 'memory'"},
         {"get bmcversion", "no fact 'bmcversion'; did you mean "
                            "'bmc-version'?"},
         {"set power-contrl off", "no command 'power-contrl'; did you mean "
                                  "'power-control'?"},
         {"get", "FACT or --all is required"},
-        {"set", "a setting is required"},
+        {"set", "A subcommand is required"},
         {"set board-name x", "board-name cannot be set"},
         {"set time", "VALUE is required"},
         {"set time 1s",
-         "time: \"1s\" is not a whole number of seconds, from -2147483648 to "
-         "2147483647"},
+         "time: \"1s\" is not now, seconds since 1970, or a time "
+         "such as 2026-11-21T14:30:00Z"},
+        {"set time 1969-12-31T23:59:59Z",
+         "time: \"1969-12-31T23:59:59Z\" is not now, seconds since 1970, or a "
+         "time such as 2026-11-21T14:30:00Z"},
         {"set power-control 5",
          "power-control: \"5\" is not off, on, reboot, graceful-warm-reboot, "
          "force-warm-reboot or 0 to 4"},
@@ -106,11 +112,19 @@ TEST(Usage, MisuseIsToldWithWhatWasPerhapsMeant)
         {"set power-restore-policy never",
          "power-restore-policy: \"never\" is not AlwaysOn, AlwaysOff or "
          "LastState"},
+        {"set power-restore-policy A",
+         "power-restore-policy: \"A\" is not AlwaysOn, AlwaysOff or "
+         "LastState"},
         {"set ntp-servers ntp.example",
-         "ntp-servers: \"ntp.example\" is not one to three IPv4 addresses "
-         "with blanks in between"},
+         "ntp-servers: \"ntp.example\" is not one to three IPv4 addresses"},
+        {"set system-asset-tag $(printf %0200d 1)",
+         "system-asset-tag: \"" + std::string(59, '0') +
+             "…\" is not a text of at most 199 bytes"},
+        {"show memory fans --csv", "--csv takes one table"},
+        {"sensors --json --csv", "--csv excludes --json"},
+        {"sensors --color red", "no when 'red'"},
         {"set lldp nic0 port1", "STATE is required"},
-        {"set lldp nic0 port1 ON", "STATE: ON not in {on,off}"},
+        {"set lldp nic0 port1 ON", "no state 'ON'"},
         {"set lldp nic-0 port1 on",
          "ADAPTER: \"nic-0\" is no segment of an object path"},
     };
@@ -120,11 +134,92 @@ TEST(Usage, MisuseIsToldWithWhatWasPerhapsMeant)
         const auto misuse = run("MORVATH", arguments);
         EXPECT_EQ(misuse.status, 2) << arguments;
         EXPECT_EQ(misuse.output, "") << arguments;
-        EXPECT_EQ(misuse.errors, "morvath: " + std::string(error) + '\n');
+        EXPECT_EQ(misuse.errors, "morvath: " + error + '\n');
     }
     EXPECT_TRUE(platform.calls().empty());
     EXPECT_EQ(run("MORVATH_SIM", "run --lgo x -- true").errors,
               "morvath-sim: no option '--lgo'; did you mean '--log'?\n");
+}
+
+TEST(Usage, StatusesTellWhatScriptsAskFor)
+{
+    const std::string sensors = "/xyz/openbmc_project/sensors/";
+    const auto unread = Machine::server().fault(
+        {{"path", sensors + "voltage/P5V"}}, {{"error", "com.example.No"}});
+    struct
+    {
+        Machine machine;
+        const char* arguments;
+        int status;
+    } const cases[]{
+        {Machine::server(), "sensors", 0},
+        {Machine::server(), "sensors --check", 3},
+        {Machine::server(), "sensors --check --class temperatures", 4},
+        {Machine::server(), "sensors --check 'CPU*'", 0},
+        {Machine::server(), "sensors --check --alarms 'CPU*'", 0},
+        {Machine::server(), "sensors NONE", 1},
+        {Machine::server(), "sensors --class none", 1},
+        {Machine::server(), "overview", 0},
+        {unread, "sensors --check", 3},
+        {unread, "sensors --check --class voltages", 1},
+        {unread, "sensors", 1},
+        {unread, "overview", 1},
+        {Machine(), "sensors --check", 0},
+        {Machine().withoutMapper(), "sensors", 1},
+    };
+    for (const auto& [machine, arguments, status] : cases)
+    {
+        sim::Platform platform(machine.scenario());
+        EXPECT_EQ(run("MORVATH", arguments).status, status) << arguments;
+    }
+}
+
+TEST(Usage, NeedsNoBusToTellOfItself)
+{
+    for (const auto* arguments :
+         {"--version", "--help", "set --help", "facts", "--complete sh"})
+    {
+        const auto told = run("env DBUS_SESSION_BUS_ADDRESS=unix:path=/none "
+                              "MORVATH",
+                              arguments);
+        EXPECT_EQ(told.status, 0) << arguments;
+        EXPECT_EQ(told.errors, "") << arguments;
+        EXPECT_NE(told.output, "") << arguments;
+    }
+}
+
+TEST(Usage, SaysWhatIsWrongWithABus)
+{
+    // They accept the connection, and say nothing or go away.
+    struct
+    {
+        const char* bus;
+        const char* error;
+    } const cases[]{
+        {"/tmp/morvath-mute", ": no answer within 0.2 s; restart the bus"},
+        {"/tmp/morvath-none", ": No such file or directory; start the bus"},
+    };
+    sockaddr_un address{AF_UNIX, {}};
+    std::strcpy(address.sun_path, cases[0].bus);
+    unlink(address.sun_path);
+    const int mute = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    ASSERT_EQ(
+        bind(mute, reinterpret_cast<sockaddr*>(&address), sizeof(address)), 0);
+    ASSERT_EQ(listen(mute, 1), 0);
+    for (const auto& [bus, error] : cases)
+    {
+        const auto failed =
+            run("env DBUS_SESSION_BUS_ADDRESS=unix:path=" + std::string(bus) +
+                    " MORVATH",
+                "sensors --timeout 0.2");
+        EXPECT_EQ(failed.status, 1) << bus;
+        EXPECT_TRUE(failed.errors.starts_with(
+            "morvath: cannot connect to the bus at unix:path=" +
+            std::string(bus) + error))
+            << failed.errors;
+    }
+    close(mute);
+    unlink(address.sun_path);
 }
 
 } // namespace

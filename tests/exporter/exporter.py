@@ -1,0 +1,396 @@
+#!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
+"""What the exporter and "morvath metrics" answer, whatever happens."""
+
+import gzip
+import json
+import os
+import re
+import resource
+import shlex
+import socket
+import subprocess
+import tempfile
+import threading
+import time
+import unittest
+from pathlib import Path
+
+from harness import (EXPORTER, MORVATH, PATIENCE, SIM, TABLES, exporter, failed,
+                     reading, samples, scenario, served)
+
+ROOT = Path(__file__).resolve().parents[2]
+SENSORS = "/xyz/openbmc_project/sensors"
+UNIT = "xyz.openbmc_project.Sensor.Value.Unit"
+# What tells the columns of a sensor from what they are for Prometheus.
+CLASSES = {"temperatures": ("temperature", "temperature_celsius", 1),
+           "fans": ("fan", "fan_speed_rpm", 1),
+           "voltages": ("voltage", "voltage_volts", 1),
+           "currents": ("current", "current_amperes", 1),
+           "powers": ("power", "power_watts", 1),
+           "pwms": ("pwm", "pwm_ratio", 0.01)}
+LIMITS = {"criticalHigh": "critical_high", "criticalLow": "critical_low",
+          "warningHigh": "warning_high", "warningLow": "warning_low"}
+STATES = {"ok": 0, "no limits": 0, "warning": 1, "critical": 2}
+
+
+def on_server(commands, document=None):
+    """The outputs of commands on a simulated server."""
+    with tempfile.TemporaryDirectory() as folder:
+        options = scenario(folder, document) if document else []
+        outputs = [Path(folder, str(number)) for number in range(len(commands))]
+        line = "; ".join(f"{shlex.join(MORVATH)} {command} >{output}"
+                         for command, output in zip(commands, outputs))
+        subprocess.run([*SIM, "run", *options, "--", "sh", "-c", line],
+                       timeout=PATIENCE, stderr=subprocess.DEVNULL)
+        return [output.read_bytes() for output in outputs]
+
+
+def sensor(name, value, unit="DegreesC"):
+    return {"path": f"{SENSORS}/temperature/{name}", "services": [
+        {"name": "xyz.openbmc_project.Test", "interfaces": {
+            "xyz.openbmc_project.Sensor.Value": {
+                "Value": {"type": "d", "value": value},
+                "Name": {"type": "s", "value": "x"},
+                "Unit": {"type": "s", "value": f"{UNIT}.{unit}"}}}}]}
+
+
+def named(name, value):
+    changed = sensor("hostile" + str(abs(hash(name))), value)
+    interfaces = changed["services"][0]["interfaces"]
+    interfaces["xyz.openbmc_project.Sensor.Value"]["Name"]["value"] = name
+    return changed
+
+
+def resident(process):
+    status = Path(f"/proc/{process.pid}/status").read_text()
+    return int(status.split("VmRSS:")[1].split()[0])
+
+
+def readers(process):
+    """Processes that were started by an exporter."""
+    return Path(f"/proc/{process.pid}/task/{process.pid}/children"
+                ).read_text().split()
+
+
+class Metrics(unittest.TestCase):
+    def test_they_say_what_the_tables_say(self):
+        text, tables = on_server(["metrics", "show --all --json"])
+        found = samples(text.decode())
+        tables = json.loads(tables)["tables"]
+        self.assertEqual(failed(found), set())
+        expected = {}
+        for table, (name, metric, factor) in CLASSES.items():
+            for row in tables[table]:
+                label = f'sensor="{row["name"]}"'
+                own = (f'class="{name}"', label)
+                expected["morvath_sensor_available", *own] = (
+                    row["value"] is not None)
+                if row["value"] is not None:
+                    expected[f"morvath_{metric}", label] = (
+                        row["value"] * factor)
+                    expected["morvath_sensor_state", *own] = (
+                        STATES[row["state"]])
+                for key, limit in LIMITS.items():
+                    if row[key] is not None:
+                        expected["morvath_sensor_limit", own[0],
+                                 f'limit="{limit}"', label] = row[key] * factor
+        for row in tables["memory"]:
+            label = f'module="{row["name"]}"'
+            expected["morvath_memory_module_size_bytes", label] = (
+                row["sizeKiB"] * 1024)
+            expected["morvath_memory_module_present", label] = row["present"]
+        for row in tables["disks"]:
+            label = f'disk="{row["name"]}"'
+            expected["morvath_disk_usage_ratio", label] = (
+                int(row["usage"]) / 100)
+            expected["morvath_disk_temperature_celsius", label] = (
+                row["temperatureCelsius"])
+        for row in tables["network-ports"]:
+            label = (f'adapter="{row["adapter"]}"', f'port="{row["name"]}"')
+            expected["morvath_network_port_speed_bytes_per_second", *label] = (
+                row["maxSpeedGbps"] * 125e6)
+        expected["morvath_firmware_info", 'component="bmc"',
+                 'version="3.2.1-r0"'] = 1
+        expected["morvath_host_power_state", 'state="PowerOn"'] = 1
+        expected["morvath_host_power_state", 'state="PowerOff"'] = 0
+        expected["morvath_sensor_alarm", 'alarm="critical_low"', 'class="fan"',
+                 'sensor="FAN4"'] = 1
+        expected["morvath_sensor_alarm", 'alarm="critical_low"', 'class="fan"',
+                 'sensor="FAN1"'] = 0
+        # Two of one name stay apart.
+        expected["morvath_gpu_power_watts", 'gpu="Umbrafell U48"'] = 187
+        expected["morvath_gpu_power_watts", 'gpu="Umbrafell U48#2"'] = 142
+        for key, value in expected.items():
+            self.assertAlmostEqual(found.get(key), value, msg=key)
+        for key in found:
+            if key[0] in ("morvath_sensor_limit", "morvath_fan_speed_rpm",
+                          "morvath_temperature_celsius"):
+                self.assertIn(key, expected)
+
+    def test_they_are_documented(self):
+        text, = on_server(["metrics"])
+        documented = re.findall(
+            r"`(morvath_\w+)`",
+            "".join(re.findall(r"^\| (`morvath_[^|]*)\|",
+                               (ROOT / "docs/exporter.md").read_text(), re.M)))
+        self.assertEqual(
+            sorted({key[0] for key in samples(text.decode())}
+                   | {"morvath_scrape_success"}), sorted(documented))
+
+    def test_hostile_names_cost_nothing(self):
+        names = ['"} 1\nmorvath_forged 1\n', "back\\slash", "\\", '"',
+                 "x" * 5000, "é" * 500, "tab\tand\x01\x7f\x1b[31m", "", "",
+                 "same", "same", "same#2", "{}", "# EOF"]
+        objects = [named(name, number) for number, name in enumerate(names)]
+        for number, one in enumerate(objects):
+            one["path"] += f"_{number}"
+        text, = on_server(["metrics"], {"objects": objects})
+        found = samples(text.decode())
+        values = {value for key, value in found.items()
+                  if key[0] == "morvath_temperature_celsius"}
+        self.assertLessEqual(set(range(len(names))), values)
+        self.assertEqual(failed(found), set())
+
+    def test_tables_that_are_missing_are_no_failure(self):
+        with tempfile.TemporaryDirectory() as folder:
+            scenario(folder, {})
+            empty = Path(folder, "scenario.json")
+            empty.write_text('{"format": 1, "objects": []}')
+            done = subprocess.run(
+                [*SIM, "run", "--scenario", empty, "--", *MORVATH, "metrics"],
+                timeout=PATIENCE, capture_output=True, text=True)
+        self.assertEqual(failed(samples(done.stdout)), set())
+        self.assertEqual(done.returncode, 0, done.stderr)
+
+
+class Faults(unittest.TestCase):
+    def test_a_hanging_service_loses_its_table_only(self):
+        hangs = {"faults": [{"when": {"service": "xyz.openbmc_project.FanSensor"},
+                             "then": {"silent": True}}]}
+        with served(hangs) as server:
+            start = time.monotonic()
+            found = server.scrape(timeout=10)
+            self.assertLess(time.monotonic() - start, 10)
+        self.assertEqual(failed(found), {"fans", "pwms"})
+        self.assertEqual(found["morvath_temperature_celsius",
+                               'sensor="Inlet_Temp"'], 23.5)
+
+    def test_a_mapper_that_hangs_or_is_gone_is_told(self):
+        for document in ({"mapper": False}, {"faults": [
+                {"when": {"service": "xyz.openbmc_project.ObjectMapper"},
+                 "then": {"silent": True}}]}):
+            with self.subTest(document), served(document) as server:
+                found = server.scrape(timeout=10)
+                self.assertLessEqual(set(CLASSES), failed(found))
+
+    def test_what_came_before_the_deadline_is_answered(self):
+        script = ('echo "# TYPE morvath_x gauge"; echo "morvath_x 1"\n'
+                  'echo \'morvath_table_success{table="fans"} 1\'\n'
+                  'printf "morvath_cut "; exec sleep 1000\n')
+        with reading(script) as (server, _):
+            start = time.monotonic()
+            answer, body = server.request(
+                X_Prometheus_Scrape_Timeout_Seconds="0.8")
+            self.assertLess(time.monotonic() - start, 0.8)
+            self.assertIn(b"morvath_x 1\n", body)
+            self.assertNotIn(b"morvath_cut", body)
+            self.assertIn(b'{table="fans"} 1\n', body)
+            self.assertIn(b'{table="voltages"} 0\n', body)
+            self.assertIn(b"\nmorvath_scrape_success 0\n", body)
+            self.assertEqual(readers(server.process), [])
+
+    def test_a_bad_reader_is_told_and_the_next_one_is_right(self):
+        scripts = {"killed": "kill -9 $$", "fails": "exit 3",
+                   "is endless": "exec yes", "is binary": "head -c 99999 "
+                   "/dev/urandom", "writes nothing": "exec sleep 1000",
+                   "leaves others": "sleep 1000 & sleep 1000"}
+        good = ('for t in %s; do echo "morvath_table_success{table=\\"$t\\"} 1"'
+                "; done" % " ".join(sorted(TABLES)))
+        for what, bad in scripts.items():
+            script = f"[ -e good ] || {{ {bad}\nexit; }}\n{good}\n"
+            with self.subTest(what), reading(script) as (server, folder):
+                _, body = server.request(
+                    X_Prometheus_Scrape_Timeout_Seconds="0.5")
+                self.assertIn(b"\nmorvath_scrape_success 0\n", body)
+                self.assertEqual(body.count(b"} 0\n"), len(TABLES))
+                self.assertEqual(readers(server.process), [])
+                (folder / "good").touch()
+                _, body = server.request()
+                self.assertIn(b"\nmorvath_scrape_success 1\n", body)
+        with exporter("--reader", "/nowhere") as server:
+            _, body = server.request()
+            self.assertIn(b"\nmorvath_scrape_success 0\n", body)
+
+    @unittest.skipIf(len(EXPORTER) > 1, "an emulator would need processes, too")
+    def test_a_failed_fork_is_told(self):
+        # Root has no limit; this user has no other process.
+        user = {"user": 54321, "group": 54321} if os.geteuid() == 0 else {}
+        def limit():
+            resource.setrlimit(resource.RLIMIT_NPROC, (1, 1))
+        with exporter("--reader", "/bin/true", cwd="/", preexec_fn=limit,
+                      **user) as server:
+            for _ in range(3):
+                _, body = server.request()
+                self.assertIn(b"\nmorvath_scrape_success 0\n", body)
+
+    def test_scrapes_share_a_reading(self):
+        script = ("echo x >>starts; echo 'morvath_x 1'\n"
+                  "while ! [ -e go ]; do sleep 0.01; done\n")
+        with reading(script) as (server, folder):
+            answers = []
+            threads = [threading.Thread(target=lambda: answers.append(
+                server.request())) for _ in range(8)]
+            for thread in threads:
+                thread.start()
+            # An impatient one does not end it for the others.
+            server.request(X_Prometheus_Scrape_Timeout_Seconds="0.2")
+            (folder / "go").touch()
+            for thread in threads:
+                thread.join()
+            self.assertEqual(len(answers), 8)
+            self.assertTrue(all(b"morvath_x 1" in body for _, body in answers))
+            self.assertEqual((folder / "starts").read_text(), "x\n")
+            self.assertEqual(readers(server.process), [])
+
+
+class Http(unittest.TestCase):
+    SCRIPT = ("echo '# TYPE morvath_a_info gauge'\n"
+              "echo 'morvath_a_info{a=\"1\"} 1'\necho 'morvath_b 1'\n"
+              "echo 'morvath_a_info{a=\"2\"} 1'\n"
+              "echo 'morvath_sensor_alarm{class=\"fan\",sensor=\"<i>\\\"&\","
+              "alarm=\"x\"} 1'\n")
+
+    def test_the_format_is_chosen_by_the_client(self):
+        openmetrics = "application/openmetrics-text"
+        cases = {
+            "": False, "*/*": False, "text/plain": False, openmetrics: True,
+            f"{openmetrics};version=1.0.0,text/plain;version=0.0.4;q=0.5": True,
+            f"{openmetrics};version=1.0.0;q=0.3, text/plain;q=0.9": False,
+            f"{openmetrics};q=0": False, f"{openmetrics};version=2.0.0": False,
+            f"{openmetrics.upper()} ; q=1": True, ";;,,=;q": False,
+        }
+        with reading(self.SCRIPT) as (server, _):
+            for accept, is_openmetrics in cases.items():
+                answer, body = server.request(Accept=accept)
+                kind = openmetrics if is_openmetrics else "text/plain"
+                self.assertIn(kind, answer.headers["Content-Type"], accept)
+                self.assertEqual(body.endswith(b"# EOF\n"), is_openmetrics)
+                self.assertIn(b"# TYPE morvath_a info\n" if is_openmetrics
+                              else b"# TYPE morvath_a_info gauge\n", body)
+                self.assertIn(b'{a="1"} 1\nmorvath_a_info{a="2"} 1\n', body)
+            for encoding, packed in {"gzip": True, "deflate, GZIP;q=0.5": True,
+                                     "gzip;q=0": False, "br": False}.items():
+                answer, body = server.request(Accept_Encoding=encoding)
+                self.assertEqual(answer.headers["Content-Encoding"] == "gzip",
+                                 packed)
+                text = gzip.decompress(body) if packed else body
+                self.assertIn(b"morvath_b 1\n", text)
+
+    def test_other_requests_are_refused(self):
+        with reading(self.SCRIPT) as (server, _):
+            for path, method, status in (
+                    ("/metrics", "GET", 200), ("/metrics?x=<b>", "GET", 200),
+                    ("/metrics", "HEAD", 200), ("/-/healthy", "GET", 200),
+                    ("/", "GET", 200), ("/metrics", "POST", 405),
+                    ("/", "DELETE", 405), ("/metrics/", "GET", 404),
+                    ("/etc/passwd", "GET", 404), ("/../x", "PUT", 404),
+                    ("/<b>%3Cscript%3E", "GET", 404)):
+                answer, body = server.request(path, method)
+                self.assertEqual(answer.status, status, (path, method))
+                self.assertNotIn(b"<b>", body)
+                self.assertNotIn(b"<script", body)
+            answer, body = server.request("/")
+            self.assertIn("text/html", answer.headers["Content-Type"])
+            self.assertIn(b'<tr><td>fan<td>&lt;i&gt;"&amp;<td>x\n', body)
+
+    def test_bad_clients_are_cut_off(self):
+        with reading(self.SCRIPT) as (server, _):
+            host, port = server.address.rsplit(":", 1)
+
+            def connected(data=b""):
+                client = socket.create_connection((host, int(port)), PATIENCE)
+                client.sendall(data)
+                return client
+
+            def ended(data):
+                """What is answered until the connection is closed."""
+                try:
+                    with connected(data) as client:
+                        client.shutdown(socket.SHUT_WR)
+                        return b"".join(iter(lambda: client.recv(65536), b""))
+                except OSError:
+                    return b""
+
+            megabyte = b"x" * (1 << 20)
+            for data in (b"GET /metrics HTTP/1.1\r\nHost: a\r\nA: " + megabyte,
+                         b"GET /" + megabyte + b" HTTP/1.1\r\n\r\n",
+                         b"POST /metrics HTTP/1.1\r\nHost: a\r\n"
+                         b"Content-Length: 1048576\r\n\r\n" + megabyte,
+                         os.urandom(5000), b"\0" * 100, b"\r\n" * 5000,
+                         b"GET /metrics HTTP/9.9\r\n\r\n", b"\x16\x03\x01\x02"):
+                self.assertNotIn(b" 200 ", ended(data)[:20])
+            # Half of a request, and nobody who reads the answer.
+            idle = [connected(b"GET /metr") for _ in range(8)]
+            idle += [connected(b"GET /metrics HTTP/1.1\r\nHost: a\r\n\r\n" * 9)
+                     for _ in range(8)]
+            before = resident(server.process)
+            threads = [threading.Thread(target=lambda: [
+                server.request() for _ in range(50)]) for _ in range(20)]
+            for thread in threads:
+                thread.start()
+            for thread in threads:
+                thread.join()
+            answer, body = server.request()
+            self.assertIn(b"morvath_b 1\n", body)
+            if os.environ.get("MEASURED"):
+                self.assertLess(resident(server.process), before + 1024)
+                self.assertLessEqual(resident(server.process), 4096)
+            self.assertEqual(readers(server.process), [])
+            for client in idle:
+                client.close()
+
+    def test_it_listens_where_it_is_told(self):
+        with exporter("--listen", "[::1]:0") as server:
+            self.assertIn("[::1]:", server.address)
+            self.assertEqual(server.request("/-/healthy")[0].status, 200)
+        with socket.create_server(("127.0.0.1", 0)) as handed:
+            environment = {**os.environ, "LISTEN_FDS": "1"}
+            move = f"exec 3<&{handed.fileno()}; " if handed.fileno() != 3 else ""
+            with exporter(before=["sh", "-c", move + 'LISTEN_PID=$$ exec "$@"',
+                                  "sh"], pass_fds=[handed.fileno()],
+                          env=environment) as server:
+                port = handed.getsockname()[1]
+                self.assertEqual(server.address, f"127.0.0.1:{port}")
+                self.assertEqual(server.request("/-/healthy")[0].status, 200)
+
+    def test_help_says_what_the_manual_says(self):
+        done = subprocess.run([*EXPORTER, "--help"], timeout=PATIENCE,
+                              capture_output=True, text=True)
+        said = " ".join(done.stdout.split())
+        described = json.loads((ROOT / "exporter/description.json.in")
+                               .read_text())
+        for option in described["options"]:
+            words = [", ".join(option["names"]), option["value"],
+                     option["meaning"]]
+            self.assertIn(" ".join(filter(None, words)), said)
+        for status in described["exitStatuses"]:
+            self.assertIn(f"{status['name']} {status['meaning']}", said)
+        self.assertLessEqual(max(map(len, done.stdout.split("\n"))), 80)
+
+    def test_misuse_is_told(self):
+        for options, status, error in (
+                (["--nosuch"], 2, "nosuch"), (["x"], 2, "x"),
+                (["--timeout", "never"], 2, "never"),
+                (["--timeout", "-1"], 2, "-1"),
+                (["--listen", "nonsense"], 1, "nonsense"),
+                (["--listen", "127.0.0.1:99999"], 1, "99999"),
+                (["--listen", "192.0.2.1:9795"], 1, "192.0.2.1")):
+            done = subprocess.run([*EXPORTER, *options], timeout=PATIENCE,
+                                  capture_output=True, text=True)
+            self.assertEqual(done.returncode, status, options)
+            self.assertIn(error, done.stderr)
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,308 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "sim/client.hpp"
+#include "sim/platform.hpp"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cmath>
+#include <cstddef>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace morvath::tests
+{
+namespace
+{
+
+constexpr auto machine = R"({"format": 1, "objects": [
+{"path": "/a/b", "services": [{"name": "x.S", "interfaces": {
+  "x.First": {
+    "Name": {"type": "s", "value": "one"},
+    "Fixed": {"type": "i", "value": -5, "readOnly": true},
+    "Secret": {"type": "u", "value": 7, "hidden": true},
+    "Zero": {"type": "b", "value": true}},
+  "x.Empty": {},
+  "x.Last": {
+    "Name": {"type": "s", "value": "two"},
+    "Level": {"type": "d", "value": "nan"}}}}]},
+{"path": "/a/b/c", "services": [{"name": "x.S", "interfaces": {
+  "x.Last": {"Level": {"type": "d", "value": 2.5, "readOnly": true}}}}]}]})";
+
+struct Values
+{
+    // sd-bus frees the old text and keeps a copy of the new one.
+    char* name = strdup("one");
+    char* otherName = strdup("two");
+    int32_t fixed = -5;
+    uint32_t secret = 7;
+    int zero = 1;
+    double level = std::nan("");
+    double deepLevel = 2.5;
+};
+
+constexpr auto changes = SD_BUS_VTABLE_PROPERTY_EMITS_CHANGE;
+constexpr auto open = SD_BUS_VTABLE_UNPRIVILEGED;
+constexpr sd_bus_vtable first[]{
+    SD_BUS_VTABLE_START(0),
+    SD_BUS_WRITABLE_PROPERTY("Name", "s", nullptr, nullptr,
+                             offsetof(Values, name), changes | open),
+    SD_BUS_PROPERTY("Fixed", "i", nullptr, offsetof(Values, fixed), changes),
+    SD_BUS_WRITABLE_PROPERTY("Secret", "u", nullptr, nullptr,
+                             offsetof(Values, secret),
+                             SD_BUS_VTABLE_HIDDEN | open),
+    SD_BUS_WRITABLE_PROPERTY("Zero", "b", nullptr, nullptr,
+                             offsetof(Values, zero), changes | open),
+    SD_BUS_VTABLE_END};
+constexpr sd_bus_vtable empty[]{SD_BUS_VTABLE_START(0), SD_BUS_VTABLE_END};
+constexpr sd_bus_vtable last[]{
+    SD_BUS_VTABLE_START(0),
+    SD_BUS_WRITABLE_PROPERTY("Name", "s", nullptr, nullptr,
+                             offsetof(Values, otherName), changes | open),
+    SD_BUS_WRITABLE_PROPERTY("Level", "d", nullptr, nullptr,
+                             offsetof(Values, level), changes | open),
+    SD_BUS_VTABLE_END};
+constexpr sd_bus_vtable deep[]{SD_BUS_VTABLE_START(0),
+                               SD_BUS_PROPERTY("Level", "d", nullptr,
+                                               offsetof(Values, deepLevel),
+                                               changes),
+                               SD_BUS_VTABLE_END};
+
+/** The same as somebody would write it for sd-bus. */
+class PlainService
+{
+  public:
+    PlainService()
+    {
+        for (const auto& [interface, table] :
+             {std::pair<const char*, const sd_bus_vtable*>{"x.First", first},
+              {"x.Empty", empty},
+              {"x.Last", last}})
+        {
+            sim::check(sd_bus_add_object_vtable(bus.get(), nullptr, "/a/b",
+                                                interface, table, &values),
+                       interface);
+        }
+        sim::check(sd_bus_add_object_vtable(bus.get(), nullptr, "/a/b/c",
+                                            "x.Last", deep, &values),
+                   "/a/b/c");
+        sim::check(sd_bus_request_name(bus.get(), "x.Plain", 0), "x.Plain");
+        thread = std::jthread([this] {
+            constexpr uint64_t tick = 10'000;
+            while (!ended)
+            {
+                if (sd_bus_process(bus.get(), nullptr) == 0)
+                {
+                    sd_bus_wait(bus.get(), tick);
+                }
+            }
+        });
+    }
+
+    ~PlainService()
+    {
+        ended = true;
+        thread.join();
+        std::free(values.name);
+        std::free(values.otherName);
+    }
+
+  private:
+    Values values;
+    sim::Bus bus = sim::openBus("");
+    std::atomic_bool ended = false;
+    std::jthread thread;
+};
+
+constexpr auto properties = "org.freedesktop.DBus.Properties";
+
+struct Question
+{
+    std::string path;
+    std::string interface;
+    std::string member;
+    std::string types{};
+    Json arguments = Json::array();
+};
+
+Question get(const char* path, const char* interface, const char* name)
+{
+    return {path, properties, "Get", "ss", Json::array({interface, name})};
+}
+
+Question getAll(const char* path, const char* interface)
+{
+    return {path, properties, "GetAll", "s", interface};
+}
+
+Question set(const char* name, const char* type, const Json& value)
+{
+    return {"/a/b", properties, "Set", "ssv",
+            Json::array({"x.First", name, {{"type", type}, {"value", value}}})};
+}
+
+std::vector<Question> questions()
+{
+    constexpr auto introspectable = "org.freedesktop.DBus.Introspectable";
+    constexpr auto peer = "org.freedesktop.DBus.Peer";
+    return {get("/a/b", "x.First", "Name"),
+            get("/a/b", "x.Last", "Name"),
+            get("/a/b", "x.Last", "Level"),
+            get("/a/b", "x.First", "Secret"),
+            get("/a/b", "x.First", "Level"),
+            get("/a/b", "x.None", "Name"),
+            get("/a/b", peer, "Name"),
+            get("/a/b", "", "Name"),
+            get("/a", "x.First", "Name"),
+            get("/a/b/c", "x.Last", "Level"),
+            get("/none", "x.First", "Name"),
+            getAll("/a/b", ""),
+            getAll("/a/b", "x.First"),
+            getAll("/a/b", "x.Empty"),
+            getAll("/a/b", "x.None"),
+            getAll("/a/b", properties),
+            getAll("/a/b/c", ""),
+            getAll("/a", ""),
+            getAll("/none", ""),
+            {"/a/b", introspectable, "Introspect"},
+            {"/a/b/c", introspectable, "Introspect"},
+            {"/a", introspectable, "Introspect"},
+            {"/", introspectable, "Introspect"},
+            {"/none", introspectable, "Introspect"},
+            {"/a/b", peer, "Ping"},
+            {"/none", peer, "Ping"},
+            {"/a/b", "x.First", "Method"},
+            {"/a/b", properties, "Get", "s", "x.First"},
+            {"/a/b", properties, "GetAll", "u", 1},
+            set("Name", "s", "new"),
+            set("Name", "i", 3),
+            set("Fixed", "i", 3),
+            set("Secret", "u", 8),
+            set("Zero", "b", false),
+            set("Other", "i", 3),
+            getAll("/a/b", ""),
+            get("/a/b", "x.First", "Secret")};
+}
+
+int keepSignal(sd_bus_message* message, void* kept, sd_bus_error*)
+{
+    *static_cast<Json*>(kept) = sim::readJsonList(message);
+    return 0;
+}
+
+} // namespace
+
+TEST(Service, AnswersAsOneWrittenForSdBus)
+{
+    const PlainService plain;
+    const sim::Platform platform(sim::Scenario::parse(machine, "machine"));
+    Client client;
+    for (const auto& one : questions())
+    {
+        const auto ask = [&](const char* service) {
+            return client.call(service, one.path, one.interface, one.member,
+                               one.types, one.arguments);
+        };
+        const auto real = ask("x.Plain");
+        const auto ours = ask("x.S");
+        const auto what =
+            one.path + " " + one.member + " " + one.arguments.dump();
+        EXPECT_EQ(ours.error, real.error) << what;
+        EXPECT_EQ(ours.message, real.message) << what;
+        EXPECT_EQ(ours.value.dump(), real.value.dump()) << what;
+    }
+}
+
+TEST(Service, GivesTheInterfaceRegisteredLastFirst)
+{
+    const sim::Platform platform(sim::Scenario::parse(machine, "machine"));
+    Client client;
+    // As a dictionary with a name twice is written.
+    EXPECT_EQ(client.getAll("x.S", "/a/b", "").value.dump(),
+              R"([["Name",{"type":"s","value":"two"}],)"
+              R"(["Level",{"type":"d","value":"nan"}],)"
+              R"(["Name",{"type":"s","value":"one"}],)"
+              R"(["Fixed",{"type":"i","value":-5}],)"
+              R"(["Zero",{"type":"b","value":true}]])");
+}
+
+TEST(Service, AnnouncesWhatChanges)
+{
+    const sim::Platform platform(sim::Scenario::parse(machine, "machine"));
+    Client client;
+    Json signal;
+    sim::check(sd_bus_match_signal(client.bus(), nullptr, "x.S", "/a/b",
+                                   properties, "PropertiesChanged", keepSignal,
+                                   &signal),
+               "sd_bus_match_signal");
+    client.set("x.S", "/a/b", "x.First", "Name", "s", "one");
+    client.set("x.S", "/a/b", "x.First", "Secret", "u", 1);
+    client.set("x.S", "/a/b", "x.Last", "Name", "s", "new");
+    while (signal.empty() && sd_bus_wait(client.bus(), patience) >= 0)
+    {
+        ASSERT_GE(sd_bus_process(client.bus(), nullptr), 0);
+    }
+    EXPECT_EQ(signal.dump(),
+              R"(["x.Last",{"Name":{"type":"s","value":"new"}},[]])");
+    EXPECT_EQ(platform.property("x.S", "/a/b", "x.First", "Secret"), 1);
+    EXPECT_THROW(platform.property("x.S", "/a/b", "x.First", "Other"),
+                 std::out_of_range);
+}
+
+TEST(Service, RefusesTextsThatAreNotEnumerated)
+{
+    const sim::Platform platform(sim::Scenario::parse(
+        R"({"format": 1, "objects": [{"path": "/a", "services": [
+            {"name": "x.S", "interfaces": {"x.I": {"Mode": {"type": "s",
+             "value": "m.On", "enum": ["m.On", "m.Off"]}}}}]}]})",
+        "machine"));
+    Client client;
+    EXPECT_EQ(client.set("x.S", "/a", "x.I", "Mode", "s", "Off").error,
+              "xyz.openbmc_project.sdbusplus.Error.InvalidEnumString");
+    EXPECT_EQ(client.set("x.S", "/a", "x.I", "Mode", "s", "m.Off").error, "");
+    EXPECT_EQ(client.get("x.S", "/a", "x.I", "Mode").value, "m.Off");
+}
+
+TEST(Service, HasItsNameAlone)
+{
+    const auto scenario = sim::Scenario::parse(machine, "machine");
+    const sim::Platform platform(scenario);
+    EXPECT_THROW(sim::Platform{scenario}, std::system_error);
+}
+
+TEST(Behaviours, HostFollowsTransitions)
+{
+    const std::string host = "xyz.openbmc_project.State.Host";
+    const std::string hostPath = "/xyz/openbmc_project/state/host0";
+    const std::vector<std::pair<std::string, std::string>> steps{
+        {"Reboot", "Running"},
+        {"Off", "Off"},
+        {"Reboot", "Off"},
+        {"ForceWarmReboot", "Off"},
+        {"On", "Running"},
+        {"GracefulWarmReboot", "Running"},
+        {"ForceWarmReboot", "Running"},
+    };
+    const sim::Platform platform(sim::Scenario::standard());
+    Client client;
+    for (const auto& [transition, state] : steps)
+    {
+        const auto request = host + ".Transition." + transition;
+        client.set(host, hostPath, host, "RequestedHostTransition", "s",
+                   request);
+        for (const auto& service : {host, host + "0"})
+        {
+            const auto held = [&](const std::string& name) {
+                return platform.property(service, hostPath, host, name);
+            };
+            EXPECT_EQ(held("RequestedHostTransition"), request);
+            EXPECT_EQ(held("CurrentHostState"), host + ".HostState." + state)
+                << transition;
+        }
+    }
+}
+
+} // namespace morvath::tests

@@ -2,47 +2,46 @@
 SUMMARY = "Flat C view of an OpenBMC platform"
 DESCRIPTION = "Gives programs the inventory, sensors and settings of the \
 platform: one function per fact or table, blocking D-Bus calls underneath."
+HOMEPAGE = "https://git.example.org/morvath"
 LICENSE = "Apache-2.0"
 LIC_FILES_CHKSUM = "file://LICENSE;md5=3b83ef96387f14655fc854ddc3c6bd57"
 
-MORVATH_URI ?= "git://git.example.org/morvath.git;protocol=https;branch=main"
-SRC_URI = "${MORVATH_URI}"
-SRCREV = "${AUTOREV}"
+SRC_URI = "git://git.example.org/morvath.git;branch=main;protocol=https;destsuffix=${BP}"
+SRCREV = "a5c362f0f93ecfb5603d67d2948a241deaa7c57b"
 PV = "0.1.0+git${SRCPV}"
-S = "${WORKDIR}/git"
 
-DEPENDS = "sdbusplus systemd"
+DEPENDS = "nlohmann-json sdbusplus systemd"
 
-inherit meson pkgconfig bash-completion
+inherit meson pkgconfig systemd
+# Only then there is a completion to be packaged.
+inherit_defer ${@bb.utils.contains('PACKAGECONFIG', 'manual', 'bash-completion', '', d)}
 
-# Without `vontel` the library is linked against the simulated RAID management
-# library, which is for trying and testing. LIBVONTEL is the recipe of the
-# platform's own.
-LIBVONTEL ?= "libvontel"
-JSON = "nlohmann-json"
-
-# `manual` has pages and completion of the programs, too, where the build can
-# run them (qemu-usermode among the MACHINE_FEATURES).
+# `vontel` links with the platform's RAID management library, of the recipe
+# libvontel. Without it a simulated one is built, linked with and packaged.
+# `manual` has the pages of the programs, too, where the build can run them.
 PACKAGECONFIG ??= "tools vontel"
-PACKAGECONFIG[bench] = "-Dbench=enabled,-Dbench=disabled,dbus glib-2.0 google-benchmark sdbus-c++"
-PACKAGECONFIG[fuzz] = "-Dfuzz=enabled,-Dfuzz=disabled"
-PACKAGECONFIG[install_simulated_vontel] = "-Dinstall_simulated_vontel=true,-Dinstall_simulated_vontel=false"
+PACKAGECONFIG[exporter] = "-Dexporter=enabled,-Dexporter=disabled,libmicrohttpd zlib"
 PACKAGECONFIG[manual] = "-Dmanual=auto,-Dmanual=disabled"
-PACKAGECONFIG[sim] = "-Dsim=enabled,-Dsim=disabled,cli11 ${JSON}"
-PACKAGECONFIG[tests] = "-Dtests=enabled,-Dtests=disabled,gtest"
-PACKAGECONFIG[tools] = "-Dtools=enabled,-Dtools=disabled,cli11 ${JSON}"
-PACKAGECONFIG[vontel] = "-Dvontel=system,-Dvontel=simulated,${LIBVONTEL},,,install_simulated_vontel"
-DEPENDS += "${@bb.utils.contains('PACKAGECONFIG', 'vontel', '', '${JSON}', d)}"
+PACKAGECONFIG[sim] = "-Dsim=enabled,-Dsim=disabled,cli11 expat"
+PACKAGECONFIG[tools] = "-Dtools=enabled,-Dtools=disabled,cli11"
+PACKAGECONFIG[vontel] = "-Dvontel=system,-Dvontel=simulated,libvontel"
 
-# Warnings are for those who write the code: a newer compiler has others.
-EXTRA_OEMESON = "-Dwerror=false"
+EXTRA_OEMESON = "-Dtests=disabled"
 
-PACKAGES =+ "${PN}-tools ${PN}-sim ${PN}-vontel ${PN}-zsh-completion"
+PACKAGE_BEFORE_PN = "${PN}-exporter ${PN}-tools ${PN}-sim ${PN}-vontel ${PN}-zsh-completion"
+FILES:${PN}-exporter = "${bindir}/morvath-exporter ${systemd_system_unitdir} \
+    ${datadir}/morvath/morvath.rules.yml"
 FILES:${PN}-tools = "${bindir}/morvath"
-FILES:${PN}-sim = "${bindir}/morvath-sim ${datadir}/morvath"
+FILES:${PN}-sim = "${bindir}/morvath-sim ${libdir}/morvath ${datadir}/morvath"
 FILES:${PN}-vontel = "${libdir}/libvontel.so.*"
 FILES:${PN}-zsh-completion = "${datadir}/zsh"
+SUMMARY:${PN}-exporter = "Serves the readings of an OpenBMC platform to Prometheus"
 SUMMARY:${PN}-tools = "Shows an OpenBMC platform and changes its settings"
 SUMMARY:${PN}-sim = "Runs programs on a simulated OpenBMC platform"
 SUMMARY:${PN}-vontel = "Simulated RAID management library"
+RDEPENDS:${PN}-exporter = "${PN}-tools"
 RDEPENDS:${PN}-sim = "dbus"
+
+# The socket starts the service.
+SYSTEMD_PACKAGES = "${@bb.utils.contains('PACKAGECONFIG', 'exporter', '${PN}-exporter', '', d)}"
+SYSTEMD_SERVICE:${PN}-exporter = "morvath-exporter.socket morvath-exporter.service"

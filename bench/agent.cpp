@@ -67,14 +67,8 @@ sdbusplus::bus_t& connection()
 
 struct Render
 {
-    std::string operator()(const std::string& text) const
-    {
-        return text;
-    }
-    std::string operator()(bool flag) const
-    {
-        return flag ? "1" : "0";
-    }
+    std::string operator()(const std::string& text) const { return text; }
+    std::string operator()(bool flag) const { return flag ? "1" : "0"; }
     std::string operator()(double number) const
     {
         std::array<char, 330> text;

@@ -30,15 +30,9 @@ std::size_t columnOf(const char* name)
     return column;
 }
 
-char* textOf(int64_t number)
-{
-    return numberText(number);
-}
+char* textOf(int64_t number) { return numberText(number); }
 
-char* textOf(uint64_t number)
-{
-    return numberText(number);
-}
+char* textOf(uint64_t number) { return numberText(number); }
 
 char* textOf(double number)
 {

@@ -37,8 +37,7 @@ char* render(GVariant* value)
             return textOf(int64_t{g_variant_get_int64(value)});
         case G_VARIANT_CLASS_UINT64:
             return textOf(uint64_t{g_variant_get_uint64(value)});
-        case G_VARIANT_CLASS_DOUBLE:
-            return textOf(g_variant_get_double(value));
+        case G_VARIANT_CLASS_DOUBLE: return textOf(g_variant_get_double(value));
         case G_VARIANT_CLASS_INT32:
             return textOf(int64_t{g_variant_get_int32(value)});
         case G_VARIANT_CLASS_UINT32:
@@ -49,8 +48,7 @@ char* render(GVariant* value)
             return textOf(uint64_t{g_variant_get_byte(value)});
         case G_VARIANT_CLASS_BOOLEAN:
             return strdup(g_variant_get_boolean(value) ? "1" : "0");
-        default:
-            return strdup("");
+        default: return strdup("");
     }
 }
 

@@ -53,26 +53,16 @@ char* render(int type, const DBusBasicValue& value)
 {
     switch (type)
     {
-        case DBUS_TYPE_STRING:
-            return strdup(value.str);
-        case DBUS_TYPE_INT64:
-            return textOf(int64_t{value.i64});
-        case DBUS_TYPE_UINT64:
-            return textOf(uint64_t{value.u64});
-        case DBUS_TYPE_DOUBLE:
-            return textOf(value.dbl);
-        case DBUS_TYPE_INT32:
-            return textOf(int64_t{value.i32});
-        case DBUS_TYPE_UINT32:
-            return textOf(uint64_t{value.u32});
-        case DBUS_TYPE_UINT16:
-            return textOf(uint64_t{value.u16});
-        case DBUS_TYPE_BYTE:
-            return textOf(uint64_t{value.byt});
-        case DBUS_TYPE_BOOLEAN:
-            return strdup(value.bool_val ? "1" : "0");
-        default:
-            return strdup("");
+        case DBUS_TYPE_STRING: return strdup(value.str);
+        case DBUS_TYPE_INT64: return textOf(int64_t{value.i64});
+        case DBUS_TYPE_UINT64: return textOf(uint64_t{value.u64});
+        case DBUS_TYPE_DOUBLE: return textOf(value.dbl);
+        case DBUS_TYPE_INT32: return textOf(int64_t{value.i32});
+        case DBUS_TYPE_UINT32: return textOf(uint64_t{value.u32});
+        case DBUS_TYPE_UINT16: return textOf(uint64_t{value.u16});
+        case DBUS_TYPE_BYTE: return textOf(uint64_t{value.byt});
+        case DBUS_TYPE_BOOLEAN: return strdup(value.bool_val ? "1" : "0");
+        default: return strdup("");
     }
 }
 

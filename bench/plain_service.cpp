@@ -50,24 +50,12 @@ const char* setValue(Properties& properties, std::size_t index)
                 texts[index % 8 / 4] + std::to_string(index);
             value.text = properties.texts[index].c_str();
             return "s";
-        case 1:
-            value.real = 20 + static_cast<double>(index) / 7;
-            return "d";
-        case 2:
-            value.uint32 = static_cast<uint32_t>(4000 + index);
-            return "u";
-        case 3:
-            value.boolean = index % 2 == 0;
-            return "b";
-        case 5:
-            value.uint16 = static_cast<uint16_t>(index);
-            return "q";
-        case 6:
-            value.text = "";
-            return "s";
-        default:
-            value.uint64 = (uint64_t{1} << 40) + index;
-            return "t";
+        case 1: value.real = 20 + static_cast<double>(index) / 7; return "d";
+        case 2: value.uint32 = static_cast<uint32_t>(4000 + index); return "u";
+        case 3: value.boolean = index % 2 == 0; return "b";
+        case 5: value.uint16 = static_cast<uint16_t>(index); return "q";
+        case 6: value.text = ""; return "s";
+        default: value.uint64 = (uint64_t{1} << 40) + index; return "t";
     }
 }
 

@@ -100,24 +100,15 @@ char* render(char type, const Basic& value)
 {
     switch (type)
     {
-        case 's':
-            return strdup(value.text);
-        case 'x':
-            return textOf(value.int64);
-        case 't':
-            return textOf(value.uint64);
-        case 'd':
-            return textOf(value.real);
-        case 'i':
-            return textOf(int64_t{value.int32});
-        case 'u':
-            return textOf(uint64_t{value.uint32});
-        case 'q':
-            return textOf(uint64_t{value.uint16});
-        case 'y':
-            return textOf(uint64_t{value.byte});
-        default:
-            return strdup(value.boolean ? "1" : "0");
+        case 's': return strdup(value.text);
+        case 'x': return textOf(value.int64);
+        case 't': return textOf(value.uint64);
+        case 'd': return textOf(value.real);
+        case 'i': return textOf(int64_t{value.int32});
+        case 'u': return textOf(uint64_t{value.uint32});
+        case 'q': return textOf(uint64_t{value.uint16});
+        case 'y': return textOf(uint64_t{value.byte});
+        default: return strdup(value.boolean ? "1" : "0");
     }
 }
 
@@ -211,25 +202,13 @@ Rows readOne(const char* property, char type)
 
 } // namespace
 
-Rows readWithRawSdBus()
-{
-    return readRows<peekedType>();
-}
+Rows readWithRawSdBus() { return readRows<peekedType>(); }
 
-Rows readWithVerifiedSdBus()
-{
-    return readRows<verifiedType>();
-}
+Rows readWithVerifiedSdBus() { return readRows<verifiedType>(); }
 
-Rows readTextWithRawSdBus()
-{
-    return readOne(textProperty, 's');
-}
+Rows readTextWithRawSdBus() { return readOne(textProperty, 's'); }
 
-Rows readFlagWithRawSdBus()
-{
-    return readOne(flagProperty, 'b');
-}
+Rows readFlagWithRawSdBus() { return readOne(flagProperty, 'b'); }
 
 Rows listWithRawSdBus()
 {

@@ -29,26 +29,16 @@ char* render(const sdbus::Variant& value)
     const auto type = value.peekValueType();
     switch (type.size() == 1 ? type[0] : '\0')
     {
-        case 's':
-            return strdup(value.get<std::string>().c_str());
-        case 'x':
-            return textOf(value.get<int64_t>());
-        case 't':
-            return textOf(value.get<uint64_t>());
-        case 'd':
-            return textOf(value.get<double>());
-        case 'i':
-            return textOf(int64_t{value.get<int32_t>()});
-        case 'u':
-            return textOf(uint64_t{value.get<uint32_t>()});
-        case 'q':
-            return textOf(uint64_t{value.get<uint16_t>()});
-        case 'y':
-            return textOf(uint64_t{value.get<uint8_t>()});
-        case 'b':
-            return strdup(value.get<bool>() ? "1" : "0");
-        default:
-            return strdup("");
+        case 's': return strdup(value.get<std::string>().c_str());
+        case 'x': return textOf(value.get<int64_t>());
+        case 't': return textOf(value.get<uint64_t>());
+        case 'd': return textOf(value.get<double>());
+        case 'i': return textOf(int64_t{value.get<int32_t>()});
+        case 'u': return textOf(uint64_t{value.get<uint32_t>()});
+        case 'q': return textOf(uint64_t{value.get<uint16_t>()});
+        case 'y': return textOf(uint64_t{value.get<uint8_t>()});
+        case 'b': return strdup(value.get<bool>() ? "1" : "0");
+        default: return strdup("");
     }
 }
 

@@ -26,10 +26,7 @@ constexpr std::pair<char32_t, char32_t> unseen[]{
     {0xfff9, 0xfffb}, {0xfffe, 0xffff}, {0xe0000, 0xe0fff},
 };
 
-bool isContinuation(char byte)
-{
-    return (byte & 0xc0) == 0x80;
-}
+bool isContinuation(char byte) { return (byte & 0xc0) == 0x80; }
 
 /** In columns; negative for what must not reach a terminal. */
 int columnsOf(const Character& character)

@@ -242,17 +242,10 @@ void appendEscaped(std::string& html, char c)
 {
     switch (c)
     {
-        case '<':
-            html += "&lt;";
-            break;
-        case '>':
-            html += "&gt;";
-            break;
-        case '&':
-            html += "&amp;";
-            break;
-        default:
-            html += c;
+        case '<': html += "&lt;"; break;
+        case '>': html += "&gt;"; break;
+        case '&': html += "&amp;"; break;
+        default: html += c;
     }
 }
 

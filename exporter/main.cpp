@@ -84,21 +84,12 @@ Options parse(int argc, char** argv)
     {
         switch (found)
         {
-            case 'h':
-                print(help);
-            case optionVersion:
-                print("morvath-exporter " MORVATH_VERSION "\n");
-            case optionListen:
-                options.address = optarg;
-                break;
-            case optionTimeout:
-                options.timeout = secondsIn(optarg);
-                break;
-            case optionReader:
-                options.reader = optarg;
-                break;
-            default:
-                std::exit(misused);
+            case 'h': print(help);
+            case optionVersion: print("morvath-exporter " MORVATH_VERSION "\n");
+            case optionListen: options.address = optarg; break;
+            case optionTimeout: options.timeout = secondsIn(optarg); break;
+            case optionReader: options.reader = optarg; break;
+            default: std::exit(misused);
         }
     }
     if (optind < argc)

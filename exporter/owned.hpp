@@ -9,10 +9,7 @@ namespace morvath::exporter
 template <auto Release>
 struct Releaser
 {
-    void operator()(auto* p) const
-    {
-        Release(p);
-    }
+    void operator()(auto* p) const { Release(p); }
 };
 
 /** What a C library allocated. */

@@ -104,9 +104,6 @@ bool Reading::receive()
     return true;
 }
 
-Seconds Reading::duration() const
-{
-    return Clock::now() - start_;
-}
+Seconds Reading::duration() const { return Clock::now() - start_; }
 
 } // namespace morvath::exporter

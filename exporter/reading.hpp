@@ -19,19 +19,13 @@ class Reading
     ~Reading();
 
     /** Where it writes to, for polling; negative without a reader. */
-    int pipe() const
-    {
-        return pipe_;
-    }
+    int pipe() const { return pipe_; }
 
     /** Takes what was written, without waiting; whether more can come. */
     bool receive();
 
     /** What was written so far. */
-    const std::string& text() const
-    {
-        return text_;
-    }
+    const std::string& text() const { return text_; }
 
     Seconds duration() const;
 

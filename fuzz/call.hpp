@@ -37,10 +37,7 @@ struct Argument<Number>
 {
     explicit Argument(Input& input) : value(input.number<Number>()) {}
 
-    Number pass()
-    {
-        return value;
-    }
+    Number pass() { return value; }
 
     Number value;
 };
@@ -50,10 +47,7 @@ struct Argument<const char*>
 {
     explicit Argument(Input& input) : text(argument(input)) {}
 
-    const char* pass()
-    {
-        return text.c_str();
-    }
+    const char* pass() { return text.c_str(); }
 
     std::string text;
 };
@@ -79,10 +73,7 @@ struct Argument<Value*>
 {
     explicit Argument(Input&) {}
 
-    Value* pass()
-    {
-        return &value;
-    }
+    Value* pass() { return &value; }
 
     Value value{};
 };
@@ -101,10 +92,7 @@ struct Argument<char**>
         std::free(text);
     }
 
-    char** pass()
-    {
-        return &text;
-    }
+    char** pass() { return &text; }
 
     char* text = nullptr;
 };

@@ -160,15 +160,9 @@ void runOne(const Export& one, Input& input)
 
 } // namespace
 
-std::span<const Export> exports()
-{
-    return all;
-}
+std::span<const Export> exports() { return all; }
 
-std::span<const Export> raidExports()
-{
-    return exports().last(raidCount);
-}
+std::span<const Export> raidExports() { return exports().last(raidCount); }
 
 void run(std::span<const Export> among, Input input)
 {

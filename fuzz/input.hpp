@@ -28,10 +28,7 @@ class Input
     }
 
     /** Less than count. */
-    std::size_t below(std::size_t count)
-    {
-        return byte() % count;
-    }
+    std::size_t below(std::size_t count) { return byte() % count; }
 
     template <std::integral Number>
     Number number()

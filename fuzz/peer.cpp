@@ -157,9 +157,6 @@ void answerFrom(Input* input)
     working = input ? input->below(mostWorking) : 0;
 }
 
-Input& answers()
-{
-    return *current;
-}
+Input& answers() { return *current; }
 
 } // namespace morvath::fuzz

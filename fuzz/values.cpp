@@ -93,13 +93,11 @@ void appendBasic(sd_bus_message* message, Input& input, char type)
 {
     switch (type)
     {
-        case 's':
-            return appendText(message, input.oneOf(values));
+        case 's': return appendText(message, input.oneOf(values));
         case 'o':
             return appendText(
                 message, objectPaths[input.below(objectPaths.size())], type);
-        case 'g':
-            return appendText(message, anyType(input), type);
+        case 'g': return appendText(message, anyType(input), type);
         default:
         {
             // As wide as the widest; the others take their part of it.

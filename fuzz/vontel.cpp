@@ -57,20 +57,14 @@ namespace vontel
 
 using namespace morvath::fuzz;
 
-int checkRaidMgrExist()
-{
-    return result() == 0;
-}
+int checkRaidMgrExist() { return result() == 0; }
 
 int getRaidIdList(uint8_t, std::vector<uint32_t>& raidIds)
 {
     return list(raidIds);
 }
 
-int getRaidInfoById(uint8_t, uint32_t, RAIDInfo_T* info)
-{
-    return fill(info);
-}
+int getRaidInfoById(uint8_t, uint32_t, RAIDInfo_T* info) { return fill(info); }
 
 int getPhyDevIdList(uint8_t, uint32_t, std::vector<uint16_t>& deviceIds)
 {
@@ -103,34 +97,16 @@ int getRaidConf(std::string, std::string, std::string, std::string,
     return result();
 }
 
-std::string getSupportRaidLevels(uint8_t, uint32_t)
-{
-    return answers().text();
-}
+std::string getSupportRaidLevels(uint8_t, uint32_t) { return answers().text(); }
 
-std::string getRaidLevelStr(uint8_t)
-{
-    return answers().text();
-}
+std::string getRaidLevelStr(uint8_t) { return answers().text(); }
 
-std::string getPhyDevStateStr(uint8_t)
-{
-    return answers().text();
-}
+std::string getPhyDevStateStr(uint8_t) { return answers().text(); }
 
-std::string getDriveMediaType(uint8_t)
-{
-    return answers().text();
-}
+std::string getDriveMediaType(uint8_t) { return answers().text(); }
 
-std::string getDriveInterfaceType(uint8_t)
-{
-    return answers().text();
-}
+std::string getDriveInterfaceType(uint8_t) { return answers().text(); }
 
-std::string getDriveSpeed(uint8_t)
-{
-    return answers().text();
-}
+std::string getDriveSpeed(uint8_t) { return answers().text(); }
 
 } // namespace vontel

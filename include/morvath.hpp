@@ -49,31 +49,20 @@ class Error : public std::runtime_error
     {}
 
     /** Its name in morvath.h. */
-    const char* function() const noexcept
-    {
-        return name;
-    }
+    const char* function() const noexcept { return name; }
 
-    int32_t code() const noexcept
-    {
-        return number;
-    }
+    int32_t code() const noexcept { return number; }
 
   private:
     static std::string meaning(int32_t code)
     {
         switch (code)
         {
-            case -1:
-                return "the call on the bus failed";
-            case -2:
-                return "no memory for the records";
-            case -3:
-                return "the argument was refused";
-            case -4:
-                return "the RAID management library failed";
-            default:
-                return "code " + std::to_string(code);
+            case -1: return "the call on the bus failed";
+            case -2: return "no memory for the records";
+            case -3: return "the argument was refused";
+            case -4: return "the RAID management library failed";
+            default: return "code " + std::to_string(code);
         }
     }
 
@@ -154,26 +143,11 @@ class Records
         return code;
     }
 
-    const Record* begin() const noexcept
-    {
-        return first;
-    }
-    const Record* end() const noexcept
-    {
-        return first + size();
-    }
-    const Record* data() const noexcept
-    {
-        return first;
-    }
-    const Record& operator[](std::size_t index) const
-    {
-        return first[index];
-    }
-    bool empty() const noexcept
-    {
-        return size() == 0;
-    }
+    const Record* begin() const noexcept { return first; }
+    const Record* end() const noexcept { return first + size(); }
+    const Record* data() const noexcept { return first; }
+    const Record& operator[](std::size_t index) const { return first[index]; }
+    bool empty() const noexcept { return size() == 0; }
 
     std::size_t size() const noexcept
     {

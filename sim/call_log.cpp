@@ -13,10 +13,7 @@ namespace morvath::sim
 namespace
 {
 
-std::string textOf(const char* text)
-{
-    return text ? text : "";
-}
+std::string textOf(const char* text) { return text ? text : ""; }
 
 Json argumentsOf(sd_bus_message* message)
 {

@@ -43,10 +43,7 @@ class Schedule
     Schedule(const Scenario& scenario, Services& services,
              std::function<void(const Json&)> raidChanged);
 
-    bool empty() const noexcept
-    {
-        return pending.empty();
-    }
+    bool empty() const noexcept { return pending.empty(); }
 
     /** When the next change is due, since the start. */
     Seconds next() const;

@@ -23,10 +23,7 @@ class Daemon
   public:
     explicit Daemon(BusProgram program = BusProgram::daemon);
 
-    const std::string& address() const noexcept
-    {
-        return busAddress;
-    }
+    const std::string& address() const noexcept { return busAddress; }
 
   private:
     const std::string busAddress;

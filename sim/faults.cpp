@@ -92,10 +92,7 @@ void readReply(const Reading& in)
     }
 }
 
-void readTrue(const Reading& in)
-{
-    readSwitch(in.own);
-}
+void readTrue(const Reading& in) { readSwitch(in.own); }
 
 struct EffectKey
 {

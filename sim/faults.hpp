@@ -86,10 +86,7 @@ class Faults
   public:
     explicit Faults(std::vector<Fault> faults);
 
-    bool empty() const noexcept
-    {
-        return counted.empty();
-    }
+    bool empty() const noexcept { return counted.empty(); }
 
     /**
      * All missing properties count; of the other faults the first decides.

@@ -25,14 +25,9 @@ std::string escaped(std::string_view key)
     {
         switch (character)
         {
-            case '~':
-                result += "~0";
-                break;
-            case '/':
-                result += "~1";
-                break;
-            default:
-                result += character;
+            case '~': result += "~0"; break;
+            case '/': result += "~1"; break;
+            default: result += character;
         }
     }
     return result;
@@ -73,50 +68,26 @@ class Builder
   public:
     explicit Builder(std::string_view source) : source(source) {}
 
-    Json release()
-    {
-        return std::move(document);
-    }
+    Json release() { return std::move(document); }
 
-    bool null()
-    {
-        return value(nullptr);
-    }
+    bool null() { return value(nullptr); }
 
-    bool boolean(bool flag)
-    {
-        return value(flag);
-    }
+    bool boolean(bool flag) { return value(flag); }
 
-    bool number_integer(int64_t number)
-    {
-        return value(number);
-    }
+    bool number_integer(int64_t number) { return value(number); }
 
-    bool number_unsigned(uint64_t number)
-    {
-        return value(number);
-    }
+    bool number_unsigned(uint64_t number) { return value(number); }
 
     bool number_float(double number, const std::string&)
     {
         return value(number);
     }
 
-    bool string(std::string& text)
-    {
-        return value(std::move(text));
-    }
+    bool string(std::string& text) { return value(std::move(text)); }
 
-    bool binary(Json::binary_t&)
-    {
-        return false;
-    }
+    bool binary(Json::binary_t&) { return false; }
 
-    bool start_object(std::size_t)
-    {
-        return start(Json::object());
-    }
+    bool start_object(std::size_t) { return start(Json::object()); }
 
     bool key(std::string& key)
     {
@@ -140,15 +111,9 @@ class Builder
         return true;
     }
 
-    bool start_array(std::size_t)
-    {
-        return start(Json::array());
-    }
+    bool start_array(std::size_t) { return start(Json::array()); }
 
-    bool end_array()
-    {
-        return end_object();
-    }
+    bool end_array() { return end_object(); }
 
     bool parse_error(std::size_t, const std::string&,
                      const Json::exception& error)

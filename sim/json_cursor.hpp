@@ -37,10 +37,7 @@ class JsonCursor
     [[noreturn]] void failBelow(const std::string& pointer,
                                 const std::string& message) const;
 
-    const Json& json() const
-    {
-        return *contents;
-    }
+    const Json& json() const { return *contents; }
 
     /** The member of an object; fails without it. */
     JsonCursor member(std::string_view key) const;

@@ -74,20 +74,13 @@ class Appender
                 const int flag = value.flag();
                 return appendBasic(letter, &flag);
             }
-            case 'y':
-                return appendInteger<uint8_t>(letter, value);
-            case 'n':
-                return appendInteger<int16_t>(letter, value);
-            case 'q':
-                return appendInteger<uint16_t>(letter, value);
-            case 'i':
-                return appendInteger<int32_t>(letter, value);
-            case 'u':
-                return appendInteger<uint32_t>(letter, value);
-            case 'x':
-                return appendInteger<int64_t>(letter, value);
-            case 't':
-                return appendInteger<uint64_t>(letter, value);
+            case 'y': return appendInteger<uint8_t>(letter, value);
+            case 'n': return appendInteger<int16_t>(letter, value);
+            case 'q': return appendInteger<uint16_t>(letter, value);
+            case 'i': return appendInteger<int32_t>(letter, value);
+            case 'u': return appendInteger<uint32_t>(letter, value);
+            case 'x': return appendInteger<int64_t>(letter, value);
+            case 't': return appendInteger<uint64_t>(letter, value);
             case 'd':
             {
                 const auto number = doubleIn(value);
@@ -96,16 +89,13 @@ class Appender
             case 'v':
                 value.allowOnly({"type", "value"});
                 return appendVariant(value);
-            case 'a':
-                return appendArray(type, value);
-            case '(':
-                return appendStructure(SD_BUS_TYPE_STRUCT, type, value);
+            case 'a': return appendArray(type, value);
+            case '(': return appendStructure(SD_BUS_TYPE_STRUCT, type, value);
             case '{':
                 return appendStructure(SD_BUS_TYPE_DICT_ENTRY, type, value);
             case 'h':
                 value.fail("a file descriptor cannot be written down (type h)");
-            default:
-                return appendText(letter, value);
+            default: return appendText(letter, value);
         }
     }
 
@@ -194,12 +184,9 @@ class Appender
         }
         switch (type)
         {
-            case 'o':
-                value.fail("\"" + text + "\" is not an object path");
-            case 'g':
-                value.fail("\"" + text + "\" is not a signature");
-            default:
-                value.fail("has a character that the bus does not carry");
+            case 'o': value.fail("\"" + text + "\" is not an object path");
+            case 'g': value.fail("\"" + text + "\" is not a signature");
+            default: value.fail("has a character that the bus does not carry");
         }
     }
 
@@ -341,10 +328,7 @@ Message ValueCheck::scratch() const
     return Message(message);
 }
 
-void ValueCheck::text(const JsonCursor& json) const
-{
-    value("s", json);
-}
+void ValueCheck::text(const JsonCursor& json) const { value("s", json); }
 
 void ValueCheck::value(std::string_view type, const JsonCursor& value) const
 {
@@ -392,33 +376,20 @@ Json readJson(sd_bus_message* message)
           "sd_bus_message_peek_type");
     switch (type)
     {
-        case 'b':
-            return readNumber<int>(message, type) != 0;
-        case 'y':
-            return readNumber<uint8_t>(message, type);
-        case 'n':
-            return readNumber<int16_t>(message, type);
-        case 'q':
-            return readNumber<uint16_t>(message, type);
-        case 'i':
-            return readNumber<int32_t>(message, type);
-        case 'u':
-            return readNumber<uint32_t>(message, type);
-        case 'x':
-            return readNumber<int64_t>(message, type);
-        case 't':
-            return readNumber<uint64_t>(message, type);
-        case 'd':
-            return readDouble(message);
+        case 'b': return readNumber<int>(message, type) != 0;
+        case 'y': return readNumber<uint8_t>(message, type);
+        case 'n': return readNumber<int16_t>(message, type);
+        case 'q': return readNumber<uint16_t>(message, type);
+        case 'i': return readNumber<int32_t>(message, type);
+        case 'u': return readNumber<uint32_t>(message, type);
+        case 'x': return readNumber<int64_t>(message, type);
+        case 't': return readNumber<uint64_t>(message, type);
+        case 'd': return readDouble(message);
         case 's':
         case 'o':
-        case 'g':
-            return readText(message, type);
-        case 'v':
-            return readJsonVariant(message);
-        case 'h':
-            check(-EOPNOTSUPP, "reading a file descriptor");
-            return {};
+        case 'g': return readText(message, type);
+        case 'v': return readJsonVariant(message);
+        case 'h': check(-EOPNOTSUPP, "reading a file descriptor"); return {};
         default:
         {
             // The text is the message's and moves on with it.

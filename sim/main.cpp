@@ -43,10 +43,7 @@ struct Options
 
 struct CloseFile
 {
-    void operator()(std::FILE* file) const
-    {
-        std::fclose(file);
-    }
+    void operator()(std::FILE* file) const { std::fclose(file); }
 };
 
 using File = std::unique_ptr<std::FILE, CloseFile>;

@@ -117,20 +117,11 @@ class Arguments
   public:
     explicit Arguments(sd_bus_message* call) : call(call) {}
 
-    std::string text()
-    {
-        return basic<const char*>('s');
-    }
+    std::string text() { return basic<const char*>('s'); }
 
-    std::string path()
-    {
-        return basic<const char*>('o');
-    }
+    std::string path() { return basic<const char*>('o'); }
 
-    int32_t number()
-    {
-        return basic<int32_t>('i');
-    }
+    int32_t number() { return basic<int32_t>('i'); }
 
     Mapper::Wanted texts()
     {

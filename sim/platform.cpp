@@ -262,10 +262,7 @@ Platform::Platform(const Scenario& scenario, const Live& options) :
 
 Platform::~Platform() = default;
 
-void Platform::advance(Seconds time)
-{
-    implementation->advance(time);
-}
+void Platform::advance(Seconds time) { implementation->advance(time); }
 
 std::vector<Call> Platform::calls() const
 {

@@ -30,15 +30,9 @@ class Descriptor
         return *this;
     }
 
-    ~Descriptor()
-    {
-        close();
-    }
+    ~Descriptor() { close(); }
 
-    int get() const noexcept
-    {
-        return number;
-    }
+    int get() const noexcept { return number; }
 
     void close() noexcept;
 
@@ -66,10 +60,7 @@ class MemoryFile
     /** Good in every process of the same user while this one lives. */
     std::string path() const;
 
-    const Descriptor& descriptor() const noexcept
-    {
-        return file;
-    }
+    const Descriptor& descriptor() const noexcept { return file; }
 
   private:
     Descriptor file;

@@ -332,10 +332,7 @@ Scenario Scenario::load(const std::filesystem::path& file)
     return Reader().file(file);
 }
 
-Scenario Scenario::standard()
-{
-    return load("default");
-}
+Scenario Scenario::standard() { return load("default"); }
 
 Object readObject(const JsonCursor& json, const SharedJson& document)
 {

@@ -15,10 +15,7 @@ namespace morvath::sim
 template <auto Release>
 struct Releaser
 {
-    void operator()(auto* resource) const noexcept
-    {
-        Release(resource);
-    }
+    void operator()(auto* resource) const noexcept { Release(resource); }
 };
 
 using Bus = std::unique_ptr<sd_bus, Releaser<sd_bus_flush_close_unref>>;
@@ -37,10 +34,7 @@ class BusError : public std::runtime_error
         errorName(std::move(name))
     {}
 
-    const std::string& name() const noexcept
-    {
-        return errorName;
-    }
+    const std::string& name() const noexcept { return errorName; }
 
   private:
     std::string errorName;

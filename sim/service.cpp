@@ -283,10 +283,7 @@ void Service::add(const std::string& path, std::vector<Interface> interfaces)
     }
 }
 
-void Service::remove(const std::string& path)
-{
-    objects.erase(path);
-}
+void Service::remove(const std::string& path) { objects.erase(path); }
 
 void Service::announce(const std::string& path,
                        int (*emit)(sd_bus* bus, const char* path)) const
@@ -545,11 +542,8 @@ void Service::meet(const Fault& fault, sd_bus_message* message, Call& call)
             logOutcome(call, replied);
             return send(reply);
         }
-        case Effect::death:
-            logOutcome(call, "death");
-            return die();
-        default:
-            return logOutcome(call, "silence");
+        case Effect::death: logOutcome(call, "death"); return die();
+        default: return logOutcome(call, "silence");
     }
 }
 

@@ -78,15 +78,9 @@ class Service
     /** Leaves the bus without another answer. */
     void die();
 
-    bool isAlive() const noexcept
-    {
-        return bus != nullptr;
-    }
+    bool isAlive() const noexcept { return bus != nullptr; }
 
-    sd_bus* connection() const noexcept
-    {
-        return bus.get();
-    }
+    sd_bus* connection() const noexcept { return bus.get(); }
 
     /** Publishes an object, in place of one that has the path. */
     void add(const std::string& path, std::vector<Interface> interfaces);

@@ -197,15 +197,9 @@ void beginReading(std::string_view what)
     showProgress(what);
 }
 
-const std::optional<CallFailure>& lastFailure()
-{
-    return traffic().failure;
-}
+const std::optional<CallFailure>& lastFailure() { return traffic().failure; }
 
-void forgetSilences()
-{
-    traffic().silent.clear();
-}
+void forgetSilences() { traffic().silent.clear(); }
 
 std::vector<Object> listedObjects()
 {
@@ -242,10 +236,7 @@ OnlyObject::OnlyObject(std::size_t place)
     traffic().isListing = true;
 }
 
-OnlyObject::~OnlyObject()
-{
-    traffic().only.reset();
-}
+OnlyObject::~OnlyObject() { traffic().only.reset(); }
 
 bool hasProperty(std::string_view name)
 {

@@ -152,12 +152,9 @@ std::string adviceFor(int error)
         case ECONNREFUSED:
             return "start the bus, or name another one in "
                    "DBUS_SYSTEM_BUS_ADDRESS";
-        case ETIMEDOUT:
-            return "restart the bus, or wait longer with --timeout";
-        case EINVAL:
-            return "correct DBUS_SYSTEM_BUS_ADDRESS";
-        default:
-            return "run this as a user whom the bus lets in";
+        case ETIMEDOUT: return "restart the bus, or wait longer with --timeout";
+        case EINVAL: return "correct DBUS_SYSTEM_BUS_ADDRESS";
+        default: return "run this as a user whom the bus lets in";
     }
 }
 
@@ -187,10 +184,7 @@ void startAnew()
 
 } // namespace
 
-std::string orNone(const char* text)
-{
-    return text ? text : "";
-}
+std::string orNone(const char* text) { return text ? text : ""; }
 
 std::string textOf(Seconds seconds)
 {

@@ -27,14 +27,10 @@ std::string_view escaped(const cli::Character& character)
     }
     switch (character.code)
     {
-        case '\\':
-            return "\\\\";
-        case '"':
-            return "\\\"";
-        case '\n':
-            return "\\n";
-        default:
-            return character.bytes;
+        case '\\': return "\\\\";
+        case '"': return "\\\"";
+        case '\n': return "\\n";
+        default: return character.bytes;
     }
 }
 

@@ -319,10 +319,7 @@ constexpr Fact all[]{
 
 } // namespace
 
-std::span<const Fact> facts()
-{
-    return all;
-}
+std::span<const Fact> facts() { return all; }
 
 const Fact* findFact(std::string_view name)
 {

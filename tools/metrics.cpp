@@ -28,10 +28,7 @@ struct Options
     bool byTable = false;
 };
 
-Seconds since(Clock::time_point start)
-{
-    return Clock::now() - start;
-}
+Seconds since(Clock::time_point start) { return Clock::now() - start; }
 
 /** How long to wait for an answer. Raises when there is no time left. */
 std::optional<Seconds> waitFor(const Options& options, Clock::time_point start)

@@ -256,10 +256,7 @@ class Rows
         rows(table.read())
     {}
 
-    std::size_t size() const
-    {
-        return rows.size();
-    }
+    std::size_t size() const { return rows.size(); }
 
     std::size_t column(string_view key) const
     {

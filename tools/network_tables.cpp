@@ -12,12 +12,9 @@ Value originInWords(int32_t origin)
 {
     switch (origin)
     {
-        case 1:
-            return "static";
-        case 2:
-            return "other";
-        default:
-            return "none";
+        case 1: return "static";
+        case 2: return "other";
+        default: return "none";
     }
 }
 
@@ -60,9 +57,6 @@ Table networkPorts()
 
 } // namespace
 
-std::vector<Table> networkTables()
-{
-    return {bmcNetwork(), networkPorts()};
-}
+std::vector<Table> networkTables() { return {bmcNetwork(), networkPorts()}; }
 
 } // namespace morvath::tools

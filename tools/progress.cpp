@@ -67,10 +67,7 @@ class Progress
         }
     }
 
-    void print() const
-    {
-        std::fprintf(stderr, "%s%s", wipe, text.c_str());
-    }
+    void print() const { std::fprintf(stderr, "%s%s", wipe, text.c_str()); }
 
     std::mutex mutex;
     std::condition_variable_any condition;
@@ -91,9 +88,6 @@ void showProgress(std::string_view what)
     }
 }
 
-void endProgress()
-{
-    progress.end();
-}
+void endProgress() { progress.end(); }
 
 } // namespace morvath::tools

@@ -81,9 +81,6 @@ Table drives()
 
 } // namespace
 
-std::vector<Table> raidTables()
-{
-    return {disks(), controllers(), drives()};
-}
+std::vector<Table> raidTables() { return {disks(), controllers(), drives()}; }
 
 } // namespace morvath::tools

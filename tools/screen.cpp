@@ -153,10 +153,7 @@ void append(std::string& line, const LaidColumn& column, const Laid& cell)
     line += gap;
 }
 
-void trim(std::string& line)
-{
-    line.erase(line.find_last_not_of(' ') + 1);
-}
+void trim(std::string& line) { line.erase(line.find_last_not_of(' ') + 1); }
 
 std::string titleLine(const std::vector<LaidColumn>& columns)
 {

@@ -24,10 +24,7 @@ constexpr auto interface = "xyz.openbmc_project.Sensor.Value";
 constexpr std::array states{"critical", "warning", "no reading", "ok",
                             "no limits"};
 
-bool isNumber(const char* text)
-{
-    return text && numberIn(text);
-}
+bool isNumber(const char* text) { return text && numberIn(text); }
 
 bool hasLimits(const Entry& entry)
 {

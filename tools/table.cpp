@@ -37,25 +37,13 @@ std::vector<Table> allTables()
 
 } // namespace
 
-Value valueOf(char* text)
-{
-    return text ? Value(text) : Value();
-}
+Value valueOf(char* text) { return text ? Value(text) : Value(); }
 
-Value valueOf(int32_t number)
-{
-    return int64_t{number};
-}
+Value valueOf(int32_t number) { return int64_t{number}; }
 
-Value valueOf(uint32_t number)
-{
-    return int64_t{number};
-}
+Value valueOf(uint32_t number) { return int64_t{number}; }
 
-Value yesOrNo(int32_t flag)
-{
-    return flag != 0;
-}
+Value yesOrNo(int32_t flag) { return flag != 0; }
 
 std::string textOf(const Value& value)
 {
@@ -117,8 +105,7 @@ void requireSuccess(int32_t code)
     const auto& failure = lastFailure();
     switch (code)
     {
-        case 0:
-            return;
+        case 0: return;
         case -1:
             if (failure && failure->isAbsence)
             {
@@ -127,10 +114,8 @@ void requireSuccess(int32_t code)
             throw std::runtime_error(
                 failure ? failure->object.service + ": " + failure->reason
                         : "the platform holds an unknown value");
-        case -2:
-            throw std::bad_alloc();
-        case -4:
-            throw std::runtime_error("the RAID management library failed");
+        case -2: throw std::bad_alloc();
+        case -4: throw std::runtime_error("the RAID management library failed");
         default:
             throw std::runtime_error("the library reports code " +
                                      std::to_string(code));

@@ -34,10 +34,7 @@ class StopHeldBack
     }
     StopHeldBack(const StopHeldBack&) = delete;
     StopHeldBack& operator=(const StopHeldBack&) = delete;
-    ~StopHeldBack()
-    {
-        sigprocmask(SIG_SETMASK, &before, nullptr);
-    }
+    ~StopHeldBack() { sigprocmask(SIG_SETMASK, &before, nullptr); }
 
   private:
     sigset_t before;

@@ -62,10 +62,7 @@ class Pattern
     Pattern(const Pattern&) = delete;
     Pattern& operator=(const Pattern&) = delete;
 
-    ~Pattern()
-    {
-        regfree(&compiled);
-    }
+    ~Pattern() { regfree(&compiled); }
 
     bool matches(const std::string& text) const
     {
@@ -141,10 +138,7 @@ bool isLetter(char character)
     return byte >= 0x80 || std::isalnum(byte) != 0;
 }
 
-bool isDigit(char character)
-{
-    return character >= '0' && character <= '9';
-}
+bool isDigit(char character) { return character >= '0' && character <= '9'; }
 
 std::string inSmallLetters(std::string text)
 {

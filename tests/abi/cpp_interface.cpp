@@ -23,10 +23,7 @@ static_assert(!std::is_copy_constructible_v<Records<PsuInfoEntry>>);
 static_assert(std::is_nothrow_move_constructible_v<Records<PsuInfoEntry>>);
 static_assert(std::is_nothrow_move_assignable_v<Records<PsuInfoEntry>>);
 
-std::string nameOf(const PsuInfoEntry& supply)
-{
-    return supply.name;
-}
+std::string nameOf(const PsuInfoEntry& supply) { return supply.name; }
 
 TEST(CppInterface, ReadsAndWrites)
 {

@@ -24,18 +24,12 @@ class RaidLibrary
         vontel::simulation::load(section.dump());
     }
 
-    ~RaidLibrary()
-    {
-        vontel::simulation::reset();
-    }
+    ~RaidLibrary() { vontel::simulation::reset(); }
 
     RaidLibrary(const RaidLibrary&) = delete;
     RaidLibrary& operator=(const RaidLibrary&) = delete;
 
-    static Calls calls()
-    {
-        return vontel::simulation::calls();
-    }
+    static Calls calls() { return vontel::simulation::calls(); }
 };
 
 /** A section in which the n-th call of an operation has another result. */

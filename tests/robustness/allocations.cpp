@@ -55,20 +55,14 @@ AllocationWindow::AllocationWindow()
     isOpen = true;
 }
 
-AllocationWindow::~AllocationWindow()
-{
-    isOpen = false;
-}
+AllocationWindow::~AllocationWindow() { isOpen = false; }
 
 void AllocationWindow::plan(const AllocationFaults& faults)
 {
     planned = faults;
 }
 
-unsigned AllocationWindow::seen()
-{
-    return counted;
-}
+unsigned AllocationWindow::seen() { return counted; }
 
 } // namespace morvath::tests
 
@@ -109,12 +103,6 @@ void* operator new(std::size_t size)
     throw std::bad_alloc();
 }
 
-void operator delete(void* memory) noexcept
-{
-    std::free(memory);
-}
+void operator delete(void* memory) noexcept { std::free(memory); }
 
-void operator delete(void* memory, std::size_t) noexcept
-{
-    std::free(memory);
-}
+void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }

@@ -320,10 +320,7 @@ struct Clock
         return {result, written(seconds != 0, "a time")};
     }
 
-    static std::vector<std::string> nulls()
-    {
-        return {};
-    }
+    static std::vector<std::string> nulls() { return {}; }
 };
 
 struct LastPart
@@ -340,10 +337,7 @@ struct LastPart
         return {result, written(!last.empty(), last)};
     }
 
-    static std::vector<std::string> nulls()
-    {
-        return {};
-    }
+    static std::vector<std::string> nulls() { return {}; }
 };
 
 // What becomes of a call, by the kind of function.
@@ -496,9 +490,6 @@ constexpr Export exports[]{
 
 } // namespace
 
-std::span<const Export> allExports()
-{
-    return exports;
-}
+std::span<const Export> allExports() { return exports; }
 
 } // namespace morvath::tests

@@ -24,10 +24,7 @@ int32_t getCommonSensorTableInfo(BmcSensorEntry**, int32_t*, const char*,
     std::abort();
 }
 
-int32_t getBMCProperty(const char*, char**)
-{
-    std::abort();
-}
+int32_t getBMCProperty(const char*, char**) { std::abort(); }
 
 int32_t setDbusPropertyBool(const char*, const char*, const char*, const char*,
                             uint8_t)
@@ -41,10 +38,7 @@ int32_t setDbusPropertyVectorStringWithoutPath(const char*, const char*,
     std::abort();
 }
 
-std::string getLastStr(const std::string&)
-{
-    std::abort();
-}
+std::string getLastStr(const std::string&) { std::abort(); }
 
 /** Without a platform, all but one fail after the library called itself. */
 int main()

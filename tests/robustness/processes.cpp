@@ -52,10 +52,7 @@ class VanishingBus
         thread = std::jthread([this] { greetOne(); });
     }
 
-    std::string address() const
-    {
-        return "unix:abstract=" + name;
-    }
+    std::string address() const { return "unix:abstract=" + name; }
 
   private:
     static bool isReadable(const sim::Descriptor& descriptor)

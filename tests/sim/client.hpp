@@ -46,10 +46,7 @@ class Client
     Reply mapper(const std::string& member, const std::string& types,
                  const Json& arguments);
 
-    sd_bus* bus()
-    {
-        return connection.get();
-    }
+    sd_bus* bus() { return connection.get(); }
 
   private:
     const sim::Bus connection = sim::openBus("");

@@ -42,10 +42,7 @@ class Background
         pipe_.writeEnd.close();
     }
 
-    void send(int signal)
-    {
-        process_->send(signal);
-    }
+    void send(int signal) { process_->send(signal); }
 
     /** The next line; empty at the end, when all writers are gone. */
     std::string line()

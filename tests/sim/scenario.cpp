@@ -85,10 +85,7 @@ class Folder
         path_ = mkdtemp(name.data());
     }
 
-    ~Folder()
-    {
-        std::filesystem::remove_all(path_);
-    }
+    ~Folder() { std::filesystem::remove_all(path_); }
 
     std::filesystem::path write(const std::string& name,
                                 const std::string& text) const

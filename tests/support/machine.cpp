@@ -92,9 +92,6 @@ Json property(const std::string& type, const Json& value)
     return {{"type", type}, {"value", value}};
 }
 
-Json text(const std::string& value)
-{
-    return property("s", value);
-}
+Json text(const std::string& value) { return property("s", value); }
 
 } // namespace morvath::tests

@@ -26,15 +26,9 @@ Record recordOf(int32_t (*)(Record**, int32_t*, Arguments...));
 template <auto Get>
 using RecordsOf = Records<decltype(recordOf(Get))>;
 
-inline std::string textOf(const char* text)
-{
-    return text ? text : "null";
-}
+inline std::string textOf(const char* text) { return text ? text : "null"; }
 
-inline std::string textOf(int64_t number)
-{
-    return std::to_string(number);
-}
+inline std::string textOf(int64_t number) { return std::to_string(number); }
 
 #define FIELDS_OF(Record, ...)          \
     inline auto fieldsOf(Record& entry) \

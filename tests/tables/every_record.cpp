@@ -8,15 +8,9 @@ namespace morvath::tests
 namespace
 {
 
-void fill(char*& text)
-{
-    text = strdup("text");
-}
+void fill(char*& text) { text = strdup("text"); }
 
-void fill(auto& number)
-{
-    number = 1;
-}
+void fill(auto& number) { number = 1; }
 
 /** Texts are released once, and nothing else changes. */
 template <typename Record>

@@ -37,25 +37,13 @@ SdBusError& SdBusError::operator=(SdBusError&& other) noexcept
     return *this;
 }
 
-SdBusError::~SdBusError()
-{
-    sd_bus_error_free(&error);
-}
+SdBusError::~SdBusError() { sd_bus_error_free(&error); }
 
-const char* SdBusError::name() const noexcept
-{
-    return error.name;
-}
+const char* SdBusError::name() const noexcept { return error.name; }
 
-const char* SdBusError::description() const noexcept
-{
-    return error.message;
-}
+const char* SdBusError::description() const noexcept { return error.message; }
 
-const char* SdBusError::what() const noexcept
-{
-    return text.c_str();
-}
+const char* SdBusError::what() const noexcept { return text.c_str(); }
 
 int SdBusError::get_errno() const noexcept
 {

@@ -55,9 +55,6 @@ void skip_variant(sd_bus_message* m)
 
 message::message(sd_bus_message* m) : handle(sd_bus_message_ref(m)) {}
 
-message::~message()
-{
-    sd_bus_message_unref(handle);
-}
+message::~message() { sd_bus_message_unref(handle); }
 
 } // namespace sdbusplus::message

@@ -176,10 +176,7 @@ std::string textOf(const char* operation, std::string_view kind, uint8_t code)
 
 } // namespace
 
-int checkRaidMgrExist()
-{
-    return resultOf(__func__, hasManager);
-}
+int checkRaidMgrExist() { return resultOf(__func__, hasManager); }
 
 int getRaidIdList(uint8_t selector, std::vector<uint32_t>& raidIds)
 {
@@ -296,10 +293,7 @@ void simulation::load(const std::string& section)
     session = Session{readSection(section, "RAID"), {}};
 }
 
-void simulation::reset()
-{
-    session.reset();
-}
+void simulation::reset() { session.reset(); }
 
 std::map<std::string, unsigned> simulation::calls()
 {

@@ -29,10 +29,7 @@ void demand(bool isRight, const Json& value, const std::string& message)
     }
 }
 
-void checkText(const Json& value)
-{
-    textOf(value);
-}
+void checkText(const Json& value) { textOf(value); }
 
 void checkMembers(const Json& object,
                   const std::map<std::string_view, Check>& checks)

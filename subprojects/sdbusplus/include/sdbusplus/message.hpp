@@ -34,20 +34,11 @@ class message
     }
     ~message();
 
-    explicit operator bool() const
-    {
-        return handle != nullptr;
-    }
+    explicit operator bool() const { return handle != nullptr; }
 
-    sd_bus_message* get() const
-    {
-        return handle;
-    }
+    sd_bus_message* get() const { return handle; }
 
-    sd_bus_message* release()
-    {
-        return std::exchange(handle, nullptr);
-    }
+    sd_bus_message* release() { return std::exchange(handle, nullptr); }
 
     template <typename... Args>
     void append(const Args&... args)

@@ -343,7 +343,7 @@ void checkRaid(const Json& section, const JsonCursor& place)
 {
     try
     {
-        vontel::simulation::check(section);
+        vontel::simulation::read(section);
     }
     catch (const vontel::simulation::Mistake& mistake)
     {

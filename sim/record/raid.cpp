@@ -1,19 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "sim/record/raid.hpp"
 
-#include "simulation/records.hpp"
-#include "vontel.hpp"
-
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <cstdio>
-#include <map>
 #include <set>
 #include <stdexcept>
+#include <tuple>
+#include <utility>
 
 namespace morvath::sim
 {
-
 namespace
 {
 
@@ -21,13 +19,16 @@ using namespace vontel::simulation;
 namespace raid_info = vontel::raid_info;
 
 constexpr uint8_t selector = 0;
-constexpr auto codeCount = 256U;
 
-/** The functions for the texts of codes, in the order of codeKeys. */
+/** In the order of CodeKind. */
 constexpr std::array codeTexts{
     vontel::getRaidLevelStr, vontel::getPhyDevStateStr,
     vontel::getDriveMediaType, vontel::getDriveInterfaceType,
     vontel::getDriveSpeed};
+
+constexpr std::array identifierOffsets{raid_info::vendorId, raid_info::deviceId,
+                                       raid_info::subVendorId,
+                                       raid_info::subDeviceId};
 
 const std::string& checked(const std::string& text)
 {
@@ -51,25 +52,18 @@ void succeed(int result)
 class RaidRecorder
 {
   public:
-    explicit RaidRecorder(const Omit& omit) : omit(omit) {}
+    RaidRecorder(Section& section, const Omit& omit) :
+        section(section),
+        omit(omit)
+    {}
 
-    Json section()
+    void record()
     {
-        Json section{{"controllers", Json::array()}};
-        auto configuration = Json::array();
-        forEach<uint32_t>(
+        readEach<uint32_t>(
             "controllers",
-            [&](auto& ids) { return vontel::getRaidIdList(selector, ids); },
-            [&](uint32_t raidId) {
-                section["controllers"].push_back(
-                    controller(raidId, configuration));
-            });
-        if (!configuration.empty())
-        {
-            section["configuration"] = std::move(configuration);
-        }
-        attempt("texts", [&] { section["texts"] = texts(); });
-        return section;
+            [](auto& ids) { return vontel::getRaidIdList(selector, ids); },
+            [this](uint32_t id) { addController(id); });
+        attempt("texts", [this] { readTexts(); });
     }
 
   private:
@@ -86,7 +80,7 @@ class RaidRecorder
     }
 
     template <typename Id>
-    void forEach(const std::string& what, const auto& list, const auto& action)
+    void readEach(const std::string& what, const auto& list, const auto& read)
     {
         std::vector<Id> ids;
         attempt(what, [&] { succeed(list(ids)); });
@@ -98,132 +92,104 @@ class RaidRecorder
                 {
                     throw std::runtime_error("is listed twice");
                 }
-                action(id);
+                read(id);
             });
         }
     }
 
-    Json controller(uint32_t raidId, Json& configuration)
+    void addController(uint32_t id)
     {
-        vontel::RAIDInfo_T info{};
-        succeed(vontel::getRaidInfoById(selector, raidId, &info));
-        vontel::RAIDInfo_T blank{};
-        auto json = describe(info.bytes, controllers, blank.bytes,
-                             {{"raid_id", raidId}});
-        const auto place = "controller " + std::to_string(raidId) + ": ";
+        Controller controller{.id = id};
+        succeed(vontel::getRaidInfoById(selector, id, &controller.record));
+        const auto place = "controller " + std::to_string(id) + ": ";
         attempt(place + "levels", [&] {
-            const auto levels = vontel::getSupportRaidLevels(selector, raidId);
-            if (!levels.empty())
-            {
-                json["supported_raid_levels"] = checked(levels);
-            }
+            controller.levels =
+                checked(vontel::getSupportRaidLevels(selector, id));
         });
         attempt(place + "configuration",
-                [&] { addConfiguration(configuration, info); });
-        addDrives(json, "physical", vontel::getPhyDevIdList,
-                  vontel::getPhyDevInfoById, physicalDrives, "device_id",
-                  blankDrive(raidId));
-        addDrives(json, "logical", vontel::getLogDevIdList,
-                  vontel::getLogDevInfoById, logicalDrives, "id",
-                  vontel::LogicalDevInfo_T{});
-        return json;
+                [&] { addConfiguration(controller.record); });
+        readDrives(place + "physical drives", id, vontel::getPhyDevIdList,
+                   vontel::getPhyDevInfoById, controller.physical);
+        readDrives(place + "logical drives", id, vontel::getLogDevIdList,
+                   vontel::getLogDevInfoById, controller.logical);
+        section.controllers.push_back(std::move(controller));
     }
 
     template <typename Record>
-    void addDrives(Json& controller, const char* key, const auto& listIds,
-                   const auto& read, const RecordKind& kind, const char* idKey,
-                   const Record& blank)
+    void readDrives(const std::string& what, uint32_t raidId, const auto& list,
+                    const auto& read, std::vector<Drive<Record>>& drives)
     {
-        const auto raidId = controller["raid_id"].get<uint32_t>();
-        forEach<uint16_t>(
-            "controller " + std::to_string(raidId) + ": " + key + " drives",
-            [&](auto& ids) { return listIds(selector, raidId, ids); },
+        readEach<uint16_t>(
+            what, [&](auto& ids) { return list(selector, raidId, ids); },
             [&](uint16_t id) {
-                Record drive{};
-                succeed(read(selector, raidId, id, &drive));
-                auto none = blank;
-                controller[key].push_back(
-                    describe(drive.bytes, kind, none.bytes, {{idKey, id}}));
+                Drive<Record> drive{.id = id};
+                succeed(read(selector, raidId, id, &drive.record));
+                drives.push_back(drive);
             });
     }
 
     /** Adds what the library knows of the identifiers of a controller. */
-    static void addConfiguration(Json& configuration,
-                                 const vontel::RAIDInfo_T& info)
+    void addConfiguration(const vontel::RAIDInfo_T& info)
     {
-        constexpr std::array offsets{raid_info::vendorId, raid_info::deviceId,
-                                     raid_info::subVendorId,
-                                     raid_info::subDeviceId};
-        std::array<std::string, offsets.size()> ids;
-        std::array<std::string, offsets.size()> outputs;
-        auto entry = Json::object();
-        for (std::size_t index = 0; index < offsets.size(); ++index)
-        {
-            const auto* bytes = info.bytes + offsets[index];
-            std::array<char, sizeof("0x0000")> text;
-            std::snprintf(text.data(), text.size(), "0x%02x%02x", bytes[1],
-                          bytes[0]);
-            ids[index] = text.data();
-            entry[std::string(identifierKeys[index])] = ids[index];
-        }
-        if (vontel::getRaidConf(ids[0], ids[1], ids[2], ids[3], outputs[0],
-                                outputs[1], outputs[2], outputs[3]) == 0)
-        {
-            return;
-        }
-        for (const auto& output : outputs)
-        {
-            entry["outputs"].push_back(checked(output));
-        }
+        Configuration entry;
+        auto& [ids, outputs] = entry;
+        std::ranges::transform(
+            identifierOffsets, ids.begin(), [&](std::size_t offset) {
+                std::array<char, sizeof("0x0000")> text;
+                std::snprintf(text.data(), text.size(), "0x%02x%02x",
+                              info.bytes[offset + 1], info.bytes[offset]);
+                return std::string(text.data());
+            });
         // Two controllers of one kind share an entry.
-        if (std::ranges::find(configuration, entry) == configuration.end())
+        if (vontel::getRaidConf(ids[0], ids[1], ids[2], ids[3], outputs[0],
+                                outputs[1], outputs[2], outputs[3]) != 0 &&
+            std::ranges::count(section.configuration, entry) == 0)
         {
-            configuration.push_back(std::move(entry));
+            std::ranges::for_each(outputs, checked);
+            section.configuration.push_back(std::move(entry));
         }
     }
 
     /** What is said of most codes is said of those that are unknown. */
-    static Json texts()
+    void readTexts()
     {
-        std::vector<std::string> texts;
+        decltype(section.texts) texts;
         std::map<std::string, unsigned> counts;
-        for (const auto textOf : codeTexts)
+        for (std::size_t kind = 0; kind < codeTexts.size(); ++kind)
         {
-            for (auto code = 0U; code < codeCount; ++code)
+            for (auto code = 0U; code <= UINT8_MAX; ++code)
             {
-                texts.push_back(checked(textOf(static_cast<uint8_t>(code))));
-                ++counts[texts.back()];
+                const auto byte = static_cast<uint8_t>(code);
+                const auto text = checked(codeTexts[kind](byte));
+                texts[{kind, byte}] = text;
+                ++counts[text];
             }
         }
-        const auto& unknown =
-            std::ranges::max_element(counts, {}, [](const auto& count) {
-                return count.second;
-            })->first;
-        auto json = Json::object();
-        for (std::size_t index = 0; index < texts.size(); ++index)
-        {
-            if (texts[index] != unknown)
-            {
-                json[std::string(codeKeys[index / codeCount])]
-                    [std::to_string(index % codeCount)] = texts[index];
-            }
-        }
-        json["unknown"] = unknown;
-        return json;
+        using Count = decltype(counts)::value_type;
+        section.unknown =
+            std::ranges::max_element(counts, {}, &Count::second)->first;
+        std::erase_if(texts, [this](const auto& one) {
+            return one.second == section.unknown;
+        });
+        section.texts = std::move(texts);
     }
 
+    Section& section;
     const Omit& omit;
 };
 
 } // namespace
 
-[[gnu::visibility("default")]] void recordRaid(Json& section, const Omit& omit)
+[[gnu::visibility("default")]] void recordRaid(Section& section,
+                                               const Omit& omit)
 {
+    section.hasManager = false;
     try
     {
-        if (vontel::checkRaidMgrExist() != 0)
+        section.hasManager = vontel::checkRaidMgrExist() != 0;
+        if (section.hasManager)
         {
-            section = RaidRecorder(omit).section();
+            RaidRecorder(section, omit).record();
         }
     }
     catch (const std::exception& error)

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <nlohmann/json_fwd.hpp>
+#include "simulation/section.hpp"
 
 #include <functional>
 #include <string>
@@ -17,10 +17,11 @@ using Omit =
 constexpr auto raidModule = "morvath-sim-raid.so";
 
 /**
- * Reads the RAID section of a scenario from the RAID management library; the
- * section stays as it is without a RAID manager. A module of its own has this,
- * so that the program itself runs on a platform without the library.
+ * Reads what the RAID management library knows; the section has no manager
+ * without one. A module of its own has this, so that the program itself runs
+ * on a platform without the library.
  */
-extern "C" void recordRaid(nlohmann::ordered_json& section, const Omit& omit);
+extern "C" void recordRaid(vontel::simulation::Section& section,
+                           const Omit& omit);
 
 } // namespace morvath::sim

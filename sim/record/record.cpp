@@ -419,7 +419,7 @@ class Recorder
 /** The RAID section; null when there is nothing to record. */
 Json raidSection(const Omit& omit)
 {
-    Json section;
+    vontel::simulation::Section section{.hasManager = false};
     // It stays, as an exception of the library's own would need it.
     auto* module = dlopen(raidModule, RTLD_NOW | RTLD_NODELETE);
     if (module)
@@ -427,7 +427,7 @@ Json raidSection(const Omit& omit)
         const auto read = reinterpret_cast<decltype(&recordRaid)>(
             dlsym(module, "recordRaid"));
         read(section, omit);
-        return section;
+        return section.hasManager ? vontel::simulation::write(section) : Json();
     }
     const std::string error = dlerror();
     const auto isWithoutLibrary =
@@ -437,7 +437,7 @@ Json raidSection(const Omit& omit)
     {
         omit("RAID", error);
     }
-    return section;
+    return {};
 }
 
 } // namespace

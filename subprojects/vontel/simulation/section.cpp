@@ -1,25 +1,117 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "simulation/section.hpp"
 
-#include "simulation/records.hpp"
+#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <charconv>
-#include <map>
+#include <iterator>
 #include <set>
+#include <span>
 
 namespace vontel::simulation
 {
-
 namespace
 {
 
-using Check = void (*)(const Json& value);
+using Json = nlohmann::ordered_json;
+using Bytes = std::span<unsigned char>;
+
+/** A key of a section and the bytes of the record that it describes. */
+struct Field
+{
+    enum Kind
+    {
+        number,
+        text,
+        /** With blanks behind it. */
+        padded,
+        /** How many there are, and then an entry for each. */
+        members,
+    };
+
+    std::string_view key;
+    Kind kind;
+    std::size_t offset;
+    std::size_t length;
+};
+
+struct RecordKind
+{
+    std::string_view idKey;
+    uint64_t mostId;
+    std::span<const Field> fields;
+    /** What a description may have besides. */
+    std::span<const std::string_view> otherKeys{};
+};
+
+constexpr Field controllerFields[]{
+    {"raid_id", Field::number, raid_info::raidId, 4},
+    {"name", Field::text, raid_info::name, 80},
+    {"text84", Field::text, raid_info::idText1, 48},
+    {"text132", Field::text, raid_info::idText2, 32},
+    {"text164", Field::text, raid_info::idText3, 160},
+    {"pci_vendor", Field::number, raid_info::vendorId, 2},
+    {"pci_device", Field::number, raid_info::deviceId, 2},
+    {"pci_subvendor", Field::number, raid_info::subVendorId, 2},
+    {"pci_subdevice", Field::number, raid_info::subDeviceId, 2},
+    {"word332", Field::number, raid_info::wordProperty, 2},
+    {"byte335", Field::number, raid_info::byteProperty, 1},
+};
+
+constexpr Field physicalFields[]{
+    {"device_id", Field::number, physical_drive::deviceId, 2},
+    {"media_type", Field::number, physical_drive::mediaType, 1},
+    {"state", Field::number, physical_drive::state, 1},
+    {"vendor", Field::padded, physical_drive::vendor,
+     physical_drive::vendorLength},
+    {"model", Field::padded, physical_drive::model,
+     physical_drive::modelLength},
+    {"serial", Field::text, physical_drive::serial, 48},
+    {"text80", Field::text, physical_drive::driveText, 8},
+    {"interface_type", Field::number, physical_drive::interfaceType, 1},
+    {"link_speed", Field::number, physical_drive::linkSpeed, 1},
+    {"blocks", Field::number, physical_drive::blocks, 8},
+    {"block_size", Field::number, physical_drive::blockSize, 4},
+    {"temperature", Field::number, physical_drive::temperature, 1},
+    {"usage", Field::number, physical_drive::usage, 1},
+};
+
+constexpr auto mostMembers = UINT8_MAX;
+static_assert(logical_drive::members == logical_drive::memberCount + 1);
+
+constexpr Field logicalFields[]{
+    {"raid_level", Field::number, logical_drive::raidLevel, 1},
+    {"members", Field::members, logical_drive::memberCount,
+     1 + mostMembers* logical_drive::memberSize},
+};
+
+constexpr std::string_view otherControllerKeys[]{"supported_raid_levels",
+                                                 "physical", "logical"};
+
+constexpr RecordKind controllerKind{"raid_id", UINT32_MAX, controllerFields,
+                                    otherControllerKeys};
+constexpr RecordKind physicalKind{"device_id", UINT16_MAX, physicalFields};
+constexpr RecordKind logicalKind{"id", UINT16_MAX, logicalFields};
+
+constexpr std::array<std::string_view, 4> identifierKeys{
+    "vendor", "device", "subvendor", "subdevice"};
 
 constexpr std::array<std::string_view, 8> operationsWithResult{
     "checkRaidMgrExist", "getRaidIdList",     "getRaidInfoById",
     "getPhyDevIdList",   "getPhyDevInfoById", "getLogDevIdList",
     "getLogDevInfoById", "getRaidConf"};
+
+/** A value that is not what it has to be. */
+struct WrongValue : std::runtime_error
+{
+    WrongValue(const Json& value, const std::string& message) :
+        std::runtime_error(message),
+        value(&value)
+    {}
+
+    const Json* value;
+};
 
 void demand(bool isRight, const Json& value, const std::string& message)
 {
@@ -29,17 +121,33 @@ void demand(bool isRight, const Json& value, const std::string& message)
     }
 }
 
-void checkText(const Json& value) { textOf(value); }
+const std::string& textOf(const Json& value)
+{
+    demand(value.is_string(), value, "must be a text");
+    return value.get_ref<const std::string&>();
+}
 
-void checkMembers(const Json& object,
-                  const std::map<std::string_view, Check>& checks)
+uint64_t numberOf(const Json& value, uint64_t most)
+{
+    demand(value.is_number_unsigned() && value.get<uint64_t>() <= most, value,
+           "must be a whole number from 0 to " + std::to_string(most));
+    return value.get<uint64_t>();
+}
+
+const Json& listOf(const Json& value)
+{
+    demand(value.is_array(), value, "must be an array");
+    return value;
+}
+
+/** The members of an object; each has to be one that is taken. */
+void forEachMember(const Json& object, const auto& take)
 {
     demand(object.is_object(), object, "must be an object");
     for (const auto& [key, value] : object.items())
     {
-        const auto check = checks.find(key);
-        demand(check != checks.end(), value, "the key is unknown here");
-        check->second(value);
+        demand(take(std::string_view(key), value), value,
+               "the key is unknown here");
     }
 }
 
@@ -52,149 +160,326 @@ const Json& required(const Json& object, std::string_view key)
     return *found;
 }
 
+/** Little-endian, as wide as the area. */
+void storeNumber(uint64_t number, Bytes area)
+{
+    for (auto& byte : area)
+    {
+        byte = static_cast<unsigned char>(number);
+        number >>= 8;
+    }
+}
+
+uint64_t loadNumber(Bytes area)
+{
+    uint64_t number = 0;
+    for (auto byte = area.rbegin(); byte != area.rend(); ++byte)
+    {
+        number = number << 8 | *byte;
+    }
+    return number;
+}
+
+void storeNumber(const Json& value, Bytes area)
+{
+    storeNumber(numberOf(value, UINT64_MAX >> (64 - 8 * area.size())), area);
+}
+
+Bytes memberIn(Bytes area, std::size_t index)
+{
+    return area.subspan(1 + index * logical_drive::memberSize,
+                        sizeof(uint16_t));
+}
+
+void store(const Field& field, const Json& value, Bytes record)
+{
+    const auto area = record.subspan(field.offset, field.length);
+    if (field.kind == Field::number)
+    {
+        storeNumber(value, area);
+    }
+    else if (field.kind == Field::members)
+    {
+        area[0] = static_cast<unsigned char>(listOf(value).size());
+        for (std::size_t index = 0; index < value.size(); ++index)
+        {
+            demand(index < mostMembers, value[index],
+                   "is one member too many for a logical drive");
+            storeNumber(value[index], memberIn(area, index));
+        }
+    }
+    else
+    {
+        const auto& text = textOf(value);
+        demand(text.size() <= area.size(), value,
+               "must have at most " + std::to_string(area.size()) + " bytes");
+        std::ranges::fill(area, field.kind == Field::padded ? ' ' : 0);
+        std::ranges::copy(text, area.begin());
+    }
+}
+
+Json load(const Field& field, Bytes record)
+{
+    const auto area = record.subspan(field.offset, field.length);
+    if (field.kind == Field::number)
+    {
+        return loadNumber(area);
+    }
+    if (field.kind == Field::members)
+    {
+        auto members = Json::array();
+        for (std::size_t index = 0; index < area[0]; ++index)
+        {
+            members.push_back(loadNumber(memberIn(area, index)));
+        }
+        return members;
+    }
+    std::string text(area.begin(), std::ranges::find(area, 0));
+    if (field.kind == Field::padded)
+    {
+        text.resize(text.find_last_not_of(' ') + 1);
+    }
+    return text;
+}
+
+/** Bytes in hexadecimal, put anywhere. */
+void storeRaw(const std::string& key, const Json& value, Bytes record)
+{
+    std::size_t offset = record.size();
+    const auto* end = key.data() + key.size();
+    const auto isNumber = std::from_chars(key.data(), end, offset).ptr == end;
+    const auto& digits = textOf(value);
+    demand(isNumber && offset < record.size() && digits.size() % 2 == 0 &&
+               digits.size() / 2 <= record.size() - offset,
+           value,
+           "must be two digits for each byte, at an offset from 0 to " +
+               std::to_string(record.size() - 1) + " and no further");
+    for (std::size_t place = 0; place < digits.size(); place += 2)
+    {
+        const auto* next = digits.data() + place + 2;
+        auto& byte = record[offset + place / 2];
+        demand(std::from_chars(next - 2, next, byte, 16).ptr == next, value,
+               "must consist of hexadecimal digits");
+    }
+}
+
+/** Each run of bytes that differ, by its offset. */
+Json differences(Bytes record, Bytes described)
+{
+    constexpr std::string_view digits = "0123456789abcdef";
+    std::map<std::size_t, std::string> runs;
+    for (std::size_t place = 0, start = 0; place < record.size(); ++place)
+    {
+        if (record[place] == described[place])
+        {
+            start = place + 1;
+            continue;
+        }
+        runs[start] += {digits[record[place] / 16], digits[record[place] % 16]};
+    }
+    Json raw;
+    for (const auto& [start, bytes] : runs)
+    {
+        raw[std::to_string(start)] = bytes;
+    }
+    return raw;
+}
+
+/** Bytes without a key stay as they are; "raw" goes over all that have one. */
+void fill(const Json& description, const RecordKind& kind, Bytes record)
+{
+    const auto take = [&](std::string_view key, const Json& value) {
+        const auto field = std::ranges::find(kind.fields, key, &Field::key);
+        if (field != kind.fields.end())
+        {
+            store(*field, value, record);
+        }
+        return field != kind.fields.end() || key == kind.idKey ||
+               key == "raw" || std::ranges::count(kind.otherKeys, key) > 0;
+    };
+    forEachMember(description, take);
+    if (const auto raw = description.find("raw"); raw != description.end())
+    {
+        forEachMember(*raw, [&](std::string_view key, const Json& value) {
+            storeRaw(std::string(key), value, record);
+            return true;
+        });
+    }
+}
+
+/** What fills a blank record so; nothing that changes nothing. */
+template <typename Item>
+Json describe(Item item, const RecordKind& kind, decltype(Item::record) blank)
+{
+    Json description{{kind.idKey, item.id}};
+    for (const auto& field : kind.fields)
+    {
+        auto value = load(field, item.record.bytes);
+        if (field.key != kind.idKey && value != load(field, blank.bytes) &&
+            (!value.is_string() || isUtf8(value)))
+        {
+            description[std::string(field.key)] = std::move(value);
+        }
+    }
+    fill(description, kind, blank.bytes);
+    if (auto raw = differences(item.record.bytes, blank.bytes); !raw.empty())
+    {
+        description["raw"] = std::move(raw);
+    }
+    return description;
+}
+
 /** The elements of a list, each with an id of its own. */
-void checkIds(const Json& list, std::string_view idKey, uint32_t most,
-              const auto& check)
+template <typename Item>
+void readItems(const Json& list, const RecordKind& kind,
+               decltype(Item::record) blank, std::vector<Item>& items)
 {
-    demand(list.is_array(), list, "must be an array");
     std::set<uint64_t> seen;
-    for (const auto& element : list)
+    for (const auto& element : listOf(list))
     {
-        const auto& id = required(element, idKey);
-        demand(seen.insert(numberOf(id, most)).second, id,
-               "the id stands here twice");
-        check(element);
+        const auto& place = required(element, kind.idKey);
+        const auto id = static_cast<uint32_t>(numberOf(place, kind.mostId));
+        demand(seen.insert(id).second, place, "the id stands here twice");
+        items.push_back({id, blank});
+        fill(element, kind, items.back().record.bytes);
     }
 }
 
-template <typename Record>
-void checkRecord(const Json& description, const RecordKind& kind)
+void readControllers(const Json& list, std::vector<Controller>& controllers)
 {
-    Record record{};
-    fill(description, kind, record.bytes);
-}
-
-void checkController(const Json& controller)
-{
-    checkRecord<RAIDInfo_T>(controller, controllers);
-    for (const auto& [key, value] : controller.items())
+    readItems(list, controllerKind, {}, controllers);
+    for (std::size_t index = 0; index < list.size(); ++index)
     {
-        if (key == "supported_raid_levels")
+        auto& controller = controllers[index];
+        for (const auto& [key, value] : list[index].items())
         {
-            textOf(value);
-        }
-        else if (key == "physical")
-        {
-            checkIds(value, "device_id", UINT16_MAX, [](const Json& drive) {
-                checkRecord<PhyDevInfo_T>(drive, physicalDrives);
-            });
-        }
-        else if (key == "logical")
-        {
-            checkIds(value, "id", UINT16_MAX, [](const Json& drive) {
-                checkRecord<LogicalDevInfo_T>(drive, logicalDrives);
-            });
+            if (key == "supported_raid_levels")
+            {
+                controller.levels = textOf(value);
+            }
+            else if (key == "physical")
+            {
+                readItems(value, physicalKind, blankDrive(controller.id),
+                          controller.physical);
+            }
+            else if (key == "logical")
+            {
+                readItems(value, logicalKind, {}, controller.logical);
+            }
         }
     }
 }
 
-void checkIdentifier(const Json& value)
+const std::string& identifierOf(const Json& value)
 {
     const auto& text = textOf(value);
     demand(text.size() == sizeof("0x0000") - 1 && text.starts_with("0x") &&
                text.find_first_not_of("0123456789abcdef", 2) == text.npos,
            value, "must be 0x and four lower-case hexadecimal digits");
+    return text;
 }
 
-void checkOutputs(const Json& value)
+void readConfiguration(const Json& list, std::vector<Configuration>& entries)
 {
-    demand(value.is_array() && value.size() == 4, value,
-           "must have four texts");
-    std::ranges::for_each(value, checkText);
-}
-
-void checkConfiguration(const Json& list)
-{
-    demand(list.is_array(), list, "must be an array");
-    std::set<std::vector<std::string>> seen;
-    for (const auto& entry : list)
+    for (const auto& json : listOf(list))
     {
-        checkMembers(entry, {{"vendor", checkIdentifier},
-                             {"device", checkIdentifier},
-                             {"subvendor", checkIdentifier},
-                             {"subdevice", checkIdentifier},
-                             {"outputs", checkOutputs}});
-        required(entry, "outputs");
-        std::vector<std::string> identifiers;
-        for (const auto key : identifierKeys)
+        Configuration entry;
+        forEachMember(json, [](std::string_view key, const Json&) {
+            return key == "outputs" ||
+                   std::ranges::count(identifierKeys, key) > 0;
+        });
+        const auto& texts = required(json, "outputs");
+        demand(texts.is_array() && texts.size() == entry.outputs.size(), texts,
+               "must have four texts");
+        std::ranges::transform(texts, entry.outputs.begin(), textOf);
+        std::ranges::transform(identifierKeys, entry.identifiers.begin(),
+                               [&](std::string_view key) {
+                                   return identifierOf(required(json, key));
+                               });
+        demand(std::ranges::count(entries, entry.identifiers,
+                                  &Configuration::identifiers) == 0,
+               json, "the identifiers stand here twice");
+        entries.push_back(std::move(entry));
+    }
+}
+
+void readTexts(const Json& json, Section& section)
+{
+    forEachMember(json, [&](std::string_view key, const Json& value) {
+        const auto kind = std::ranges::find(codeKinds, key);
+        if (key == "unknown")
         {
-            identifiers.push_back(textOf(required(entry, key)));
+            section.unknown = textOf(value);
+            return true;
         }
-        demand(seen.insert(identifiers).second, entry,
-               "the identifiers stand here twice");
-    }
+        if (kind == codeKinds.end())
+        {
+            return false;
+        }
+        forEachMember(value, [&](std::string_view number, const Json& text) {
+            uint8_t code = 0;
+            std::from_chars(number.begin(), number.end(), code);
+            demand(std::to_string(code) == number, text,
+                   "must be the text of a code from 0 to 255");
+            section.texts[{kind - codeKinds.begin(), code}] = textOf(text);
+            return true;
+        });
+        return true;
+    });
 }
 
-void checkCodes(const Json& codes)
+Fault readFault(const Json& json)
 {
-    demand(codes.is_object(), codes, "must be an object");
-    for (const auto& [key, text] : codes.items())
-    {
-        uint8_t code = 0;
-        std::from_chars(key.data(), key.data() + key.size(), code);
-        const auto isCode = std::to_string(code) == key;
-        demand(isCode, text, "must be the text of a code from 0 to 255");
-        textOf(text);
-    }
-}
-
-void checkTexts(const Json& texts)
-{
-    std::map<std::string_view, Check> checks{{"unknown", checkText}};
-    for (const auto key : codeKeys)
-    {
-        checks.emplace(key, checkCodes);
-    }
-    checkMembers(texts, checks);
-}
-
-void checkFault(const Json& fault)
-{
-    const auto& operation = textOf(required(fault, "operation"));
-    demand(std::ranges::find(operationsWithResult, operation) !=
-               operationsWithResult.end(),
-           fault["operation"],
-           '"' + operation + "\" is not an operation with a result");
-    const auto& result = required(fault, "result");
+    Fault fault{textOf(required(json, "operation")), 0, {}};
+    demand(std::ranges::count(operationsWithResult, fault.operation) > 0,
+           json["operation"],
+           '"' + fault.operation + "\" is not an operation with a result");
+    const auto& result = required(json, "result");
     demand(result.is_number_integer() && result == result.get<int>(), result,
            "must be a whole number of 32 bits");
-    const auto ignore = [](const Json&) {};
-    checkMembers(fault, {{"operation", ignore},
-                         {"result", ignore},
-                         {"call", [](const Json& value) {
-                              demand(numberOf(value, UINT32_MAX) > 0, value,
-                                     "must be at least 1");
-                          }}});
+    fault.result = result;
+    forEachMember(json, [&](std::string_view key, const Json& value) {
+        if (key == "call")
+        {
+            fault.call = static_cast<uint32_t>(numberOf(value, UINT32_MAX));
+            demand(fault.call != 0, value, "must be at least 1");
+        }
+        return key == "call" || key == "operation" || key == "result";
+    });
+    return fault;
 }
 
-void checkSection(const Json& section)
+void readSection(const Json& json, Section& section)
 {
-    checkMembers(section,
-                 {{"manager_present",
-                   [](const Json& value) {
-                       demand(value.is_boolean(), value,
-                              "must be true or false");
-                   }},
-                  {"controllers",
-                   [](const Json& list) {
-                       checkIds(list, "raid_id", UINT32_MAX, checkController);
-                   }},
-                  {"configuration", checkConfiguration},
-                  {"texts", checkTexts},
-                  {"faults", [](const Json& list) {
-                       demand(list.is_array(), list, "must be an array");
-                       std::ranges::for_each(list, checkFault);
-                   }}});
+    forEachMember(json, [&](std::string_view key, const Json& value) {
+        if (key == "manager_present")
+        {
+            demand(value.is_boolean(), value, "must be true or false");
+            section.hasManager = value;
+        }
+        else if (key == "controllers")
+        {
+            readControllers(value, section.controllers);
+        }
+        else if (key == "configuration")
+        {
+            readConfiguration(value, section.configuration);
+        }
+        else if (key == "texts")
+        {
+            readTexts(value, section);
+        }
+        else if (key == "faults")
+        {
+            std::ranges::transform(
+                listOf(value), std::back_inserter(section.faults), readFault);
+        }
+        else
+        {
+            return false;
+        }
+        return true;
+    });
 }
 
 /** Where a value stands; it is looked for only when that is wanted. */
@@ -218,17 +503,96 @@ bool findPlace(const Json& wanted, const Json& inside, std::string& place)
 
 } // namespace
 
-void check(const Json& section)
+PhyDevInfo_T blankDrive(uint32_t raidId)
+{
+    PhyDevInfo_T record{};
+    storeNumber(raidId, Bytes(record.bytes).first(sizeof(raidId)));
+    return record;
+}
+
+Section read(const Json& json)
 {
     try
     {
-        checkSection(section);
+        Section section;
+        readSection(json, section);
+        return section;
     }
     catch (const WrongValue& wrong)
     {
         std::string place;
-        findPlace(*wrong.value, section, place);
+        findPlace(*wrong.value, json, place);
         throw Mistake(place, wrong.what());
+    }
+}
+
+Section parse(const std::string& text, const std::string& name)
+{
+    try
+    {
+        return read(Json::parse(text));
+    }
+    catch (const Mistake& mistake)
+    {
+        throw std::runtime_error(name + ": " + mistake.place + ": " +
+                                 mistake.what());
+    }
+    catch (const Json::exception& error)
+    {
+        throw std::runtime_error(name + ": " + error.what());
+    }
+}
+
+Json write(const Section& section)
+{
+    Json json{{"controllers", Json::array()}};
+    for (const auto& controller : section.controllers)
+    {
+        auto described = describe(controller, controllerKind, {});
+        if (!controller.levels.empty())
+        {
+            described["supported_raid_levels"] = controller.levels;
+        }
+        for (const auto& drive : controller.physical)
+        {
+            described["physical"].push_back(
+                describe(drive, physicalKind, blankDrive(controller.id)));
+        }
+        for (const auto& drive : controller.logical)
+        {
+            described["logical"].push_back(describe(drive, logicalKind, {}));
+        }
+        json["controllers"].push_back(std::move(described));
+    }
+    for (const auto& [identifiers, outputs] : section.configuration)
+    {
+        auto& entry = json["configuration"].emplace_back();
+        for (std::size_t index = 0; index < identifiers.size(); ++index)
+        {
+            entry[std::string(identifierKeys[index])] = identifiers[index];
+        }
+        entry["outputs"] = outputs;
+    }
+    auto& texts = json["texts"];
+    for (const auto& [code, text] : section.texts)
+    {
+        texts[std::string(codeKinds[code.first])][std::to_string(code.second)] =
+            text;
+    }
+    texts["unknown"] = section.unknown;
+    return json;
+}
+
+bool isUtf8(const std::string& text)
+{
+    try
+    {
+        Json(text).dump();
+        return true;
+    }
+    catch (const Json::exception&)
+    {
+        return false;
     }
 }
 

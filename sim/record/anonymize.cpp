@@ -13,15 +13,14 @@
 #include <functional>
 #include <map>
 #include <new>
-#include <stdexcept>
+#include <set>
 #include <string>
 #include <string_view>
-#include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace morvath::sim
 {
-
 namespace
 {
 
@@ -32,105 +31,96 @@ using Json = nlohmann::ordered_json;
 constexpr std::size_t shortest = 4;
 constexpr std::size_t unmistakable = 8;
 
-/** Where a secret is looked for. */
-enum Scope : std::size_t
+enum class Secrecy
 {
-    /** In all texts, whatever stands between its letters and digits. */
-    everywhere,
-    /** In all texts, as it is spelt: addresses. */
-    asSpelt,
-    /** Likewise, but as a word and not in paths: names of hosts. */
-    asWord,
-    /** Nowhere: it only looks like a secret. */
-    nowhere,
-    /** What a text with no rule for its name has. */
     unruled,
+    /** It only looks like a secret. */
+    harmless,
+    /** Serial numbers, MAC addresses and the like. */
+    identifier,
+    host,
+    /** Of the internet; under such a name there may be a host, too. */
+    address,
 };
 
-/** A POSIX expression for texts in small letters. */
-class Pattern
+/** A kind of secret and an expression for texts in small letters. */
+struct Form
 {
-  public:
-    Pattern(Scope scope, const char* text) : scope(scope)
+    Form(Secrecy secrecy, const char* expression) : secrecy(secrecy)
     {
-        if (regcomp(&compiled, text, REG_EXTENDED) != 0)
+        if (regcomp(&pattern, expression, REG_EXTENDED) != 0)
         {
             throw std::bad_alloc();
         }
     }
 
-    Pattern(const Pattern&) = delete;
-    Pattern& operator=(const Pattern&) = delete;
+    Form(const Form&) = delete;
+    Form& operator=(const Form&) = delete;
 
-    ~Pattern() { regfree(&compiled); }
+    ~Form() { regfree(&pattern); }
 
     bool matches(const std::string& text) const
     {
-        return regexec(&compiled, text.c_str(), 0, nullptr, 0) == 0;
+        return regexec(&pattern, text.c_str(), 0, nullptr, 0) == 0;
     }
 
     /** Calls the action with each match of the second group. */
     void forEach(const std::string& text, const auto& action) const
     {
-        std::array<regmatch_t, 3> groups{};
-        const auto end = static_cast<regoff_t>(text.size());
-        for (regoff_t place = 0;; place = groups[2].rm_eo)
+        std::array<regmatch_t, 3> groups;
+        for (const auto* rest = text.c_str();
+             regexec(&pattern, rest, groups.size(), groups.data(),
+                     rest == text.c_str() ? 0 : REG_NOTBOL) == 0;
+             rest += groups[2].rm_eo)
         {
-            groups[0] = {place, end};
-            if (regexec(&compiled, text.c_str(), groups.size(), groups.data(),
-                        REG_STARTEND | (place == 0 ? 0 : REG_NOTBOL)) != 0)
-            {
-                return;
-            }
-            action(text.substr(
-                static_cast<std::size_t>(groups[2].rm_so),
-                static_cast<std::size_t>(groups[2].rm_eo - groups[2].rm_so)));
+            action(std::string(rest + groups[2].rm_so, rest + groups[2].rm_eo));
         }
     }
 
-    const Scope scope;
-
-  private:
-    regex_t compiled{};
+    Secrecy secrecy;
+    regex_t pattern{};
 };
-
-/** The ends of names of properties: letters and digits, in small letters. */
-const std::array<Pattern, 4>& namePatterns()
-{
-    static const std::array<Pattern, 4> patterns{{
-        // Four numbers of a version are not an address.
-        {nowhere, "(version|text132)$"},
-        {everywhere, "(serial(number)?|servicetag|assettag|ppid|uuid|guid|"
-                     "uniqueidentifier|ww[np]?n|worldwidename|macaddress|"
-                     "text84|text164)$"},
-        {asWord, "(hostname|domainname|fqdn)$"},
-        // Addresses, names of hosts or something else.
-        {asSpelt, "(ntpservers|address|gateway)$"},
-    }};
-    return patterns;
-}
 
 #define APART(contents) \
     "(^|[^[:alnum:].])(" contents ")($|[^[:alnum:].]|\\.($|[^[:alnum:]]))"
 #define HEX "[0-9a-f]"
 #define IPV4 "[0-9]{1,3}(\\.[0-9]{1,3}){3}"
 
-/** What is a secret in any text, as the second group. */
-const std::array<Pattern, 7>& formPatterns()
+struct Forms
 {
-    static const std::array<Pattern, 7> patterns{{
-        {everywhere, APART(HEX "{8}([-_:]" HEX "{4}){3}[-_:]" HEX "{12}")},
-        {everywhere, APART(HEX "{2}([-_:]" HEX "{2}){5,}")},
-        {everywhere, APART(HEX "{4}\\." HEX "{4}\\." HEX "{4}")},
-        {everywhere,
-         APART("(0x|eui\\.|naa\\.)?(" HEX "{12}|" HEX "{16}|" HEX "{32})")},
-        {asSpelt, APART(IPV4)},
-        {asSpelt, APART("(" HEX "{0,4}:){2,7}(" HEX "{1,4}|" IPV4 ")?")},
-        // In a URL.
-        {asWord, "://([^/?#@ ]*@)?([0-9.-]*[a-z][a-z0-9.-]*)"},
+    /** The ends of names of properties. */
+    const std::array<Form, 4> names{{
+        // Four numbers of a version are not an address.
+        {Secrecy::harmless, "(version|text132)$"},
+        {Secrecy::identifier,
+         "(serial(number)?|servicetag|assettag|ppid|uuid|guid|"
+         "uniqueidentifier|ww[np]?n|worldwidename|macaddress|"
+         "text84|text164)$"},
+        {Secrecy::host, "(hostname|domainname|fqdn)$"},
+        {Secrecy::address, "(ntpservers|address|gateway)$"},
     }};
-    return patterns;
-}
+
+    /** What is a secret in any text, as the second group. */
+    const std::array<Form, 3> texts{{
+        {Secrecy::identifier,
+         APART(HEX "{8}([-_:]" HEX "{4}){3}[-_:]" HEX "{12}|" HEX
+                   "{2}([-_:]" HEX "{2}){5,}|" HEX "{4}\\." HEX "{4}\\." HEX
+                   "{4}|"
+                   "(0x|eui\\.|naa\\.)?"
+                   "(" HEX "{12}|" HEX "{16}|" HEX "{32})")},
+        {Secrecy::host, "://([^/?#@ ]*@)?([0-9.-]*[a-z][a-z0-9.-]*)"},
+        {Secrecy::address,
+         APART(IPV4 "|(" HEX "{0,4}:){2,7}(" HEX "{1,4}|" IPV4 ")?")},
+    }};
+
+    /** "0x50" of an address is not the name of a host. */
+    const Form hostName{Secrecy::host, "^[0-9.-]*[a-wyz][a-z0-9.-]*$"};
+
+    const Form placeholder{Secrecy::harmless,
+                           "^(0*|f*|x*|defaultstring|localhost|na|none|null|"
+                           "not(available|set|specified)|unknown|unspecified|"
+                           "tobefilledbyoem)$"};
+};
 
 bool isLetter(char character)
 {
@@ -140,194 +130,128 @@ bool isLetter(char character)
 
 bool isDigit(char character) { return character >= '0' && character <= '9'; }
 
-std::string inSmallLetters(std::string text)
-{
-    std::ranges::transform(text, text.begin(), [](unsigned char character) {
-        return static_cast<char>(std::tolower(character));
-    });
-    return text;
-}
-
 /** The letters and digits alone. */
 std::string lettersOf(std::string text)
 {
-    std::erase_if(text, [](char character) { return !isLetter(character); });
+    std::erase_if(text, std::not_fn(isLetter));
     return text;
 }
 
-/** A name as a segment of an object path, as the platform's binding does it. */
-std::string encoded(std::string_view name)
+/** A text in small letters. */
+struct View
 {
-    constexpr std::string_view digits = "0123456789abcdef";
-    std::string segment;
-    for (const unsigned char byte : name)
+    /** @param[in] isPath  whether characters may be written as "_3a" */
+    View(const std::string& whole, bool isPath)
     {
-        if (!segment.empty() && std::isalnum(byte) != 0)
+        for (std::size_t place = 0; place < whole.size(); ++place)
         {
-            segment += static_cast<char>(byte);
+            auto character = whole[place];
+            const auto start = place;
+            if (isPath && character == '_' && place + 2 < whole.size() &&
+                std::isxdigit(whole[place + 1]) &&
+                std::isxdigit(whole[place + 2]))
+            {
+                const auto code = whole.substr(place + 1, 2);
+                character = static_cast<char>(std::stoi(code, nullptr, 16));
+                place += code.size();
+            }
+            text += static_cast<char>(
+                std::tolower(static_cast<unsigned char>(character)));
+            if (isLetter(character))
+            {
+                isFirst.push_back(text.size() == 1 ||
+                                  !isLetter(text[text.size() - 2]));
+                places.push_back(start);
+                letters += text.back();
+            }
         }
-        else
-        {
-            segment += {'_', digits[byte >> 4], digits[byte & 0xf]};
-        }
+        isFirst.push_back(true);
     }
-    return segment;
+
+    std::string text{};
+    std::string letters{};
+    /** Of each letter and the end: whether nothing joins it to those before. */
+    std::vector<bool> isFirst{};
+    std::vector<std::size_t> places{};
+};
+
+/** Puts a small letter where there may be a capital one, or a code. */
+void putLetter(std::string& text, std::size_t place, char letter)
+{
+    if (text[place] == '_')
+    {
+        constexpr std::string_view digits = "0123456789abcdef";
+        const auto byte = static_cast<unsigned char>(letter);
+        text[place + 1] = digits[byte / 16];
+        text[place + 2] = digits[byte % 16];
+        return;
+    }
+    const auto isCapital =
+        std::isupper(static_cast<unsigned char>(text[place])) != 0;
+    text[place] = isCapital ? static_cast<char>(std::toupper(letter)) : letter;
 }
 
-/** The reverse, as far as there are codes. */
-std::string decoded(const std::string& path)
-{
-    std::string text;
-    for (std::size_t place = 0; place < path.size(); ++place)
-    {
-        const auto code = path.substr(place, sizeof("_00") - 1);
-        if (code.size() == 3 && code[0] == '_' && std::isxdigit(code[1]) &&
-            std::isxdigit(code[2]))
-        {
-            text += static_cast<char>(std::stoi(code.substr(1), nullptr, 16));
-            place += 2;
-        }
-        else
-        {
-            text += path[place];
-        }
-    }
-    return text;
-}
-
-/** Whether it is an address of either family that many machines have. */
-bool isCommonAddress(const std::string& text)
+/** Whether it is an address, and not one that many machines have. */
+bool isTellingAddress(const std::string& text)
 {
     in6_addr six{};
     if (inet_pton(AF_INET6, text.c_str(), &six) == 1)
     {
-        return IN6_IS_ADDR_UNSPECIFIED(&six) || IN6_IS_ADDR_LOOPBACK(&six) ||
-               IN6_IS_ADDR_MULTICAST(&six);
+        return !IN6_IS_ADDR_UNSPECIFIED(&six) && !IN6_IS_ADDR_LOOPBACK(&six) &&
+               !IN6_IS_ADDR_MULTICAST(&six);
     }
     in_addr four{};
-    inet_pton(AF_INET, text.c_str(), &four);
+    const auto isAddress = inet_pton(AF_INET, text.c_str(), &four) == 1;
     const auto number = ntohl(four.s_addr);
     const auto first = number >> 24;
     const auto hostPart = ~number;
     const auto isNetmask = first == 255 && (hostPart & (hostPart + 1)) == 0;
-    return number == 0 || first == IN_LOOPBACKNET || IN_MULTICAST(number) ||
-           isNetmask;
+    return isAddress && number != 0 && first != IN_LOOPBACKNET &&
+           !IN_MULTICAST(number) && !isNetmask;
 }
 
-bool isAddress(const std::string& text)
+/** Whether it is the number of one machine, and not just formed like one. */
+bool isTellingNumber(const std::string& text)
 {
-    in6_addr bytes{};
-    return inet_pton(AF_INET, text.c_str(), &bytes) == 1 ||
-           inet_pton(AF_INET6, text.c_str(), &bytes) == 1;
+    const auto letters = lettersOf(text);
+    const auto isGroupAddress =
+        !isLetter(text[2]) && letters.size() == 12 &&
+        std::string_view("13579bdf").contains(letters[1]);
+    const auto isNumber = text.find_first_not_of("0123456789.") == text.npos;
+    const auto isUniform =
+        letters.find_first_not_of(letters[0]) == letters.npos;
+    return !isGroupAddress && !isNumber && !isUniform &&
+           std::ranges::any_of(text, isDigit);
 }
 
 /** The masks of a shape by number; an empty one when there are no more. */
-std::string maskOf(std::string text, Scope scope, uint64_t number)
+std::string maskOf(const std::string& secret, Secrecy secrecy, uint64_t number)
 {
-    const auto original = text;
-    const auto isHex =
-        lettersOf(text).find_first_not_of("0123456789abcdef") == text.npos;
-    for (auto place = text.size(); place-- > 0;)
+    std::string mask;
+    for (auto place = secret.size(); place-- > 0;)
     {
-        std::string_view alphabet = "abcdefghijklmnopqrstuvwxyz";
-        alphabet = alphabet.substr(0, isHex ? 6 : alphabet.size());
-        if (isDigit(text[place]) && scope == asSpelt)
+        std::string_view alphabet = "abcdef";
+        if (isDigit(secret[place]) && secrecy == Secrecy::address)
         {
             // Numbers of an address do not begin with 0 and end at 255.
-            const auto isFirst = place == 0 || !isDigit(original[place - 1]);
-            const auto isHundred = isDigit(original.c_str()[place + 1]) &&
-                                   isDigit(original.c_str()[place + 2]);
-            alphabet = isFirst && isHundred ? "1" : "123456789";
+            const auto isHundred =
+                (place == 0 || !isDigit(secret[place - 1])) &&
+                isDigit(secret.c_str()[place + 1]) &&
+                isDigit(secret.c_str()[place + 2]);
+            alphabet = isHundred ? "1" : "123456789";
         }
-        else if (isDigit(text[place]))
+        else if (isDigit(secret[place]))
         {
             alphabet = "0123456789";
         }
-        if (isLetter(text[place]))
+        if (isLetter(secret[place]))
         {
-            text[place] = alphabet[number % alphabet.size()];
+            mask += alphabet[number % alphabet.size()];
             number /= alphabet.size();
         }
     }
-    return number == 0 ? text : "";
-}
-
-/** A MAC address or a worldwide name, grouped as it is written elsewhere. */
-std::string grouped(const std::string& digits, std::size_t length, char mark)
-{
-    std::string text;
-    for (std::size_t place = 0; place < digits.size(); ++place)
-    {
-        text.append(place > 0 && place % length == 0 ? 1 : 0, mark);
-        text += digits[place];
-    }
-    return text;
-}
-
-/** How a secret is spelt in one place or another; the same for its mask. */
-std::vector<std::string> spellingsOf(const std::string& text, Scope scope)
-{
-    std::vector<std::string> spellings{text};
-    if (scope == asWord)
-    {
-        return spellings;
-    }
-    spellings.push_back(encoded(text));
-    spellings.push_back(text);
-    std::ranges::replace_if(spellings.back(), std::not_fn(isLetter), '_');
-    const auto letters = lettersOf(text);
-    if (scope == everywhere)
-    {
-        spellings.push_back(letters);
-    }
-    if (scope == everywhere && (letters.size() == 12 || letters.size() == 16))
-    {
-        spellings.push_back(grouped(letters, 2, ':'));
-        spellings.push_back(grouped(letters, 2, '-'));
-        spellings.push_back(grouped(letters, 2, '_'));
-        spellings.push_back(grouped(letters, 4, '.'));
-    }
-    return spellings;
-}
-
-struct Replacement
-{
-    /** Of the same length. */
-    std::string mask;
-    Scope scope;
-};
-
-using Replacements = std::map<std::string, Replacement, std::less<>>;
-
-/** The longest one that a text begins with and that fits there. */
-const Replacements::value_type* longestPrefix(const Replacements& replacements,
-                                              std::string_view text,
-                                              const auto& fits)
-{
-    while (!text.empty())
-    {
-        auto found = replacements.upper_bound(text);
-        if (found == replacements.begin())
-        {
-            return nullptr;
-        }
-        --found;
-        const auto [end, other] = std::ranges::mismatch(text, found->first);
-        const auto common = static_cast<std::size_t>(end - text.begin());
-        if (other != found->first.end())
-        {
-            text = text.substr(0, common);
-        }
-        else if (fits(*found))
-        {
-            return &*found;
-        }
-        else
-        {
-            text = text.substr(0, common - 1);
-        }
-    }
-    return nullptr;
+    std::ranges::reverse(mask);
+    return number == 0 ? mask : "";
 }
 
 /** Collects the secrets of a scenario, and then masks them. */
@@ -336,81 +260,83 @@ class Anonymizer
   public:
     void anonymize(Json& scenario)
     {
-        walk(scenario, unruled);
+        walk(scenario, Secrecy::unruled);
         assignMasks();
         isMasking = true;
-        walk(scenario, unruled);
+        walk(scenario, Secrecy::unruled);
     }
 
   private:
-    Scope ruleFor(const std::string& name)
+    struct Secret
     {
-        const auto [known, isNew] = rules.emplace(name, unruled);
-        if (isNew)
-        {
-            const auto letters = lettersOf(inSmallLetters(name));
-            for (const auto& pattern : namePatterns())
-            {
-                if (known->second == unruled && pattern.matches(letters))
-                {
-                    known->second = pattern.scope;
-                }
-            }
-        }
-        return known->second;
-    }
+        Secrecy secrecy;
+        std::string spelling;
+        std::string mask{};
+    };
+
+    /** By their letters and digits. */
+    using Secrets = std::map<std::string, Secret, std::less<>>;
 
     /** @param[in] isValue  whether keys belong to a dictionary of the bus */
-    void walk(Json& json, Scope rule, bool isValue = false)
+    void walk(Json& json, Secrecy secrecy, bool isValue = false)
     {
         if (json.is_string())
         {
-            changeText(json.get_ref<std::string&>(), rule);
+            change(json.get_ref<std::string&>(), secrecy);
         }
         else if (json.is_array())
         {
             for (auto& element : json)
             {
-                walk(element, rule, isValue);
+                walk(element, secrecy, isValue);
             }
         }
-        else if (json.is_object() && json.contains("type") &&
-                 json.contains("value"))
+        else if (json.contains("type") && json.contains("value"))
         {
-            json["type"] == "ay" ? changeBytes(json["value"], rule)
-                                 : walk(json["value"], rule, true);
+            json["type"] == "ay" ? changeBytes(json["value"], secrecy)
+                                 : walk(json["value"], secrecy, true);
         }
         else if (json.is_object())
         {
-            walkMembers(json, rule, isValue);
+            walkMembers(json, secrecy, isValue);
         }
     }
 
-    void walkMembers(Json& json, Scope rule, bool isValue)
+    void walkMembers(Json& json, Secrecy secrecy, bool isValue)
     {
-        if (!isValue)
+        Json::object_t changed;
+        for (auto& [name, member] : json.get_ref<Json::object_t&>())
         {
             // Of these bytes of a record nobody knows what they tell.
-            json.erase("raw");
-        }
-        Json::object_t::Container changed;
-        for (const auto& [name, member] : json.items())
-        {
+            if (name == "raw" && !isValue && !member.contains("type"))
+            {
+                continue;
+            }
+            const auto own = secrecyOf(name);
+            walk(member, isValue && own == Secrecy::unruled ? secrecy : own,
+                 isValue);
             auto key = name;
-            const auto own = ruleFor(name);
-            walk(member, isValue && own == unruled ? rule : own, isValue);
             if (isValue)
             {
-                changeText(key, unruled);
+                change(key, Secrecy::unruled);
             }
             changed.emplace_back(std::move(key), std::move(member));
         }
-        Json::object_t::Container& members = json.get_ref<Json::object_t&>();
-        members = std::move(changed);
+        json.get_ref<Json::object_t&>().swap(changed);
+    }
+
+    Secrecy secrecyOf(const std::string& name) const
+    {
+        const auto letters = View(name, false).letters;
+        const auto rule =
+            std::ranges::find_if(forms.names, [&](const Form& form) {
+                return form.matches(letters);
+            });
+        return rule == forms.names.end() ? Secrecy::unruled : rule->secrecy;
     }
 
     /** Vital product data often comes as the bytes of a text. */
-    void changeBytes(Json& bytes, Scope rule)
+    void changeBytes(Json& bytes, Secrecy secrecy)
     {
         std::string text;
         for (const auto& byte : bytes)
@@ -422,209 +348,171 @@ class Anonymizer
                 return std::isprint(byte) != 0;
             }))
         {
-            changeText(text, rule);
+            change(text, secrecy);
             std::ranges::copy(text, bytes.begin());
         }
     }
 
-    void changeText(std::string& text, Scope rule)
+    void change(std::string& text, Secrecy secrecy)
     {
-        if (isMasking)
+        for (const auto isPath : {false, true})
         {
-            mask(text, rule < nowhere);
-        }
-        else if (rule != nowhere)
-        {
-            collect(inSmallLetters(text), rule);
-            if (text.starts_with('/'))
+            if (isPath && !text.starts_with('/'))
             {
-                collect(inSmallLetters(decoded(text)), rule);
+                return;
+            }
+            const View view(text, isPath);
+            if (isMasking)
+            {
+                mask(text, view, secrecy > Secrecy::harmless);
+            }
+            else if (secrecy != Secrecy::harmless)
+            {
+                collect(view.text, secrecy);
             }
         }
     }
 
-    void collect(std::string text, Scope rule)
+    void collect(std::string text, Secrecy secrecy)
     {
         const auto start = std::min(text.find_first_not_of(' '), text.size());
         text = text.substr(start, text.find_last_not_of(' ') + 1 - start);
         auto isKnown = false;
-        for (const auto& form : formPatterns())
+        for (const auto& form : forms.texts)
         {
             form.forEach(text, [&](const std::string& match) {
-                isKnown |= match.size() == text.size();
-                noteForm(match, form.scope);
+                isKnown |= match == text;
+                noteForm(match, form.secrecy);
             });
         }
-        if (isKnown || rule == unruled)
+        const auto isHost =
+            secrecy == Secrecy::address && forms.hostName.matches(text);
+        if (!isKnown && (secrecy == Secrecy::identifier ||
+                         secrecy == Secrecy::host || isHost))
         {
-            return;
-        }
-        // "0x50" of an address is not the name of a host.
-        static const Pattern hostName(asWord, "^[0-9.-]*[a-wyz][a-z0-9.-]*$");
-        if (rule != asSpelt || hostName.matches(text))
-        {
-            note(text, rule == asSpelt ? asWord : rule);
+            note(text, isHost ? Secrecy::host : secrecy);
         }
     }
 
-    void noteForm(std::string text, Scope scope)
+    void noteForm(std::string text, Secrecy secrecy)
     {
-        if (scope == asSpelt)
+        // A colon after an address is not a part of it.
+        if (secrecy == Secrecy::address && text.ends_with(':') &&
+            !text.ends_with("::"))
         {
-            // A colon after an address is not a part of it.
-            text.resize(text.size() - (isAddress(text) ? 0 : 1));
-            if (isAddress(text) && !isCommonAddress(text))
-            {
-                note(text, scope);
-            }
-            return;
+            text.pop_back();
         }
-        const auto letters =
-            lettersOf(text.substr(text.find('.') == 3 ? 4 : 0));
-        const auto hasPairs =
-            text[2] == '-' || text[2] == ':' || text[2] == '_';
-        const auto isGroupAddress =
-            hasPairs && letters.size() == 12 &&
-            std::string_view("13579bdf").contains(letters[1]);
-        const auto isNumber = std::ranges::all_of(text, [](char character) {
-            return isDigit(character) || character == '.';
-        });
-        const auto isWord = std::ranges::none_of(text, isDigit);
-        const auto isUniform =
-            letters.find_first_not_of(letters[0]) == letters.npos;
-        if (scope == asWord ||
-            !(isGroupAddress || isNumber || isWord || isUniform))
+        if (secrecy == Secrecy::host ||
+            (secrecy == Secrecy::address ? isTellingAddress(text)
+                                         : isTellingNumber(text)))
         {
-            note(text, scope);
+            note(text, secrecy);
         }
     }
 
-    void note(std::string_view text, Scope scope)
+    void note(std::string_view text, Secrecy secrecy)
     {
         for (const std::string_view mark : {"0x", "eui.", "naa."})
         {
             text.remove_prefix(text.starts_with(mark) ? mark.size() : 0);
         }
-        static const Pattern placeholder(
-            nowhere, "^(0*|f*|x*|defaultstring|localhost|na|none|null|"
-                     "not(available|set|specified)|unknown|unspecified|"
-                     "tobefilledbyoem)$");
         const std::string spelling(text);
         const auto letters = lettersOf(spelling);
-        if (!placeholder.matches(letters))
+        if (!forms.placeholder.matches(letters))
         {
-            secrets[scope].emplace(scope == everywhere ? letters : spelling,
-                                   "");
-            spellings.emplace(spelling, scope);
+            secrets.emplace(letters, Secret{secrecy, spelling});
+            lengths.insert(letters.size());
         }
     }
 
     /** Different masks for different secrets, and none that is a secret. */
     void assignMasks()
     {
-        struct Shape
+        std::map<std::string, std::vector<Secrets::pointer>> shapes;
+        for (auto& secret : secrets)
         {
-            uint64_t next = 1;
-            bool isExhausted = false;
-        };
-        for (const auto scope : {everywhere, asSpelt, asWord})
+            const auto& [secrecy, spelling, mask] = secret.second;
+            shapes[maskOf(spelling, secrecy, 0)].push_back(&secret);
+        }
+        for (const auto& [shape, alike] : shapes)
         {
-            std::map<std::string, Shape> shapes;
-            for (auto& [secret, mask] : secrets[scope])
+            uint64_t number = 0;
+            for (std::size_t index = 0; index < alike.size(); ++index)
             {
-                auto& shape = shapes[maskOf(secret, scope, 0)];
+                auto& [secrecy, spelling, mask] = alike[index]->second;
                 do
                 {
-                    mask = maskOf(secret, scope, shape.next++);
-                    if (mask.empty())
-                    {
-                        if (shape.isExhausted)
-                        {
-                            throw std::runtime_error("there are no masks left");
-                        }
-                        // Then one stands for the other.
-                        shape = {0, true};
-                    }
-                } while (mask.empty() ||
-                         secrets[scope].contains(mask) != shape.isExhausted ||
-                         (scope == asSpelt && isCommonAddress(mask)));
-            }
-        }
-        for (const auto& [spelling, scope] : spellings)
-        {
-            const auto key =
-                scope == everywhere ? lettersOf(spelling) : spelling;
-            auto next = secrets[scope][key].begin();
-            auto mask = spelling;
-            for (auto& character : mask)
-            {
-                const auto counts = scope != everywhere || isLetter(character);
-                character = counts ? *next++ : character;
-            }
-            const auto masks = spellingsOf(mask, scope);
-            const auto originals = spellingsOf(spelling, scope);
-            for (std::size_t index = 0; index < masks.size(); ++index)
-            {
-                replacements.emplace(originals[index],
-                                     Replacement{masks[index], scope});
+                    mask = maskOf(spelling, secrecy, ++number);
+                } while (secrets.contains(mask));
+                // With none left, one secret stands for another.
+                mask = mask.empty() ? alike[(index + 1) % alike.size()]->first
+                                    : mask;
             }
         }
     }
 
-    void mask(std::string& text, bool isNamed) const
+    /** Puts masks in place of the longest secrets that fit. */
+    void mask(std::string& text, const View& view, bool isNamed) const
     {
-        const auto original = inSmallLetters(text);
-        const std::string_view whole = original;
-        const auto mayBeHost = !whole.starts_with('/') &&
-                               !whole.starts_with("xyz.openbmc_project.");
-        for (std::size_t place = 0; place < whole.size();)
+        const std::string_view letters = view.letters;
+        for (std::size_t start = 0; start < letters.size();)
         {
-            const auto before = whole.substr(0, place);
-            const auto fits = [&](const Replacements::value_type& entry) {
-                const auto& secret = entry.first;
-                const auto scope = entry.second.scope;
-                const auto after = whole.substr(place + secret.size());
-                const auto joins = [&](char character) {
-                    return isLetter(character) ||
-                           (scope == asWord && character == '_');
-                };
-                const auto isApart =
-                    (before.empty() || !joins(before.back())) &&
-                    (after.empty() || !joins(after.front()));
-                if (scope == asWord && !mayBeHost)
+            auto end = start + 1;
+            for (const auto length : lengths)
+            {
+                const auto found = secrets.find(letters.substr(start, length));
+                if (found != secrets.end() &&
+                    fits(*found, text, view, start, isNamed))
                 {
-                    return false;
+                    end = start + found->first.size();
+                    for (auto place = start; place < end; ++place)
+                    {
+                        putLetter(text, view.places[place],
+                                  found->second.mask[place - start]);
+                    }
+                    break;
                 }
-                return secret.size() >= shortest
-                           ? isApart || (scope == everywhere &&
-                                         secret.size() >= unmistakable)
-                           : before.ends_with("://") ||
-                                 (isNamed &&
-                                  lettersOf(secret) == lettersOf(original));
-            };
-            const auto* found =
-                longestPrefix(replacements, whole.substr(place), fits);
-            if (!found)
-            {
-                ++place;
-                continue;
             }
-            for (const auto letter : found->second.mask)
-            {
-                const auto isCapital = text[place] != whole[place];
-                text[place++] = isCapital
-                                    ? static_cast<char>(std::toupper(letter))
-                                    : letter;
-            }
+            start = end;
         }
     }
 
-    std::unordered_map<std::string, Scope> rules;
-    /** The secrets as they stand in the scenario. */
-    std::map<std::string, Scope> spellings;
-    /** Masks by secrets; of what is looked for everywhere the letters alone. */
-    std::array<std::map<std::string, std::string>, nowhere> secrets;
-    Replacements replacements;
+    static bool fits(const Secrets::value_type& secret, const std::string& text,
+                     const View& view, std::size_t start, bool isNamed)
+    {
+        const auto& [letters, rest] = secret;
+        const auto end = start + letters.size();
+        const auto isEnumeration = text.starts_with("xyz.openbmc_project.");
+        if (rest.secrecy == Secrecy::identifier &&
+            letters.size() >= unmistakable)
+        {
+            return true;
+        }
+        if (!view.isFirst[start] || !view.isFirst[end] ||
+            (rest.secrecy == Secrecy::host &&
+             (isEnumeration || text.starts_with('/'))))
+        {
+            return false;
+        }
+        if (letters.size() < shortest)
+        {
+            return text.substr(0, view.places[start]).ends_with("://") ||
+                   (isNamed && letters.size() == view.letters.size());
+        }
+        // Numbers alone make an address only with marks, and a serial number
+        // only without.
+        const auto first = view.isFirst.begin();
+        const auto hasMarks =
+            std::find(first + static_cast<std::ptrdiff_t>(start) + 1,
+                      first + static_cast<std::ptrdiff_t>(end),
+                      true) != first + static_cast<std::ptrdiff_t>(end);
+        return hasMarks == (rest.secrecy == Secrecy::address) ||
+               !std::ranges::all_of(letters, isDigit);
+    }
+
+    const Forms forms;
+    Secrets secrets;
+    std::set<std::size_t, std::greater<>> lengths;
     bool isMasking = false;
 };
 

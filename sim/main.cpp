@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "cli/program.hpp"
 #include "cli/terminal_text.hpp"
-#include "sim/record/command.hpp"
+#include "sim/record/record.hpp"
 #include "sim/runner.hpp"
 #include "sim/scenario.hpp"
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "sim/record/anonymize.hpp"
+#include "sim/record/parts.hpp"
 
 #include <arpa/inet.h>
 #include <regex.h>

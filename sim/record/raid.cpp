@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "sim/record/raid.hpp"
+#include "sim/record/parts.hpp"
 
 #include <algorithm>
 #include <array>

@@ -2,8 +2,7 @@
 #include "sim/record/record.hpp"
 
 #include "sim/json_value.hpp"
-#include "sim/record/anonymize.hpp"
-#include "sim/record/raid.hpp"
+#include "sim/record/parts.hpp"
 #include "sim/scenario.hpp"
 #include "sim/sd_bus.hpp"
 
@@ -12,11 +11,12 @@
 
 #include <nlohmann/json.hpp>
 
-#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <map>
 #include <memory>
+#include <ranges>
 #include <set>
 #include <string_view>
 #include <system_error>
@@ -30,13 +30,12 @@ namespace
 {
 
 constexpr auto introspectable = "org.freedesktop.DBus.Introspectable";
-constexpr auto properties = "org.freedesktop.DBus.Properties";
 
 /** Adds a member whose key is new, past the search for it. */
-void add(Json& object, std::string key, Json&& value)
+void addNew(Json& object, const std::string& key, Json&& value)
 {
     Json::object_t::Container& members = object.get_ref<Json::object_t&>();
-    members.emplace_back(std::move(key), std::move(value));
+    members.emplace_back(key, std::move(value));
 }
 
 /** Whether nobody is left to ask: asking again only takes time. */
@@ -53,11 +52,6 @@ bool isGone(const BusError& error)
     return error.name() == SD_BUS_ERROR_UNKNOWN_OBJECT;
 }
 
-bool isOwn(std::string_view interface)
-{
-    return !interface.starts_with("org.freedesktop.DBus.");
-}
-
 /** An object of one service. */
 struct Source
 {
@@ -65,64 +59,61 @@ struct Source
     const std::string& service;
 };
 
-/**
- * What introspection data say of an object: whether a property is read-only,
- * by its interface and name, in their order.
- */
-class Introspection
+/** What introspection data say of an interface. */
+struct KnownInterface
 {
-  public:
+    std::string name;
+    /** Each with whether it is read-only. */
+    std::vector<std::pair<std::string, bool>> properties{};
+};
+
+/** Reads introspection data. */
+struct Introspection
+{
     /** @return whether they are well-formed; what stands before counts */
     bool parse(const std::string& xml)
     {
         const std::unique_ptr<XML_ParserStruct, Releaser<XML_ParserFree>>
             parser(XML_ParserCreate(nullptr));
-        if (!parser)
-        {
-            throw std::bad_alloc();
-        }
         XML_SetUserData(parser.get(), this);
-        XML_SetElementHandler(parser.get(), start, end);
+        XML_SetElementHandler(
+            parser.get(),
+            [](void* self, const char* element, const char** attributes) {
+                static_cast<Introspection*>(self)->start(element, attributes);
+            },
+            [](void* self, const char* element) {
+                static_cast<Introspection*>(self)->depth -=
+                    element == nodeElement ? 1 : 0;
+            });
         return XML_Parse(parser.get(), xml.data(), static_cast<int>(xml.size()),
                          XML_TRUE) == XML_STATUS_OK;
     }
 
-    Json interfaces = Json::object();
-
-  private:
-    static std::string attribute(const char** attributes, std::string_view name)
+    void start(const std::string_view element, const char** attributes)
     {
-        while (*attributes && name != *attributes)
+        std::map<std::string_view, const char*> values;
+        for (; *attributes; attributes += 2)
         {
-            attributes += 2;
+            values.emplace(attributes[0], attributes[1]);
         }
-        return *attributes ? attributes[1] : "";
-    }
-
-    static void start(void* data, const char* element, const char** attributes)
-    {
-        auto& self = *static_cast<Introspection*>(data);
-        const std::string_view name = element;
-        self.depth += name == "node" ? 1 : 0;
+        const std::string name = values.contains("name") ? values["name"] : "";
+        depth += element == nodeElement ? 1 : 0;
         // A child may be described in its parent; that is another object.
-        if (self.depth == 1 && name == "interface")
+        if (depth == 1 && element == "interface")
         {
-            add(self.interfaces, attribute(attributes, "name"), Json::object());
+            interfaces.push_back({name});
         }
-        else if (self.depth == 1 && name == "property" &&
-                 !self.interfaces.empty())
+        else if (depth == 1 && element == "property" && !interfaces.empty())
         {
-            add(self.interfaces.back(), attribute(attributes, "name"),
-                attribute(attributes, "access") == "read");
+            const auto isReadOnly =
+                values["access"] == std::string_view("read");
+            interfaces.back().properties.emplace_back(name, isReadOnly);
         }
     }
 
-    static void end(void* data, const char* element)
-    {
-        static_cast<Introspection*>(data)->depth -=
-            std::string_view(element) == "node" ? 1 : 0;
-    }
+    static constexpr std::string_view nodeElement = "node";
 
+    std::vector<KnownInterface> interfaces;
     int depth = 0;
 };
 
@@ -144,27 +135,25 @@ class Recorder
 
     Json objects()
     {
-        const auto listed = mappedObjects();
-        rememberParents(listed);
         auto recorded = Json::array();
         auto missing = wanted;
+        const auto listed = mappedObjects();
         for (const auto& [path, owners] : listed.items())
         {
-            auto services = Json::array();
+            Json services;
             for (const auto& [service, interfaces] : owners.items())
             {
                 missing.erase(service);
-                auto own = interfacesOf({path, service}, interfaces);
-                if (own.is_object())
+                // What the mapper publishes follows from the other objects.
+                if (service != mapperService && !lost.contains(service) &&
+                    (wanted.empty() || wanted.contains(service)))
                 {
-                    services.push_back(
-                        {{"name", service}, {"interfaces", std::move(own)}});
+                    addService(services, {path, service}, interfaces);
                 }
             }
             if (!services.empty())
             {
-                recorded.push_back(
-                    {{"path", path}, {"services", std::move(services)}});
+                recorded.push_back({{"path", path}, {"services", services}});
             }
         }
         for (const auto& service : missing)
@@ -205,12 +194,11 @@ class Recorder
         try
         {
             check(result, "calling it");
-            check(sd_bus_message_has_signature(raw, answerType) > 0 ? 0
-                                                                    : -EBADMSG,
-                  "the type of the answer");
-            auto json = readJson(raw);
-            // So is a dictionary that is not one.
-            check(json.is_array() ? -EBADMSG : 0, "a key that is there twice");
+            // A dictionary with a key that is there twice is an array, too.
+            auto json = sd_bus_message_has_signature(raw, answerType) > 0
+                            ? readJson(raw)
+                            : Json::array();
+            check(json.is_array() ? -EBADMSG : 0, "reading the answer");
             return json;
         }
         catch (const std::system_error& failure)
@@ -233,36 +221,18 @@ class Recorder
         }
     }
 
-    void rememberParents(const Json& listed)
-    {
-        for (const auto& [path, owners] : listed.items())
-        {
-            for (const auto& [service, interfaces] : owners.items())
-            {
-                auto parent = path;
-                do
-                {
-                    parent.resize(std::max<std::size_t>(parent.rfind('/'), 1));
-                } while (parents.emplace(parent, service).second &&
-                         parent != "/");
-            }
-        }
-    }
-
-    /** What a service publishes on an object; null without the object. */
-    Json interfacesOf(const Source& source, std::vector<std::string> names)
+    /** Adds what a service publishes on an object, if it knows the object. */
+    void addService(Json& services, const Source& source,
+                    std::vector<std::string> names)
     {
         const auto& [path, service] = source;
-        std::erase_if(names, std::not_fn(isOwn));
-        // What the mapper publishes follows from the other objects.
-        if (service == mapperService || lost.contains(service) ||
-            (!wanted.empty() && !wanted.contains(service)))
-        {
-            return {};
-        }
+        std::erase_if(names, [](const std::string& name) {
+            return name.starts_with("org.freedesktop.DBus.");
+        });
         try
         {
-            return readInterfaces(source, names);
+            services.push_back(
+                {{"name", service}, {"interfaces", interfaces(source, names)}});
         }
         catch (const BusError& error)
         {
@@ -271,86 +241,63 @@ class Recorder
                 lost.insert(service);
                 omit(service + ", from object " + path + " on", error.what());
             }
-            // Without interfaces of its own, what is below is its reason.
-            else if (!isGone(error) || !names.empty() ||
-                     !parents.contains({path, service}))
+            // Without interfaces it may only be there for what is below.
+            else if (!isGone(error) || !names.empty())
             {
                 omit(path + ": " + service, error.what());
             }
         }
-        return {};
     }
 
-    Json readInterfaces(const Source& source, std::vector<std::string>& names)
+    Json interfaces(const Source& source, std::vector<std::string> names)
     {
-        auto interfaces = Json::object();
+        auto recorded = Json::object();
         if (names.empty())
         {
             // Tells whether there is an object at all.
-            ask(source, properties, "GetAll", "a{sv}", "s", "");
-            return interfaces;
+            ask(source, propertiesInterface.data(), "GetAll", "a{sv}", "s", "");
+            return recorded;
         }
-        auto known = introspect(source);
-        // What was registered last is introspected first.
-        for (auto one = known.rbegin(); one != known.rend(); ++one)
-        {
-            if (std::erase(names, one.key()) > 0)
+        Introspection known;
+        attempt(source, "introspection", [&] {
+            const auto xml = ask(source, introspectable, "Introspect", "s", "");
+            if (!known.parse(xml.get_ref<const std::string&>()))
             {
-                addInterface(interfaces, source, one.key(), one.value());
+                throw BusError(SD_BUS_ERROR_FAILED, "not well-formed");
+            }
+        });
+        // What was registered last is introspected first.
+        for (const auto& one : known.interfaces | std::views::reverse)
+        {
+            if (std::erase(names, one.name) > 0)
+            {
+                addInterface(recorded, source, one);
             }
         }
         for (const auto& name : names)
         {
-            addInterface(interfaces, source, name, nullptr);
+            addInterface(recorded, source, {name});
         }
-        return interfaces;
+        return recorded;
     }
 
-    Json introspect(const Source& source)
+    void addInterface(Json& recorded, const Source& source,
+                      const KnownInterface& known)
     {
-        Introspection introspection;
-        try
-        {
-            const auto xml = ask(source, introspectable, "Introspect", "s", "");
-            if (!introspection.parse(xml.get_ref<const std::string&>()))
-            {
-                throw BusError(SD_BUS_ERROR_FAILED, "not well-formed");
-            }
-        }
-        catch (const BusError& error)
-        {
-            tell(source, "introspection", error);
-        }
-        return std::move(introspection.interfaces);
-    }
-
-    /** @param[in] known  whether a property is read-only; null: unknown */
-    void addInterface(Json& interfaces, const Source& source,
-                      const std::string& name, const Json& known)
-    {
-        auto listed = Json::object();
-        auto isListed = true;
-        try
-        {
-            listed =
-                ask(source, properties, "GetAll", "a{sv}", "s", name.c_str());
-        }
-        catch (const BusError& error)
-        {
-            tell(source, name, error);
-            isListed = false;
-        }
-        if (!isListed && known.is_null())
+        const auto& name = known.name;
+        auto values = Json::object();
+        const auto isListed = attempt(source, name, [&] {
+            values = ask(source, propertiesInterface.data(), "GetAll", "a{sv}",
+                         "s", name.c_str());
+        });
+        if (!isListed && known.properties.empty())
         {
             return;
         }
-        std::unordered_map<std::string, bool> unseen;
-        for (const auto& [property, isReadOnly] : known.items())
-        {
-            unseen.emplace(property, isReadOnly);
-        }
+        std::unordered_map<std::string, bool> unseen(known.properties.begin(),
+                                                     known.properties.end());
         auto own = Json::object();
-        for (auto& [property, value] : listed.items())
+        for (auto& [property, value] : values.items())
         {
             const auto access = unseen.extract(property);
             if (sd_bus_member_name_is_valid(property.c_str()) > 0)
@@ -363,28 +310,22 @@ class Recorder
             }
         }
         // One getter that fails takes GetAll with it; the others are not lost.
-        for (const auto& [property, isReadOnly] : known.items())
+        for (const auto& [property, isReadOnly] : known.properties)
         {
-            if (!unseen.contains(property))
+            if (unseen.contains(property))
             {
-                continue;
-            }
-            try
-            {
-                auto value = ask(source, properties, "Get", "v", "ss",
-                                 name.c_str(), property.c_str());
-                if (isListed)
-                {
-                    value["hidden"] = true;
-                }
-                addProperty(own, property, value, isReadOnly);
-            }
-            catch (const BusError& error)
-            {
-                tell(source, name + "." + property, error);
+                attempt(source, name + "." + property, [&] {
+                    auto value = ask(source, propertiesInterface.data(), "Get",
+                                     "v", "ss", name.c_str(), property.c_str());
+                    if (isListed)
+                    {
+                        value["hidden"] = true;
+                    }
+                    addProperty(own, property, value, isReadOnly);
+                });
             }
         }
-        add(interfaces, name, std::move(own));
+        addNew(recorded, name, std::move(own));
     }
 
     static void addProperty(Json& own, const std::string& name, Json& value,
@@ -394,26 +335,34 @@ class Recorder
         {
             value["readOnly"] = true;
         }
-        add(own, name, std::move(value));
+        addNew(own, name, std::move(value));
     }
 
-    /** To be called where the error is caught: it may end the whole object. */
-    void tell(const Source& source, const std::string& what,
-              const BusError& error)
+    /** Tells what fails, unless that ends the whole object. */
+    bool attempt(const Source& source, const std::string& what,
+                 const auto& action)
     {
-        if (isLost(error) || isGone(error))
+        try
         {
-            throw;
+            action();
+            return true;
         }
-        omit(source.path + ": " + source.service + ": " + what, error.what());
+        catch (const BusError& error)
+        {
+            if (isLost(error) || isGone(error))
+            {
+                throw;
+            }
+            omit(source.path + ": " + source.service + ": " + what,
+                 error.what());
+            return false;
+        }
     }
 
     Bus bus;
     const Omit& omit;
     std::set<std::string> wanted;
     std::set<std::string> lost;
-    /** The paths above the objects of a service. */
-    std::set<std::pair<std::string, std::string>> parents;
 };
 
 /** The RAID section; null when there is nothing to record. */
@@ -440,8 +389,7 @@ Json raidSection(const Omit& omit)
     return {};
 }
 
-} // namespace
-
+/** Prints a scenario; success when nothing had to be left out. */
 int record(const RecordOptions& options)
 {
     auto status = EXIT_SUCCESS;
@@ -480,6 +428,36 @@ int record(const RecordOptions& options)
         throw std::runtime_error("the recording could not be written");
     }
     return status;
+}
+
+} // namespace
+
+cli::Command recordCommand(RecordOptions& options)
+{
+    const auto takeService = [&options](const std::string& name) {
+        if (sd_bus_service_name_is_valid(name.c_str()) <= 0)
+        {
+            throw cli::Misuse("--service: \"" + name + "\" is not a bus name");
+        }
+        options.services.push_back(name);
+    };
+    return {
+        .name = "record",
+        .meaning = "Print what is on a bus as a scenario",
+        .parameters =
+            {{.names = "--service",
+              .meaning = "Record only this service; may be repeated",
+              .take = takeService,
+              .value = "NAME",
+              .isRepeated = true},
+             cli::flag("--anonymize", options.anonymize,
+                       "Mask serial numbers, addresses and names of hosts"),
+             cli::seconds("--timeout", options.patience,
+                          "Longest wait for each answer, in seconds (5)"),
+             cli::text("--address", "ADDRESS", options.address,
+                       "The bus (default: the one of the environment)")},
+        .run = [&options] { return record(options); },
+    };
 }
 
 } // namespace morvath::sim

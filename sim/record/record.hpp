@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "cli/program.hpp"
+
 #include <chrono>
 #include <string>
 #include <vector>
@@ -19,10 +21,9 @@ struct RecordOptions
 };
 
 /**
- * Prints a live platform as a scenario.
- * @return the status: success when nothing had to be left out
- * @throws std::exception  there is no platform; nothing is printed then
+ * The command "record", which prints a live platform as a scenario; the
+ * options must outlive it.
  */
-int record(const RecordOptions& options);
+cli::Command recordCommand(RecordOptions& options);
 
 } // namespace morvath::sim

@@ -3,6 +3,8 @@
 
 #include "simulation/section.hpp"
 
+#include <nlohmann/json_fwd.hpp>
+
 #include <functional>
 #include <string>
 
@@ -13,13 +15,16 @@ namespace morvath::sim
 using Omit =
     std::function<void(const std::string& what, const std::string& why)>;
 
+/** Masks in a scenario what tells one machine and its place from others. */
+void anonymize(nlohmann::ordered_json& scenario);
+
 /** The file name of the module that has the function below. */
 constexpr auto raidModule = "morvath-sim-raid.so";
 
 /**
- * Reads what the RAID management library knows; the section has no manager
- * without one. A module of its own has this, so that the program itself runs
- * on a platform without the library.
+ * Reads what the RAID management library knows; without a RAID manager the
+ * section has none. A module of its own has this, so that the program itself
+ * runs on a platform without the library.
  */
 extern "C" void recordRaid(vontel::simulation::Section& section,
                            const Omit& omit);

@@ -1,6 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "sim/behaviours.hpp"
-
 #include "sim/service.hpp"
 
 #include <nlohmann/json.hpp>
@@ -14,61 +12,65 @@ namespace morvath::sim
 namespace
 {
 
-constexpr auto hostInterface = "xyz.openbmc_project.State.Host";
-constexpr auto transitionProperty = "RequestedHostTransition";
-constexpr auto transitionPrefix = "xyz.openbmc_project.State.Host.Transition.";
-constexpr auto hostOff = "xyz.openbmc_project.State.Host.HostState.Off";
-constexpr auto hostRunning = "xyz.openbmc_project.State.Host.HostState.Running";
+constexpr auto invalidEnumeration =
+    "xyz.openbmc_project.sdbusplus.Error.InvalidEnumString";
 
-constexpr auto clockInterface = "xyz.openbmc_project.Time.EpochTime";
-constexpr auto clockError = "xyz.openbmc_project.Time.Error.Failed";
+constexpr auto hostState = "xyz.openbmc_project.State.Host.HostState.";
+constexpr auto transition = "xyz.openbmc_project.State.Host.Transition.";
+
 constexpr Place syncMethod{"/xyz/openbmc_project/time/sync_method",
                            "xyz.openbmc_project.Time.Synchronization",
                            "TimeSyncMethod"};
 constexpr auto ntpMethod =
     "xyz.openbmc_project.Time.Synchronization.Method.NTP";
 
-constexpr auto ethernetInterface =
-    "xyz.openbmc_project.Network.EthernetInterface";
-constexpr auto serversProperty = "NTPServers";
-
-void keep(const Setting& setting)
+/** A Set call of the right type for a property that may be written. */
+struct Setting
 {
-    setting.service.change(setting.path, setting.interface, setting.property,
-                           setting.value);
-}
+    Services& services;
+    Service& service;
+    Place place;
+    Property& property;
+    const Json& value;
 
-/** Another property of the same interface. */
-Place besides(const Setting& setting, std::string_view property)
-{
-    return {setting.path, setting.interface, property};
-}
+    /** At the service that was called. */
+    void keep() const
+    {
+        service.change(place.path, place.interface, property, value);
+    }
+
+    /** Another property of the same interface. */
+    Place beside(std::string_view name) const
+    {
+        return {place.path, place.interface, name};
+    }
+};
 
 void requestTransition(const Setting& setting)
 {
-    const auto state = besides(setting, "CurrentHostState");
-    const auto change = [&](const char* text) {
-        setting.services.change(state, text);
+    const auto current = setting.beside("CurrentHostState");
+    const auto become = [&](const char* state) {
+        setting.services.change(current, hostState + std::string(state));
+    };
+    const auto isFor = [&](const char* name) {
+        return setting.value == transition + std::string(name);
     };
     // The request stays, whatever becomes of it.
-    setting.services.change(besides(setting, transitionProperty),
-                            setting.value);
-    const auto isFor = [&](const char* transition) {
-        return setting.value == std::string(transitionPrefix) + transition;
-    };
+    setting.services.change(setting.place, setting.value);
     if (isFor("On"))
     {
-        change(hostRunning);
+        become("Running");
     }
     // A host that is off is not started by a reboot, and a warm reboot does
     // not show in the state.
-    else if (setting.services.textAt(state) != hostOff &&
+    else if (setting.services.textAt(current) !=
+                 hostState + std::string("Off") &&
              (isFor("Off") || isFor("Reboot")))
     {
-        change(hostOff);
+        become("Off");
         if (isFor("Reboot"))
         {
-            change(hostRunning);
+            become("Running");
         }
     }
 }
@@ -77,9 +79,10 @@ void setClock(const Setting& setting)
 {
     if (setting.services.textAt(syncMethod) == ntpMethod)
     {
-        throw BusError(clockError, "The clock is kept by NTP.");
+        throw BusError("xyz.openbmc_project.Time.Error.Failed",
+                       "The clock is kept by NTP.");
     }
-    keep(setting);
+    setting.keep();
 }
 
 /** The service restarts instead, so its callers see success. */
@@ -87,8 +90,8 @@ void ignore(const Setting&) {}
 
 void useServers(const Setting& setting)
 {
-    keep(setting);
-    setting.services.change(besides(setting, serversProperty), setting.value);
+    setting.keep();
+    setting.services.change(setting.beside("NTPServers"), setting.value);
 }
 
 struct Behaviour
@@ -97,22 +100,19 @@ struct Behaviour
     std::string_view interface;
     std::string_view property;
     void (*apply)(const Setting& setting);
-
-    bool concerns(const Setting& setting) const
-    {
-        return interface == setting.interface &&
-               property == setting.property.name &&
-               setting.services.behaviours.contains(std::string(name));
-    }
 };
 
 constexpr std::array behaviours{
-    Behaviour{"host-power", hostInterface, transitionProperty,
-              requestTransition},
-    Behaviour{"ntp-keeps-clock", clockInterface, "Elapsed", setClock},
-    Behaviour{"ntp-servers-in-use", ethernetInterface, serversProperty, ignore},
-    Behaviour{"ntp-servers-in-use", ethernetInterface, "StaticNTPServers",
-              useServers},
+    Behaviour{"host-power", "xyz.openbmc_project.State.Host",
+              "RequestedHostTransition", requestTransition},
+    Behaviour{"ntp-keeps-clock", "xyz.openbmc_project.Time.EpochTime",
+              "Elapsed", setClock},
+    Behaviour{"ntp-servers-in-use",
+              "xyz.openbmc_project.Network.EthernetInterface", "NTPServers",
+              ignore},
+    Behaviour{"ntp-servers-in-use",
+              "xyz.openbmc_project.Network.EthernetInterface",
+              "StaticNTPServers", useServers},
 };
 
 } // namespace
@@ -123,13 +123,29 @@ bool isBehaviour(std::string_view name)
            behaviours.end();
 }
 
-void apply(const Setting& setting)
+// The one place for what a machine does when it is told to change: refuse, or
+// change more than was said.
+void Service::set(std::string_view path, std::string_view interface,
+                  Property& property, const Json& value)
 {
-    const auto* found =
-        std::ranges::find_if(behaviours, [&](const Behaviour& one) {
-            return one.concerns(setting);
-        });
-    found == behaviours.end() ? keep(setting) : found->apply(setting);
+    const auto& texts = property.enumeration;
+    if (!texts.empty() &&
+        std::ranges::find(texts, asText(value)) == texts.end())
+    {
+        throw BusError(invalidEnumeration,
+                       "The text is no member of the enumeration.");
+    }
+    const Setting setting{
+        services, *this, {path, interface, property.name}, property, value};
+    for (const auto& one : behaviours)
+    {
+        if (one.interface == interface && one.property == property.name &&
+            services.behaviours.contains(std::string(one.name)))
+        {
+            return one.apply(setting);
+        }
+    }
+    setting.keep();
 }
 
 } // namespace morvath::sim

@@ -15,198 +15,150 @@ namespace morvath::sim
 namespace
 {
 
-using Pointer = Json::json_pointer;
-
 // Shorter steps would keep the platform from answering.
 constexpr double shortestPeriod = 0.01;
 
-Seconds readSeconds(const JsonCursor& json, double least)
+Seconds readSeconds(const Json& json, double least)
 {
-    if (!json.json().is_number() || json.json().get<double>() < least)
-    {
-        json.fail("must be a number of seconds, at least " +
-                  Json(least).dump());
-    }
-    return Seconds(json.json().get<double>());
+    demand(json.is_number() && json.get<double>() >= least, json,
+           "must be a number of seconds, at least " + Json(least).dump());
+    return Seconds(json.get<double>());
 }
 
-const Property* propertyOf(const Object& object, const std::string& interface,
-                           const std::string& name)
+void checkPath(const Json& path, const Scenario& machine)
 {
-    for (const auto& owner : object.owners)
+    demand(std::ranges::find(machine.objects, asText(path), &Object::path) !=
+               machine.objects.end(),
+           path, "there is no such object");
+}
+
+const Property* findProperty(const Scenario& machine, const Json& path,
+                             const std::string& interface,
+                             const std::string& name)
+{
+    for (const auto& object : machine.objects)
     {
-        for (const auto& one : owner.interfaces)
+        for (const auto& owner : object.owners)
         {
-            const auto found =
-                std::ranges::find(one.properties, name, &Property::name);
-            if (one.name == interface && found != one.properties.end())
+            for (const auto& one : owner.interfaces)
             {
-                return &*found;
+                const auto isMeant =
+                    object.path == path && one.name == interface;
+                const auto& own = one.properties;
+                const auto found =
+                    isMeant ? std::ranges::find(own, name, &Property::name)
+                            : own.end();
+                if (found != own.end())
+                {
+                    return &*found;
+                }
             }
         }
     }
     return nullptr;
 }
 
-/** Checks changes against the objects that there are, now or later. */
-class Checker
+void checkSet(const Json& change, const Json& set, Scenario& machine)
 {
-  public:
-    Checker(const Scenario& scenario, const SharedJson& document) :
-        objects(scenario.objects),
-        raid(*scenario.raid),
-        document(document)
-    {}
-
-    void check(const JsonCursor& json)
+    const auto& path = member(change, "path");
+    checkPath(path, machine);
+    for (const auto& [interface, properties] : asObject(set).items())
     {
-        for (const auto& [key, subject, checkOne] : kinds)
+        for (const auto& [name, value] : asObject(properties).items())
         {
-            if (const auto own = json.find(key))
-            {
-                json.allowOnly({"after", "every", key, subject});
-                return (this->*checkOne)(json, *own);
-            }
-        }
-        json.fail("must say one of set, add, remove, die, start, raid");
-    }
-
-  private:
-    struct Kind
-    {
-        std::string_view key;
-        std::string_view subject;
-        void (Checker::*check)(const JsonCursor& json, const JsonCursor& own);
-    };
-
-    static const std::array<Kind, 6> kinds;
-
-    std::vector<const Object*> at(const JsonCursor& json) const
-    {
-        const auto path = json.member("path");
-        std::vector<const Object*> found;
-        for (const auto& object : objects)
-        {
-            if (object.path == path.text())
-            {
-                found.push_back(&object);
-            }
-        }
-        if (found.empty())
-        {
-            path.fail("there is no such object");
-        }
-        return found;
-    }
-
-    void set(const JsonCursor& json, const JsonCursor& own)
-    {
-        const auto found = at(json);
-        const auto checkValue = [&](const std::string& interface,
-                                    const std::string& name,
-                                    const JsonCursor& value) {
-            for (const auto* object : found)
-            {
-                if (const auto* property = propertyOf(*object, interface, name))
-                {
-                    return values.value(property->type, value);
-                }
-            }
-            value.fail("there is no such property");
-        };
-        own.forEachMember(
-            [&](const std::string& interface, const JsonCursor& properties) {
-                properties.forEachMember(
-                    [&](const std::string& name, const JsonCursor& value) {
-                        checkValue(interface, name, value);
-                    });
-            });
-    }
-
-    void add(const JsonCursor&, const JsonCursor& own)
-    {
-        objects.push_back(readObject(own, document));
-    }
-
-    void remove(const JsonCursor& json, const JsonCursor& own)
-    {
-        readSwitch(own);
-        at(json);
-    }
-
-    void service(const JsonCursor& json, const JsonCursor& own)
-    {
-        readSwitch(own);
-        const auto name = json.member("service");
-        const auto isOf = [&](const Object& object) {
-            return std::ranges::find(object.owners, name.text(),
-                                     &Owner::service) != object.owners.end();
-        };
-        if (std::ranges::none_of(objects, isOf))
-        {
-            name.fail("there is no such service");
-        }
-    }
-
-    void section(const JsonCursor&, const JsonCursor& own)
-    {
-        own.forEachMember([&](const std::string& key, const JsonCursor& part) {
-            try
-            {
-                raid.at(Pointer(key)) = part.json();
-            }
-            catch (const Json::exception&)
-            {
-                part.fail("there is no such place in the RAID section");
-            }
-            checkRaid(raid, part);
-        });
-    }
-
-    std::vector<Object> objects;
-    Json raid;
-    const SharedJson& document;
-    const ValueCheck values;
-};
-
-const std::array<Checker::Kind, 6> Checker::kinds{
-    {{"set", "path", &Checker::set},
-     {"add", "add", &Checker::add},
-     {"remove", "path", &Checker::remove},
-     {"die", "service", &Checker::service},
-     {"start", "service", &Checker::service},
-     {"raid", "raid", &Checker::section}}};
-
-void set(Services& services, const std::string& path, const Json& interfaces)
-{
-    for (const auto& [interface, properties] : interfaces.items())
-    {
-        for (const auto& [name, value] : properties.items())
-        {
-            services.change({path, interface, name}, value);
+            const auto* property = findProperty(machine, path, interface, name);
+            demand(property, value, "there is no such property");
+            checkValue(property->type, value);
         }
     }
 }
 
+void checkAddition(const Json&, const Json& object, Scenario& machine)
+{
+    machine.objects.push_back(readObject(object, nullptr));
+}
+
+void checkRemoval(const Json& change, const Json& remove, Scenario& machine)
+{
+    checkTrue(remove);
+    checkPath(member(change, "path"), machine);
+}
+
+void checkService(const Json& change, const Json& flag, Scenario& machine)
+{
+    checkTrue(flag);
+    const auto& name = member(change, "service");
+    demand(machine.services().contains(asText(name)), name,
+           "there is no such service");
+}
+
+void checkParts(const Json&, const Json& parts, Scenario& machine)
+{
+    auto section = *machine.raid;
+    for (const auto& [pointer, part] : asObject(parts).items())
+    {
+        try
+        {
+            section.at(Json::json_pointer(pointer)) = part;
+        }
+        catch (const Json::exception&)
+        {
+            throw Mistake(part, "there is no such place in the RAID section");
+        }
+        checkRaid(section, part);
+    }
+    machine.raid = std::make_shared<const Json>(std::move(section));
+}
+
+struct ChangeKind
+{
+    std::string_view key;
+    /** What says where it happens. */
+    std::string_view subject;
+    /** Checks it for a machine that has, and gets, all that comes before. */
+    void (*check)(const Json& change, const Json& own, Scenario& machine);
+};
+
+constexpr std::array changeKinds{
+    ChangeKind{"set", "path", checkSet},
+    ChangeKind{"add", "add", checkAddition},
+    ChangeKind{"remove", "path", checkRemoval},
+    ChangeKind{"die", "service", checkService},
+    ChangeKind{"start", "service", checkService},
+    ChangeKind{"raid", "raid", checkParts},
+};
+
+void checkChange(const Json& change, Scenario& machine)
+{
+    for (const auto& [key, subject, check] : changeKinds)
+    {
+        if (const auto* own = findMember(change, key))
+        {
+            allowOnly(change, {"after", "every", key, subject});
+            return check(change, *own, machine);
+        }
+    }
+    throw Mistake(change, "must say one of set, add, remove, die, start, raid");
+}
+
 } // namespace
 
-std::vector<Change> readChanges(const JsonCursor& json,
-                                const SharedJson& document,
+std::vector<Change> readChanges(const Json& list, const SharedJson& document,
                                 const Scenario& scenario)
 {
-    Checker checker(scenario, document);
+    auto machine = scenario;
     std::vector<Change> changes;
-    json.forEachElement([&](const JsonCursor& one) {
-        Change change{.after = readSeconds(one.member("after"), 0),
-                      .what = SharedJson(document, &one.json()),
-                      .document = document};
-        if (const auto every = one.find("every"))
+    for (const auto& one : asList(list))
+    {
+        Change change{.after = readSeconds(member(one, "after"), 0),
+                      .what = {document, &one}};
+        if (const auto* every = findMember(one, "every"))
         {
             change.every = readSeconds(*every, shortestPeriod);
         }
-        checker.check(one);
+        checkChange(one, machine);
         changes.push_back(std::move(change));
-    });
+    }
     return changes;
 }
 
@@ -229,40 +181,52 @@ void Schedule::advance(Seconds time)
     {
         // Of several, the first in the document.
         const auto due = std::ranges::min_element(pending, {}, &Change::after);
-        const auto change = *due;
-        if (change.every > Seconds::zero())
+        const auto what = due->what;
+        if (due->every > Seconds::zero())
         {
-            due->after += change.every;
+            due->after += due->every;
         }
         else
         {
             pending.erase(due);
         }
-        make(change);
+        make(what);
     }
 }
 
-void Schedule::make(const Change& change)
+void Schedule::make(const SharedJson& change)
 {
-    const auto& what = *change.what;
-    if (what.contains("set"))
+    const auto& what = *change;
+    if (const auto* set = findMember(what, "set"))
     {
-        set(services, what["path"], what["set"]);
+        const std::string path = what["path"];
+        for (const auto& [interface, properties] : set->items())
+        {
+            for (const auto& [name, value] : properties.items())
+            {
+                services.change({path, interface, name}, value);
+            }
+        }
     }
-    else if (what.contains("add"))
+    else if (const auto* object = findMember(what, "add"))
     {
-        services.add(
-            readObject(JsonCursor(what["add"], "change"), change.document));
+        services.add(readObject(*object, change));
     }
     else if (what.contains("remove"))
     {
         services.remove(what["path"]);
     }
-    else if (what.contains("raid"))
+    else if (const auto* parts = findMember(what, "raid"))
     {
-        changeRaid(what["raid"]);
+        auto section = *raid;
+        for (const auto& [pointer, part] : parts->items())
+        {
+            section.at(Json::json_pointer(pointer)) = part;
+        }
+        raid = std::make_shared<const Json>(std::move(section));
+        raidChanged(*raid);
     }
-    else if (auto* service = services.named(what["service"].get<std::string>()))
+    else if (auto* service = services.named(asText(what["service"])))
     {
         if (what.contains("die") && service->isAlive())
         {
@@ -274,17 +238,6 @@ void Schedule::make(const Change& change)
             services.objectsChanged();
         }
     }
-}
-
-void Schedule::changeRaid(const Json& parts)
-{
-    auto section = *raid;
-    for (const auto& [key, part] : parts.items())
-    {
-        section.at(Pointer(key)) = part;
-    }
-    raid = std::make_shared<const Json>(std::move(section));
-    raidChanged(*raid);
 }
 
 } // namespace morvath::sim

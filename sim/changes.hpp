@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "sim/json_value.hpp"
+#include "sim/document.hpp"
 
 #include <chrono>
 #include <functional>
@@ -11,7 +11,6 @@
 namespace morvath::sim
 {
 
-struct Object;
 struct Scenario;
 struct Services;
 
@@ -25,14 +24,11 @@ struct Change
     /** Zero: only once. */
     Seconds every{};
     /** What it says, in the form of the document, checked. */
-    SharedJson what;
-    /** The document's, for the objects in it. */
-    SharedJson document;
+    SharedJson what{};
 };
 
 /** Reads the changes of a machine that is read as far as its objects. */
-std::vector<Change> readChanges(const JsonCursor& json,
-                                const SharedJson& document,
+std::vector<Change> readChanges(const Json& list, const SharedJson& document,
                                 const Scenario& scenario);
 
 /** The changes of a running platform, in the order of their times. */
@@ -52,8 +48,7 @@ class Schedule
     void advance(Seconds time);
 
   private:
-    void make(const Change& change);
-    void changeRaid(const Json& parts);
+    void make(const SharedJson& change);
 
     std::vector<Change> pending;
     Services& services;

@@ -3,6 +3,8 @@
 
 #include "sim/scenario.hpp"
 
+#include <nlohmann/json.hpp>
+
 #include <algorithm>
 #include <array>
 
@@ -11,133 +13,96 @@ namespace morvath::sim
 namespace
 {
 
-struct NameKey
+struct ConditionKey
 {
     std::string_view key;
     std::string Condition::*field;
-    void (*check)(const JsonCursor& place, const std::string& name);
+    const NameKind& kind;
+    /** Whether a machine has what it names. */
+    bool isOfMachine = true;
 };
 
-constexpr std::array nameKeys{
-    NameKey{"service", &Condition::service, checkServiceName},
-    NameKey{"path", &Condition::path, checkPath},
-    NameKey{"interface", &Condition::interface, checkInterfaceName},
-    NameKey{"member", &Condition::member, checkMemberName},
-    NameKey{"property", &Condition::property, checkMemberName},
+constexpr std::array conditionKeys{
+    ConditionKey{"service", &Condition::service, serviceName},
+    ConditionKey{"path", &Condition::path, pathName},
+    ConditionKey{"interface", &Condition::interface, interfaceName},
+    ConditionKey{"property", &Condition::property, memberName},
+    ConditionKey{"member", &Condition::member, memberName, false},
 };
 
-Condition readCondition(const JsonCursor& json)
+constexpr std::array<std::pair<std::string_view, Effect>, 7> effectKeys{
+    {{"error", Effect::error},
+     {"delayMs", Effect::delay},
+     {"reply", Effect::reply},
+     {"silent", Effect::silence},
+     {"die", Effect::death},
+     {"missing", Effect::missing},
+     {"vanished", Effect::vanished}}};
+
+Condition readCondition(const Json& json)
 {
-    json.allowOnly(
-        {"service", "path", "interface", "member", "property", "call"});
+    allowOnly(json,
+              {"service", "path", "interface", "member", "property", "call"});
     Condition condition;
-    for (const auto& [key, field, checkName] : nameKeys)
+    for (const auto& one : conditionKeys)
     {
-        if (const auto name = json.find(key))
+        if (const auto* name = findMember(json, one.key))
         {
-            checkName(*name, name->text());
-            condition.*field = name->text();
+            condition.*one.field = asName(one.kind, *name);
         }
     }
-    if (const auto call = json.find("call"))
+    if (const auto* call = findMember(json, "call"))
     {
-        condition.call = call->number<uint32_t>();
-        if (condition.call == 0)
-        {
-            call->fail("must be at least 1");
-        }
+        condition.call = static_cast<uint32_t>(asWhole(*call, 1, UINT32_MAX));
     }
     return condition;
 }
 
-struct Reading
+void readReply(const Json& json, const SharedJson& document, Fault& fault)
 {
-    Fault& fault;
-    const JsonCursor& then;
-    const JsonCursor& own;
-    const SharedJson& document;
-    const ValueCheck& check;
-};
-
-void readError(const Reading& in)
-{
-    checkInterfaceName(in.own, in.own.text());
-    in.fault.errorName = in.own.text();
-    if (const auto message = in.then.find("message"))
+    allowOnly(json, {"type", "value"});
+    const auto& types = member(json, "type");
+    const auto* value = findMember(json, "value");
+    fault.replyTypes = asText(types);
+    if (!fault.replyTypes.empty())
     {
-        in.check.text(*message);
-        in.fault.errorText = message->text();
+        fault.reply = {document, &member(json, "value")};
+        checkValues(types, *fault.reply);
+    }
+    else if (value)
+    {
+        throw Mistake(*value, "an empty reply has no value");
     }
 }
 
-void readDelay(const Reading& in)
+void readEffect(const Json& json, const SharedJson& document, Fault& fault)
 {
-    in.fault.milliseconds = in.own.number<uint32_t>();
-}
-
-void readReply(const Reading& in)
-{
-    in.own.allowOnly({"type", "value"});
-    const auto types = in.own.member("type");
-    in.fault.replyTypes = types.text();
-    if (!types.text().empty())
+    const auto* found = std::ranges::find_if(effectKeys, [&](const auto& one) {
+        return findMember(json, one.first) != nullptr;
+    });
+    demand(found != effectKeys.end(), json,
+           "must be one of error, delayMs, reply, silent, die, missing, "
+           "vanished");
+    const auto& [key, effect] = *found;
+    allowOnly(json, {key, effect == Effect::error ? "message" : key});
+    fault.then = effect;
+    const auto& own = member(json, key);
+    switch (effect)
     {
-        const auto value = in.own.member("value");
-        in.check.values(types, value);
-        in.fault.reply = SharedJson(in.document, &value.json());
-    }
-    else if (const auto value = in.own.find("value"))
-    {
-        value->fail("an empty reply has no value");
-    }
-}
-
-void readTrue(const Reading& in) { readSwitch(in.own); }
-
-struct EffectKey
-{
-    std::string_view key;
-    Effect effect;
-    void (*read)(const Reading& in);
-};
-
-constexpr std::array effectKeys{
-    EffectKey{"error", Effect::error, readError},
-    EffectKey{"delayMs", Effect::delay, readDelay},
-    EffectKey{"reply", Effect::reply, readReply},
-    EffectKey{"silent", Effect::silence, readTrue},
-    EffectKey{"die", Effect::death, readTrue},
-    EffectKey{"missing", Effect::missing, readTrue},
-    EffectKey{"vanished", Effect::vanished, readTrue},
-};
-
-void readEffect(const JsonCursor& then, Fault& fault,
-                const SharedJson& document, const ValueCheck& check)
-{
-    for (const auto& [key, effect, read] : effectKeys)
-    {
-        if (const auto own = then.find(key))
-        {
-            then.allowOnly({key, effect == Effect::error ? "message" : key});
-            fault.then = effect;
-            return read({fault, then, *own, document, check});
-        }
-    }
-    then.fail("must be one of error, delayMs, reply, silent, die, missing, "
-              "vanished");
-}
-
-void checkNeeds(const Fault& fault, const JsonCursor& when)
-{
-    const auto isMissing = fault.then == Effect::missing;
-    if ((isMissing || fault.then == Effect::vanished) &&
-        fault.when.path.empty())
-    {
-        when.fail("\"path\" is needed for this fault");
-    }
-    if (isMissing && fault.when.property.empty())
-    {
-        when.fail("\"property\" is needed for this fault");
+        case Effect::error:
+            fault.errorName = asName(interfaceName, own);
+            if (const auto* message = findMember(json, "message"))
+            {
+                checkValue("s", *message);
+                fault.errorText = *message;
+            }
+            return;
+        case Effect::delay:
+            fault.milliseconds =
+                static_cast<uint32_t>(asWhole(own, 0, UINT32_MAX));
+            return;
+        case Effect::reply: return readReply(own, document, fault);
+        default: checkTrue(own);
     }
 }
 
@@ -150,24 +115,28 @@ bool fits(std::string_view wanted, std::string_view actual)
  * A fault may name the interface that is called or, for a properties call,
  * the interface whose properties it is about.
  */
-bool fitsInterface(const Condition& when, std::string_view interface)
+bool fitsInterface(const Condition& when, std::string_view name)
 {
-    return when.interface == propertiesInterface ||
-           fits(when.interface, interface);
+    return when.interface == propertiesInterface || fits(when.interface, name);
 }
 
-/** Whether GetAll would read what the condition asks for. */
-bool isRead(const Condition& when, std::string_view requested,
-            const std::vector<Interface>& interfaces)
+/**
+ * Whether one of the interfaces, and a property of it, is what the condition
+ * names.
+ * @param[in] requested  only this interface; empty for all
+ * @param[in] isGetAll   hidden properties are not meant
+ */
+bool concerns(const Condition& when, const std::vector<Interface>& interfaces,
+              std::string_view requested, bool isGetAll)
 {
-    return std::ranges::any_of(interfaces, [&](const Interface& interface) {
+    return std::ranges::any_of(interfaces, [&](const Interface& one) {
         const auto isProperty = [&](const Property& property) {
-            return !property.hidden && fits(when.property, property.name);
+            return property.name == when.property &&
+                   !(isGetAll && property.hidden);
         };
-        return fits(requested, interface.name) &&
-               fitsInterface(when, interface.name) &&
+        return fits(requested, one.name) && fitsInterface(when, one.name) &&
                (when.property.empty() ||
-                std::ranges::any_of(interface.properties, isProperty));
+                std::ranges::any_of(one.properties, isProperty));
     });
 }
 
@@ -184,7 +153,8 @@ bool fitsContents(const Condition& when, const CallKeys& call,
     }
     if (call.member == "GetAll")
     {
-        return interfaces && isRead(when, call.propertyInterface, *interfaces);
+        return interfaces &&
+               concerns(when, *interfaces, call.propertyInterface, true);
     }
     return fitsInterface(when, call.propertyInterface) &&
            fits(when.property, call.property);
@@ -198,116 +168,87 @@ bool fitsCall(const Condition& when, const CallKeys& call,
            fitsContents(when, call, interfaces);
 }
 
-/** Whether there is something at a path that the condition names. */
+/** Whether there is what a condition names at an object or a node above it. */
 bool isThere(const Condition& when, std::string_view service,
              std::string_view path, const std::vector<Interface>& interfaces)
 {
-    if (!fits(when.service, service) || !fits(when.path, path))
-    {
-        return false;
-    }
-    const auto isStandard =
-        std::ranges::find(standardInterfaces, when.interface) !=
-        standardInterfaces.end();
-    const auto isMeant = [&](const Interface& interface) {
-        return (isStandard || fits(when.interface, interface.name)) &&
-               (when.property.empty() ||
-                std::ranges::find(interface.properties, when.property,
-                                  &Property::name) !=
-                    interface.properties.end());
-    };
-    return (when.property.empty() && (isStandard || when.interface.empty())) ||
-           std::ranges::any_of(interfaces, isMeant);
-}
-
-bool isParent(std::string_view path, std::string_view other)
-{
-    return path == "/" || (other.starts_with(path) &&
-                           other.substr(path.size()).starts_with('/'));
-}
-
-bool isThereWithMapper(const Condition& when, const Scenario& scenario)
-{
-    const std::vector<Interface> own{{mapperService, {}}};
-    const std::vector<Interface> association{
-        {associationInterface, {{.name = "endpoints", .type = "as"}}}};
-    auto found = isThere(when, mapperService, mapperPath, own) ||
-                 (isParent(when.path, mapperPath) &&
-                  isThere(when, mapperService, when.path, {}));
-    const auto look = [&](const std::string& path) {
-        found = found || isThere(when, mapperService, path, association) ||
-                (isParent(when.path, path) &&
-                 isThere(when, mapperService, when.path, {}));
-    };
-    for (const auto& object : scenario.objects)
-    {
-        for (const auto& owner : object.owners)
-        {
-            forEachAssociation(owner.interfaces,
-                               [&](const auto& forward, const auto& backward,
-                                   const auto& endpoint) {
-                                   look(object.path + '/' + forward);
-                                   look(endpoint + '/' + backward);
-                               });
-        }
-    }
-    return found;
+    const auto isBare = when.property.empty() &&
+                        (when.interface.empty() || isStandard(when.interface));
+    const auto isAbove = when.path == "/" || path.starts_with(when.path + '/');
+    return fits(when.service, service) &&
+           (fits(when.path, path) || (isBare && isAbove)) &&
+           (isBare || concerns(when, interfaces, {}, false));
 }
 
 /** Whether the machine has what the names of a condition say. */
 bool isThere(const Condition& when, const Scenario& scenario)
 {
-    const auto isOfObject = [&](const Object& object) {
-        return std::ranges::any_of(object.owners, [&](const Owner& owner) {
-            return isThere(when, owner.service, object.path,
-                           owner.interfaces) ||
-                   (isParent(when.path, object.path) &&
-                    isThere(when, owner.service, when.path, {}));
-        });
+    static const std::vector<Interface> mapper{{mapperService, {}}};
+    static const std::vector<Interface> association{
+        {associationInterface, {{.name = "endpoints", .type = "as"}}}};
+    const auto isAtMapper = [&](const std::string& path,
+                                const auto& interfaces) {
+        return scenario.hasMapper &&
+               isThere(when, mapperService, path, interfaces);
     };
-    return std::ranges::any_of(scenario.objects, isOfObject) ||
-           (scenario.hasMapper && isThereWithMapper(when, scenario));
+    auto found = isAtMapper(mapperPath, mapper);
+    for (const auto& [path, owners] : scenario.objects)
+    {
+        for (const auto& [service, interfaces] : owners)
+        {
+            found = found || isThere(when, service, path, interfaces);
+            for (const auto& one : associationsOf(interfaces))
+            {
+                found =
+                    found ||
+                    isAtMapper(path + '/' + one.forward, association) ||
+                    isAtMapper(one.endpoint + '/' + one.backward, association);
+            }
+        }
+    }
+    return found;
+}
+
+void checkCondition(const Fault& fault, const Json& json,
+                    const Scenario& scenario)
+{
+    const auto& when = fault.when;
+    const auto isMissing = fault.then == Effect::missing;
+    demand(!when.path.empty() || (!isMissing && fault.then != Effect::vanished),
+           json, "\"path\" is needed for this fault");
+    demand(!when.property.empty() || !isMissing, json,
+           "\"property\" is needed for this fault");
+    // One after the other, to tell which is the first that is not there.
+    Condition names;
+    for (const auto& [key, field, kind, isOfMachine] : conditionKeys)
+    {
+        const auto* name = findMember(json, key);
+        if (name && isOfMachine)
+        {
+            names.*field = when.*field;
+            demand(isThere(names, scenario), *name,
+                   "no call can meet this: the machine has no such " +
+                       std::string(key));
+        }
+    }
 }
 
 } // namespace
 
-void checkFaults(const JsonCursor& json, const Scenario& scenario)
+std::vector<Fault> readFaults(const Json& list, const SharedJson& document,
+                              const Scenario& scenario)
 {
-    auto fault = scenario.faults.begin();
-    json.forEachElement([&](const JsonCursor& one) {
-        const auto when = one.member("when");
-        Condition names;
-        for (const auto& [key, field, checkName] : nameKeys)
-        {
-            if (const auto name = when.find(key); name && key != "member")
-            {
-                names.*field = fault->when.*field;
-                if (!isThere(names, scenario))
-                {
-                    name->fail("no call can meet this: the machine has no "
-                               "such " +
-                               std::string(key));
-                }
-            }
-        }
-        ++fault;
-    });
-}
-
-std::vector<Fault> readFaults(const JsonCursor& json,
-                              const SharedJson& document)
-{
-    const ValueCheck check;
     std::vector<Fault> faults;
-    json.forEachElement([&](const JsonCursor& one) {
-        one.allowOnly({"when", "then"});
-        const auto when = one.member("when");
-        Fault fault{.place = "/faults/" + std::to_string(faults.size()),
-                    .when = readCondition(when)};
-        readEffect(one.member("then"), fault, document, check);
-        checkNeeds(fault, when);
-        faults.push_back(std::move(fault));
-    });
+    for (const auto& one : asList(list))
+    {
+        allowOnly(one, {"when", "then"});
+        const auto& when = member(one, "when");
+        auto& fault = faults.emplace_back(
+            Fault{.place = "/faults/" + std::to_string(faults.size()),
+                  .when = readCondition(when)});
+        readEffect(member(one, "then"), document, fault);
+        checkCondition(fault, when, scenario);
+    }
     return faults;
 }
 
@@ -320,19 +261,11 @@ bool Decision::isMissing(std::string_view interface,
     });
 }
 
-Faults::Faults(std::vector<Fault> faults)
-{
-    for (auto& fault : faults)
-    {
-        counted.push_back({std::move(fault)});
-    }
-}
-
 Decision Faults::decide(const CallKeys& call,
                         const std::vector<Interface>* interfaces)
 {
     Decision decision;
-    for (auto& [fault, calls, used] : counted)
+    for (auto& fault : all)
     {
         const auto& when = fault.when;
         const auto isAbsence = fault.then == Effect::missing;
@@ -349,20 +282,20 @@ Decision Faults::decide(const CallKeys& call,
         }
         // Counted also when an earlier fault has decided already, so that the
         // order of the faults does not shift the numbers of the calls.
-        ++calls;
-        if (when.call != 0 && when.call != calls)
+        ++fault.calls;
+        if (when.call != 0 && when.call != fault.calls)
         {
             continue;
         }
         if (isAbsence)
         {
             decision.missing.push_back(&fault);
-            used = true;
+            fault.used = true;
         }
         else if (!decision.fault)
         {
             decision.fault = &fault;
-            used = true;
+            fault.used = true;
         }
     }
     return decision;
@@ -371,11 +304,11 @@ Decision Faults::decide(const CallKeys& call,
 std::vector<std::string> Faults::unused() const
 {
     std::vector<std::string> places;
-    for (const auto& one : counted)
+    for (const auto& fault : all)
     {
-        if (!one.used)
+        if (!fault.used)
         {
-            places.push_back(one.fault.place);
+            places.push_back(fault.place);
         }
     }
     return places;

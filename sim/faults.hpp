@@ -17,11 +17,11 @@ struct Scenario;
 /** Which calls a fault is for: an empty text or a zero means any. */
 struct Condition
 {
-    std::string service;
-    std::string path;
-    std::string interface;
-    std::string member;
-    std::string property;
+    std::string service{};
+    std::string path{};
+    std::string interface {};
+    std::string member{};
+    std::string property{};
     uint32_t call = 0;
 };
 
@@ -40,21 +40,24 @@ struct Fault
 {
     /** The place in its document, such as "/faults/0". */
     std::string place;
-    Condition when;
+    Condition when{};
     Effect then{};
     std::string errorName{};
     std::string errorText{};
     uint32_t milliseconds = 0;
     std::string replyTypes{};
     SharedJson reply{};
+    /** The calls that the condition is for, so far. */
+    uint32_t calls = 0;
+    bool used = false;
 };
 
-/** Reads the faults of a scenario that shares the document. */
-std::vector<Fault> readFaults(const JsonCursor& json,
-                              const SharedJson& document);
-
-/** Fails at a fault that no call to the machine could meet. */
-void checkFaults(const JsonCursor& json, const Scenario& scenario);
+/**
+ * Reads the faults of a scenario that is read as far as its objects. One that
+ * no call to the machine could meet is a mistake.
+ */
+std::vector<Fault> readFaults(const Json& list, const SharedJson& document,
+                              const Scenario& scenario);
 
 /** A method call as conditions see it. */
 struct CallKeys
@@ -77,16 +80,15 @@ struct Decision
     std::vector<const Fault*> missing{};
 
     bool isMissing(std::string_view interface, std::string_view property) const;
-    bool operator==(const Decision&) const = default;
 };
 
 /** The faults of a running platform, with their counts of calls. */
 class Faults
 {
   public:
-    explicit Faults(std::vector<Fault> faults);
+    explicit Faults(std::vector<Fault> faults) : all(std::move(faults)) {}
 
-    bool empty() const noexcept { return counted.empty(); }
+    bool empty() const noexcept { return all.empty(); }
 
     /**
      * All missing properties count; of the other faults the first decides.
@@ -99,14 +101,7 @@ class Faults
     std::vector<std::string> unused() const;
 
   private:
-    struct Counted
-    {
-        Fault fault;
-        uint32_t calls = 0;
-        bool used = false;
-    };
-
-    std::vector<Counted> counted;
+    std::vector<Fault> all;
 };
 
 } // namespace morvath::sim

@@ -296,6 +296,13 @@ Mapper::InterfaceNames namesOf(const std::vector<Interface>& interfaces)
     return names;
 }
 
+/** The path of the node above; "/" is its own. */
+std::string_view parentOf(std::string_view path)
+{
+    const auto slash = path.rfind('/');
+    return path.substr(0, slash == 0 ? 1 : slash);
+}
+
 template <typename Action>
 void forEachParent(std::string_view path, const Action& action)
 {
@@ -366,17 +373,16 @@ Mapper::Associations Mapper::associations() const
                                    : std::vector<std::string_view>())
         {
             const std::string path(view);
-            forEachAssociation(*service->find(view),
-                               [&](const std::string& forward,
-                                   const std::string& backward,
-                                   const std::string& endpoint) {
-                                   // One waits until its other end is there.
-                                   if (entries.contains(endpoint))
-                                   {
-                                       add(path, forward, endpoint);
-                                       add(endpoint, backward, path);
-                                   }
-                               });
+            for (const auto& [forward, backward, endpoint] :
+                 associationsOf(*service->find(view)))
+            {
+                // One waits until its other end is there.
+                if (entries.contains(endpoint))
+                {
+                    add(path, forward, endpoint);
+                    add(endpoint, backward, path);
+                }
+            }
         }
     }
     return result;

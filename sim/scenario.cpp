@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "sim/scenario.hpp"
 
-#include "sim/behaviours.hpp"
-#include "sim/text_file.hpp"
 #include "simulation/section.hpp"
 
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <array>
+#include <fstream>
+#include <iterator>
 #include <unordered_map>
 #include <unordered_set>
 #include <utility>
@@ -18,338 +17,234 @@ namespace morvath::sim
 namespace
 {
 
-struct BuiltIn
-{
-    std::string_view name;
-    std::string_view (*text)();
-};
+using std::filesystem::path;
 
-constexpr std::array builtIns{BuiltIn{"default", defaultScenario},
-                              BuiltIn{"busy", busyScenario}};
-
-void checkName(const JsonCursor& place, const std::string& name,
-               int (*isValid)(const char*), const char* kind)
+bool flagAt(const Json& object, std::string_view key, bool otherwise)
 {
-    if (name.find('\0') != name.npos || isValid(name.c_str()) <= 0)
-    {
-        place.fail("\"" + name + "\" is not " + kind);
-    }
+    const auto* flag = findMember(object, key);
+    return flag ? asFlag(*flag) : otherwise;
 }
 
-bool flagAt(const JsonCursor& json, std::string_view key, bool otherwise)
+std::vector<std::string> readEnumeration(const Json& list,
+                                         const std::string& type)
 {
-    const auto flag = json.find(key);
-    return flag ? flag->flag() : otherwise;
+    demand(type == "s", list, "only a property of type s has an enumeration");
+    std::vector<std::string> texts;
+    for (const auto& one : asList(list))
+    {
+        checkValue("s", one);
+        texts.push_back(one);
+    }
+    demand(!texts.empty(), list, "must not be empty");
+    return texts;
 }
 
-/** Reads the objects of one document. */
-class ObjectReader
+Property readProperty(const std::string& name, const Json& json,
+                      const SharedJson& document)
 {
-  public:
-    explicit ObjectReader(SharedJson document) : document(std::move(document))
-    {}
-
-    Object object(const JsonCursor& json) const
+    allowOnly(json, {"type", "value", "readOnly", "hidden", "enum"});
+    checkName(memberName, name, json);
+    checkVariant(json);
+    Property property{.name = name,
+                      .type = member(json, "type"),
+                      .value = {document, &member(json, "value")},
+                      .readOnly = flagAt(json, "readOnly", false),
+                      .hidden = flagAt(json, "hidden", false)};
+    if (const auto* texts = findMember(json, "enum"))
     {
-        json.allowOnly({"path", "services"});
-        const auto path = json.member("path");
-        checkPath(path, path.text());
-        Object object{path.text(), {}};
-        std::unordered_set<std::string> names;
-        const auto services = json.member("services");
-        services.forEachElement([&](const JsonCursor& element) {
-            object.owners.push_back(owner(element));
-            if (!names.insert(object.owners.back().service).second)
-            {
-                element.fail("the service stands here twice");
-            }
-        });
-        if (object.owners.empty())
-        {
-            services.fail("an object needs a service");
-        }
-        return object;
+        property.enumeration = readEnumeration(*texts, property.type);
     }
+    return property;
+}
 
-  private:
-    Owner owner(const JsonCursor& json) const
-    {
-        json.allowOnly({"name", "interfaces"});
-        const auto name = json.member("name");
-        const auto& text = name.text();
-        if (text.starts_with(':') || text == "org.freedesktop.DBus")
-        {
-            name.fail("\"" + text + "\" is not a name to ask the bus for");
-        }
-        checkServiceName(name, text);
-        Owner owner{text, {}};
-        json.member("interfaces")
-            .forEachMember([&](const std::string& key, const JsonCursor& one) {
-                owner.interfaces.push_back(interface(key, one));
-            });
-        return owner;
-    }
-
-    Interface interface(const std::string& name, const JsonCursor& json) const
-    {
-        if (std::ranges::find(standardInterfaces, name) !=
-            standardInterfaces.end())
-        {
-            json.fail("every object has the standard interfaces by itself");
-        }
-        checkInterfaceName(json, name);
-        Interface interface {
-            name, {}
-        };
-        json.forEachMember([&](const std::string& key, const JsonCursor& one) {
-            interface.properties.push_back(property(key, one));
-        });
-        return interface;
-    }
-
-    Property property(const std::string& name, const JsonCursor& json) const
-    {
-        json.allowOnly({"type", "value", "readOnly", "hidden", "enum"});
-        checkMemberName(json, name);
-        check.typed(json);
-        return {name,
-                json.member("type").text(),
-                SharedJson(document, &json.member("value").json()),
-                flagAt(json, "readOnly", false),
-                flagAt(json, "hidden", false),
-                enumeration(json)};
-    }
-
-    std::vector<std::string> enumeration(const JsonCursor& json) const
-    {
-        std::vector<std::string> texts;
-        const auto list = json.find("enum");
-        if (!list)
-        {
-            return texts;
-        }
-        if (json.member("type").text() != "s")
-        {
-            list->fail("only a property of type s has an enumeration");
-        }
-        list->forEachElement([&](const JsonCursor& text) {
-            check.text(text);
-            texts.push_back(text.text());
-        });
-        if (texts.empty())
-        {
-            list->fail("must not be empty");
-        }
-        return texts;
-    }
-
-    SharedJson document;
-    ValueCheck check;
-};
-
-void checkRemoval(const JsonCursor& entry, bool isKnown)
+Interface readInterface(const std::string& name, const Json& json,
+                        const SharedJson& document)
 {
-    entry.allowOnly({"path", "remove"});
-    readSwitch(entry.member("remove"));
-    if (!isKnown)
+    demand(!isStandard(name), json,
+           "every object has the standard interfaces by itself");
+    checkName(interfaceName, name, json);
+    Interface read{name, {}};
+    for (const auto& [key, property] : asObject(json).items())
     {
-        entry.fail("there is no such object to remove");
+        read.properties.push_back(readProperty(key, property, document));
     }
+    return read;
+}
+
+Owner readOwner(const Json& json, const SharedJson& document)
+{
+    allowOnly(json, {"name", "interfaces"});
+    const auto& name = member(json, "name");
+    demand(!asText(name).starts_with(':') && name != "org.freedesktop.DBus",
+           name, '"' + asText(name) + "\" is not a name to ask the bus for");
+    Owner owner{asName(serviceName, name), {}};
+    for (const auto& [key, one] : asObject(member(json, "interfaces")).items())
+    {
+        owner.interfaces.push_back(readInterface(key, one, document));
+    }
+    return owner;
 }
 
 /** Puts the objects of a document over those that it extends. */
-void readObjects(const JsonCursor& json, const SharedJson& document,
+void readObjects(const Json& list, const SharedJson& document,
                  std::vector<Object>& objects)
 {
-    const ObjectReader reader(document);
-    std::unordered_map<std::string, std::size_t> places;
-    for (std::size_t place = 0; place < objects.size(); ++place)
+    std::unordered_map<std::string, std::size_t> inherited;
+    for (const auto& object : objects)
     {
-        places.emplace(objects[place].path, place);
+        inherited.emplace(object.path, inherited.size());
     }
     std::unordered_set<std::string> seen;
-    std::unordered_set<std::string> removed;
-    json.forEachElement([&](const JsonCursor& entry) {
-        const auto& path = entry.member("path").text();
-        if (!seen.insert(path).second)
+    for (const auto& entry : asList(list))
+    {
+        const auto& path = asText(member(entry, "path"));
+        demand(seen.insert(path).second, entry,
+               "the object \"" + path + "\" stands here twice");
+        const auto known = inherited.find(path);
+        const auto isKnown = known != inherited.end();
+        Object object;
+        if (const auto* removal = findMember(entry, "remove"))
         {
-            entry.fail("the object \"" + path + "\" stands here twice");
-        }
-        const auto known = places.find(path);
-        if (entry.find("remove"))
-        {
-            checkRemoval(entry, known != places.end());
-            removed.insert(path);
-        }
-        else if (known != places.end())
-        {
-            objects[known->second] = reader.object(entry);
+            allowOnly(entry, {"path", "remove"});
+            checkTrue(*removal);
+            demand(isKnown, entry, "there is no such object to remove");
         }
         else
         {
-            objects.push_back(reader.object(entry));
+            object = readObject(entry, document);
         }
-    });
-    // Last, because removing shifts the places.
-    std::erase_if(objects, [&](const Object& object) {
-        return removed.contains(object.path);
-    });
+        (isKnown ? objects[known->second] : objects.emplace_back()) =
+            std::move(object);
+    }
+    // Last, because removing shifts the others.
+    std::erase_if(objects, [](const auto& one) { return one.owners.empty(); });
 }
 
-std::set<std::string> readBehaviours(const JsonCursor& json)
+std::set<std::string> readBehaviours(const Json& list)
 {
     std::set<std::string> names;
-    json.forEachElement([&](const JsonCursor& name) {
-        if (!isBehaviour(name.text()))
-        {
-            name.fail("there is no behaviour \"" + name.text() + "\"");
-        }
-        names.insert(name.text());
-    });
+    for (const auto& name : asList(list))
+    {
+        demand(isBehaviour(asText(name)), name,
+               "there is no behaviour \"" + asText(name) + '"');
+        names.insert(name);
+    }
     return names;
 }
 
 /** The inherited section without its faults, or the document's own. */
-SharedJson readRaid(const JsonCursor& root, const SharedJson& document,
-                    const SharedJson& inherited)
+SharedJson readRaid(const SharedJson& document, const SharedJson& inherited)
 {
-    if (const auto own = root.find("raid"))
+    if (const auto* own = findMember(*document, "raid"))
     {
         // Only checked here; the library reads it in the other process.
-        checkRaid(own->json(), *own);
-        return {document, &own->json()};
+        checkRaid(*own, *own);
+        return {document, own};
     }
     auto section = inherited ? *inherited : Json{{"manager_present", false}};
     section.erase("faults");
     return std::make_shared<const Json>(std::move(section));
 }
 
-const BuiltIn* builtIn(std::string_view name)
+// Faults and the mapper are not inherited: a variant of a machine says itself
+// what is wrong with it.
+void readOwn(const SharedJson& document, Scenario& scenario)
 {
-    const auto* found = std::ranges::find(builtIns, name, &BuiltIn::name);
-    return found == builtIns.end() ? nullptr : found;
+    const auto& root = *document;
+    const auto* description = findMember(root, "description");
+    scenario.description = description ? asText(*description) : "";
+    scenario.hasMapper = flagAt(root, "mapper", true);
+    if (const auto* behaviours = findMember(root, "behaviours"))
+    {
+        scenario.behaviours = readBehaviours(*behaviours);
+    }
+    if (const auto* objects = findMember(root, "objects"))
+    {
+        readObjects(*objects, document, scenario.objects);
+    }
+    scenario.raid = readRaid(document, scenario.raid);
+    demand(!scenario.hasMapper || !scenario.services().contains(mapperService),
+           root, "the object mapper's name is taken by a service");
+    if (const auto* changes = findMember(root, "changes"))
+    {
+        scenario.changes = readChanges(*changes, document, scenario);
+    }
+    scenario.faults.clear();
+    if (const auto* faults = findMember(root, "faults"))
+    {
+        scenario.faults = readFaults(*faults, document, scenario);
+    }
 }
 
-/** Reads a scenario and, first, the ones that it extends. */
-class Reader
+std::string readFile(const path& file)
 {
-  public:
-    Scenario text(std::string_view text, std::string_view sourceName,
-                  const std::filesystem::path& folder)
+    // Also because a device or a pipe may never end.
+    if (exists(file) && !is_regular_file(file))
     {
-        const auto document =
-            std::make_shared<const Json>(parseJson(text, sourceName));
-        const JsonCursor root(*document, sourceName);
-        root.allowOnly({"format", "description", "extends", "mapper",
-                        "behaviours", "objects", "faults", "changes", "raid"});
-        const auto format = root.member("format");
-        if (format.json() != 1)
-        {
-            format.fail("must be 1, the only format there is");
-        }
-        const auto extended = root.find("extends");
-        auto scenario = extended ? base(*extended, folder) : Scenario{};
-        readOwn(root, document, scenario);
+        throw ScenarioError(file.string() + ": is not a regular file");
+    }
+    std::ifstream stream(file, std::ios::binary);
+    if (!stream)
+    {
+        throw ScenarioError(file.string() + ": cannot be read");
+    }
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+Scenario readScenario(std::string_view text, const path& source,
+                      int extensions);
+
+Scenario loadScenario(const path& file, int extensions)
+{
+    const auto known = builtInScenario(file.string());
+    return known.empty() ? readScenario(readFile(file), file, extensions)
+                         : readScenario(known, file, extensions);
+}
+
+Scenario readBase(const Json& name, const path& folder, int extensions)
+{
+    // Only a circle gets this far.
+    constexpr int mostExtensions = 32;
+    demand(extensions < mostExtensions, name,
+           "the scenarios extend each other in a circle");
+    const auto isBuiltIn = !builtInScenario(asText(name)).empty();
+    const auto file = isBuiltIn ? path(asText(name)) : folder / asText(name);
+    demand(isBuiltIn || std::filesystem::is_regular_file(file), name,
+           "there is no file " + file.string());
+    return loadScenario(file, extensions + 1);
+}
+
+Scenario readScenario(std::string_view text, const path& source, int extensions)
+{
+    const auto document = std::make_shared<Json>();
+    try
+    {
+        parse(text, source.string(), *document);
+        allowOnly(*document,
+                  {"format", "description", "extends", "mapper", "behaviours",
+                   "objects", "faults", "changes", "raid"});
+        const auto& format = member(*document, "format");
+        demand(format == 1, format, "must be 1, the only format there is");
+        const auto* base = findMember(*document, "extends");
+        auto scenario = base ? readBase(*base, source.parent_path(), extensions)
+                             : Scenario{};
+        readOwn(document, scenario);
         return scenario;
     }
-
-    Scenario file(const std::filesystem::path& file)
+    catch (const Mistake& mistake)
     {
-        return text(readTextFile(file), file.string(), file.parent_path());
+        throw located(mistake, *document, source.string());
     }
-
-  private:
-    Scenario base(const JsonCursor& name, const std::filesystem::path& folder)
-    {
-        if (const auto* known = builtIn(name.text()))
-        {
-            return text(known->text(), known->name, {});
-        }
-        // Only a circle gets this far.
-        constexpr int mostBases = 32;
-        if (++bases > mostBases)
-        {
-            name.fail("the scenarios extend each other in a circle");
-        }
-        const auto path = folder / name.text();
-        if (!std::filesystem::is_regular_file(path))
-        {
-            name.fail("there is no file " + path.string());
-        }
-        return file(path);
-    }
-
-    // Faults and the mapper are not inherited: a variant of a machine says
-    // itself what is wrong with it.
-    static void readOwn(const JsonCursor& root, const SharedJson& document,
-                        Scenario& scenario)
-    {
-        const auto description = root.find("description");
-        scenario.description = description ? description->text() : "";
-        scenario.hasMapper = flagAt(root, "mapper", true);
-        if (const auto behaviours = root.find("behaviours"))
-        {
-            scenario.behaviours = readBehaviours(*behaviours);
-        }
-        if (const auto objects = root.find("objects"))
-        {
-            readObjects(*objects, document, scenario.objects);
-        }
-        scenario.raid = readRaid(root, document, scenario.raid);
-        if (scenario.hasMapper && scenario.services().contains(mapperService))
-        {
-            root.fail("the object mapper's name is taken by a service");
-        }
-        if (const auto changes = root.find("changes"))
-        {
-            scenario.changes = readChanges(*changes, document, scenario);
-        }
-        scenario.faults.clear();
-        if (const auto faults = root.find("faults"))
-        {
-            scenario.faults = readFaults(*faults, document);
-            checkFaults(*faults, scenario);
-        }
-    }
-
-    int bases = 0;
-};
+}
 
 } // namespace
 
 Scenario Scenario::parse(std::string_view json, std::string_view sourceName)
 {
-    const std::filesystem::path source(sourceName);
-    return Reader().text(json, sourceName, source.parent_path());
+    return readScenario(json, sourceName, 0);
 }
 
-Scenario Scenario::load(const std::filesystem::path& file)
-{
-    if (const auto* known = builtIn(file.string()))
-    {
-        return Reader().text(known->text(), known->name, {});
-    }
-    return Reader().file(file);
-}
-
-Scenario Scenario::standard() { return load("default"); }
-
-Object readObject(const JsonCursor& json, const SharedJson& document)
-{
-    return ObjectReader(document).object(json);
-}
-
-void checkRaid(const Json& section, const JsonCursor& place)
-{
-    try
-    {
-        vontel::simulation::read(section);
-    }
-    catch (const vontel::simulation::Mistake& mistake)
-    {
-        place.failBelow(mistake.place, mistake.what());
-    }
-}
+Scenario Scenario::load(const path& file) { return loadScenario(file, 0); }
 
 std::set<std::string> Scenario::services() const
 {
@@ -364,59 +259,53 @@ std::set<std::string> Scenario::services() const
     return names;
 }
 
-void forEachAssociation(const std::vector<Interface>& interfaces,
-                        const AssociationAction& action)
+Object readObject(const Json& json, const SharedJson& document)
 {
-    for (const auto& interface : interfaces)
+    allowOnly(json, {"path", "services"});
+    Object object{asName(pathName, member(json, "path")), {}};
+    std::unordered_set<std::string> names;
+    const auto& services = member(json, "services");
+    for (const auto& one : asList(services))
     {
-        for (const auto& property : interface.properties)
+        object.owners.push_back(readOwner(one, document));
+        demand(names.insert(object.owners.back().service).second, one,
+               "the service stands here twice");
+    }
+    demand(!object.owners.empty(), services, "an object needs a service");
+    return object;
+}
+
+void checkRaid(const Json& section, const Json& place)
+{
+    try
+    {
+        vontel::simulation::read(section);
+    }
+    catch (const vontel::simulation::Mistake& mistake)
+    {
+        throw Mistake(place, mistake.what(), mistake.place);
+    }
+}
+
+std::vector<Association>
+associationsOf(const std::vector<Interface>& interfaces)
+{
+    std::vector<Association> found;
+    for (const auto& [interface, properties] : interfaces)
+    {
+        for (const auto& property : properties)
         {
-            if (interface.name == associationDefinitions &&
+            if (interface == associationDefinitions &&
                 property.name == "Associations" && property.type == "a(sss)")
             {
                 for (const auto& one : *property.value)
                 {
-                    action(one[0].get_ref<const std::string&>(),
-                           one[1].get_ref<const std::string&>(),
-                           one[2].get_ref<const std::string&>());
+                    found.push_back({one[0], one[1], one[2]});
                 }
             }
         }
     }
-}
-
-std::string_view parentOf(std::string_view path)
-{
-    const auto slash = path.rfind('/');
-    return path.substr(0, slash == 0 ? 1 : slash);
-}
-
-void checkServiceName(const JsonCursor& place, const std::string& name)
-{
-    checkName(place, name, sd_bus_service_name_is_valid, "a bus name");
-}
-
-void checkPath(const JsonCursor& place, const std::string& name)
-{
-    checkName(place, name, sd_bus_object_path_is_valid, "an object path");
-}
-
-void checkInterfaceName(const JsonCursor& place, const std::string& name)
-{
-    checkName(place, name, sd_bus_interface_name_is_valid, "an interface name");
-}
-
-void checkMemberName(const JsonCursor& place, const std::string& name)
-{
-    checkName(place, name, sd_bus_member_name_is_valid, "a member name");
-}
-
-void readSwitch(const JsonCursor& json)
-{
-    if (!json.flag())
-    {
-        json.fail("must be true");
-    }
+    return found;
 }
 
 } // namespace morvath::sim

@@ -4,9 +4,9 @@
 #include "sim/changes.hpp"
 #include "sim/faults.hpp"
 
+#include <algorithm>
 #include <array>
 #include <filesystem>
-#include <functional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -25,6 +25,12 @@ constexpr std::string_view propertiesInterface =
 constexpr std::array<std::string_view, 3> standardInterfaces{
     "org.freedesktop.DBus.Introspectable", "org.freedesktop.DBus.Peer",
     propertiesInterface};
+
+constexpr bool isStandard(std::string_view interface)
+{
+    return std::ranges::find(standardInterfaces, interface) !=
+           standardInterfaces.end();
+}
 
 class Service;
 
@@ -79,7 +85,7 @@ struct Scenario
     static Scenario load(const std::filesystem::path& file);
 
     /** The server that comes with the program. */
-    static Scenario standard();
+    static Scenario standard() { return load("default"); }
 
     /** The names of all services, the object mapper not among them. */
     std::set<std::string> services() const;
@@ -98,34 +104,27 @@ constexpr auto associationDefinitions =
     "xyz.openbmc_project.Association.Definitions";
 constexpr auto associationInterface = "xyz.openbmc_project.Association";
 
-using AssociationAction =
-    std::function<void(const std::string& forward, const std::string& backward,
-                       const std::string& endpoint)>;
+struct Association
+{
+    std::string forward;
+    std::string backward;
+    std::string endpoint;
+};
 
 /** The associations that an object defines. */
-void forEachAssociation(const std::vector<Interface>& interfaces,
-                        const AssociationAction& action);
+std::vector<Association>
+associationsOf(const std::vector<Interface>& interfaces);
 
-/** The path of the node above; "/" is its own. */
-std::string_view parentOf(std::string_view path);
+/** The text of a scenario that is built in; empty when there is none. */
+std::string_view builtInScenario(std::string_view name);
 
-/** The texts of the scenarios that are built in. */
-std::string_view defaultScenario();
-std::string_view busyScenario();
+/** Whether scenarios may choose it. */
+bool isBehaviour(std::string_view name);
 
-/** Reads an object of a scenario that shares the document. */
-Object readObject(const JsonCursor& json, const SharedJson& document);
+/** Reads an object of a scenario; its values are parts of the document. */
+Object readObject(const Json& json, const SharedJson& document);
 
-/** Fails with the first mistake in a RAID section, at its place below. */
-void checkRaid(const Json& section, const JsonCursor& place);
-
-/** Fails unless the text is a name of a kind. */
-void checkServiceName(const JsonCursor& place, const std::string& name);
-void checkPath(const JsonCursor& place, const std::string& name);
-void checkInterfaceName(const JsonCursor& place, const std::string& name);
-void checkMemberName(const JsonCursor& place, const std::string& name);
-
-/** Fails unless it is true. */
-void readSwitch(const JsonCursor& json);
+/** Fails at the place of a RAID section with the first mistake in it. */
+void checkRaid(const Json& section, const Json& place);
 
 } // namespace morvath::sim

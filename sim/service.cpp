@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "sim/service.hpp"
 
-#include "sim/behaviours.hpp"
-
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
@@ -17,8 +15,6 @@ namespace
 {
 
 constexpr auto replied = "reply";
-constexpr auto invalidEnumeration =
-    "xyz.openbmc_project.sdbusplus.Error.InvalidEnumString";
 // Its table is hidden: sd-bus knows no object without an interface.
 constexpr auto presenceInterface = "morvath.Presence";
 
@@ -330,19 +326,6 @@ std::vector<std::string_view> Service::paths() const
     return names;
 }
 
-void Service::set(std::string_view path, std::string_view interface,
-                  Property& property, const Json& value)
-{
-    const auto& texts = property.enumeration;
-    if (!texts.empty() &&
-        std::ranges::find(texts, value.get<std::string>()) == texts.end())
-    {
-        throw BusError(invalidEnumeration,
-                       "The text is no member of the enumeration.");
-    }
-    apply({services, *this, path, interface, property, value});
-}
-
 void Service::change(std::string_view path, std::string_view interface,
                      Property& property, const Json& value)
 {
@@ -536,8 +519,7 @@ void Service::meet(const Fault& fault, sd_bus_message* message, Call& call)
             const auto reply = newReply(message);
             if (fault.reply)
             {
-                appendValues(reply.get(), fault.replyTypes,
-                             JsonCursor(*fault.reply, ""));
+                appendValues(reply.get(), fault.replyTypes, *fault.reply);
             }
             logOutcome(call, replied);
             return send(reply);

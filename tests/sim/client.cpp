@@ -20,7 +20,7 @@ Reply Client::call(const std::string& service, const std::string& path,
                                               member.c_str()),
                "sd_bus_message_new_method_call");
     const sim::Message call(raw);
-    sim::appendValues(raw, types, {arguments, "arguments"});
+    sim::appendValues(raw, types, arguments);
     sd_bus_error error{};
     sd_bus_message* answer = nullptr;
     if (sd_bus_call(bus(), raw, patience, &error, &answer) < 0)

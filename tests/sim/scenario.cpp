@@ -116,7 +116,7 @@ TEST(Scenario, BadInputIsRefusedWithItsPlace)
          "file: /format: must be 1, the only format there is"},
         {R"({"format": 1, "fault": []})",
          "file: /fault: no key 'fault'; did you mean 'faults'?"},
-        {std::string(200, '['), "file: the nesting is too deep"},
+        {std::string(200, '['), "file: /: the nesting is too deep"},
         {R"({"format": 1, "behaviours": ["host-power", "magic"]})",
          "file: /behaviours/1: there is no behaviour \"magic\""},
         {R"({"format": 1, "extends": "none.json"})",
@@ -149,15 +149,15 @@ TEST(Scenario, BadInputIsRefusedWithItsPlace)
         {in(property, R"({"type": "d", "value": "NaN"})"),
          valuePlace + R"(must be a number, "nan", "inf" or "-inf" (type d))"},
         {in(property, R"({"type": "s", "value": "a\u0000b"})"),
-         valuePlace + "the bus carries no text with a zero character"},
+         valuePlace + "the bus does not carry this text as type s"},
         {in(property, R"json({"type": "(so)", "value": ["a"]})json"),
-         valuePlace + "has too few values for (so)"},
+         valuePlace + "has too few values for so"},
         {in(property, R"json({"type": "a(so)", "value": [["a", "b"]]})json"),
          place +
-             "/services/0/interfaces/x.I/P/value/0/1: \"b\" is not an object "
-             "path"},
+             "/services/0/interfaces/x.I/P/value/0/1: the bus does not carry "
+             "this text as type o"},
         {in(property, R"({"type": "s", "value": "\ufdd0"})"),
-         valuePlace + "has a character that the bus does not carry"},
+         valuePlace + "the bus does not carry this text as type s"},
         {in(property, variants(61)), ""},
         {in(property, variants(62)),
          place + "/services/0/interfaces/x.I/P" + times(62, "/value") +

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "bus/render.hpp"
+#include "bus/rows.hpp"
 
 #include <systemd/sd-bus.h>
 

@@ -11,14 +11,13 @@
 namespace morvath
 {
 
-template <auto Release>
-struct Releaser
+struct Free
 {
-    void operator()(auto* memory) const noexcept { Release(memory); }
+    void operator()(void* memory) const noexcept { std::free(memory); }
 };
 
 /** What callers get and release with free(), owned until it is released. */
-using CText = std::unique_ptr<char, Releaser<std::free>>;
+using CText = std::unique_ptr<char, Free>;
 
 /** A copy in C memory; std::bad_alloc when there is none left. */
 CText newText(std::string_view text);

@@ -2,11 +2,12 @@
 #include "bus/mapper.hpp"
 
 #include "base/c_memory.hpp"
-#include "base/required.hpp"
-#include "bus/reply_reader.hpp"
+#include "base/texts.hpp"
+#include "bus/message.hpp"
 #include "morvath.h"
 
 #include <cstring>
+#include <iterator>
 #include <utility>
 
 namespace morvath
@@ -22,21 +23,17 @@ constexpr int32_t anyDepth = 0;
 
 const char* readFirstOwner(ReplyReader& reader)
 {
-    const char* service = "";
+    const char* first = nullptr;
     reader.enter('a', "{sas}");
-    if (reader.enter('e', "sas"))
+    while (reader.enter('e', "sas"))
     {
-        service = reader.text();
+        const char* service = reader.text();
+        first = first ? first : service;
         reader.skip("as");
         reader.leave();
     }
-    while (reader.enter('e', "sas"))
-    {
-        reader.skip("sas");
-        reader.leave();
-    }
     reader.leave();
-    return service;
+    return first ? first : "";
 }
 
 std::vector<MappedObject> readObjects(ReplyReader reader)
@@ -126,11 +123,8 @@ int32_t getSubTree(const char* root, const char* interface, SubTree* result)
     return statusOf([&] {
         auto reply = request.call();
         auto added = readSubTree(ReplyReader(reply));
-        result->reserve(result->size() + added.size());
-        for (auto& object : added)
-        {
-            result->push_back(std::move(object));
-        }
+        result->insert(result->end(), std::move_iterator(added.begin()),
+                       std::move_iterator(added.end()));
     });
 }
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "bus/call.hpp"
+#include "bus/message.hpp"
 
 #include <cstdint>
 #include <vector>

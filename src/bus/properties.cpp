@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "bus/properties.hpp"
 
-#include "base/required.hpp"
+#include "base/texts.hpp"
 #include "bus/mapper.hpp"
 #include "morvath.h"
 
@@ -17,23 +17,20 @@ namespace
 // What is longer is no text to the callers of the text getters.
 constexpr std::size_t longestText = 199;
 
-/** A value and the reply that it lies in. */
-struct BasicReply
-{
-    sdbusplus::message_t message;
-    BasicValue value{};
-};
+using Take = void(const BasicValue& held, void* output);
 
-int32_t readBasic(const Property& property, char type, BasicReply& reply)
+/** What is taken of the value is taken before its reply goes. */
+int32_t readBasic(const Property& property, char type, Take* take, void* output)
 {
     auto request = propertyCall("Get", property);
     return statusOf([&] {
-        auto answer = request.call();
-        ReplyReader reader(answer);
+        auto reply = request.call();
+        ReplyReader reader(reply);
         const char contents[]{type, '\0'};
         reader.enterVariant(contents);
-        reader.read(type, &reply.value.text);
-        reply.message = std::move(answer);
+        BasicValue held{};
+        reader.read(type, &held.text);
+        take(held, output);
     });
 }
 
@@ -68,14 +65,14 @@ Request propertyCall(const char* member, const Property& property)
 
 int32_t readText(const Property& property, CText& value)
 {
-    BasicReply reply;
-    const auto code = readBasic(property, SD_BUS_TYPE_STRING, reply);
-    const std::string_view text(code == success ? reply.value.text : "");
-    if (!text.empty() && text.size() <= longestText)
-    {
-        value = newText(text);
-    }
-    return code;
+    const auto take = [](const BasicValue& held, void* output) {
+        const std::string_view text(held.text);
+        if (!text.empty() && text.size() <= longestText)
+        {
+            *static_cast<CText*>(output) = newText(text);
+        }
+    };
+    return readBasic(property, SD_BUS_TYPE_STRING, take, &value);
 }
 
 int32_t readText(const Property& property, char** value)
@@ -115,24 +112,18 @@ int32_t readTexts(const Property& property, TextList& list)
 
 int32_t readByte(const Property& property, uint8_t* value)
 {
-    BasicReply reply;
-    const auto code = readBasic(property, SD_BUS_TYPE_BYTE, reply);
-    if (code == success)
-    {
-        *value = reply.value.byte;
-    }
-    return code;
+    const auto take = [](const BasicValue& held, void* output) {
+        *static_cast<uint8_t*>(output) = held.byte;
+    };
+    return readBasic(property, SD_BUS_TYPE_BYTE, take, value);
 }
 
 int32_t readFlag(const Property& property, uint8_t* value)
 {
-    BasicReply reply;
-    const auto code = readBasic(property, SD_BUS_TYPE_BOOLEAN, reply);
-    if (code == success)
-    {
-        *value = reply.value.boolean != 0;
-    }
-    return code;
+    const auto take = [](const BasicValue& held, void* output) {
+        *static_cast<uint8_t*>(output) = held.boolean != 0;
+    };
+    return readBasic(property, SD_BUS_TYPE_BOOLEAN, take, value);
 }
 
 int32_t writeText(const Property& property, const char* value)

@@ -2,8 +2,7 @@
 #pragma once
 
 #include "base/c_memory.hpp"
-#include "bus/call.hpp"
-#include "bus/reply_reader.hpp"
+#include "bus/message.hpp"
 
 #include <cstdint>
 #include <vector>

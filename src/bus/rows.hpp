@@ -2,6 +2,7 @@
 #pragma once
 
 #include "base/c_memory.hpp"
+#include "bus/message.hpp"
 
 #include <cstddef>
 #include <cstdint>
@@ -10,6 +11,9 @@
 
 namespace morvath
 {
+
+/** The text of a table cell; empty for what is not rendered. */
+CText renderPropertyValue(const BasicValue& value);
 
 /** One query of the table engine. */
 struct TableQuery
@@ -20,10 +24,9 @@ struct TableQuery
 };
 
 /** The cells of one row; those that nobody takes stay with the rows. */
-class Row
+struct Row
 {
-  public:
-    explicit Row(char** row) : cells(row) {}
+    char** cells;
 
     const char* operator[](std::size_t column) const { return cells[column]; }
 
@@ -31,9 +34,6 @@ class Row
     {
         return CText(std::exchange(cells[column], nullptr));
     }
-
-  private:
-    char** cells;
 };
 
 /**
@@ -61,7 +61,7 @@ class Rows
 
     std::size_t size() const { return count; }
 
-    Row operator[](std::size_t index) const { return Row(rows[index]); }
+    Row operator[](std::size_t index) const { return {rows[index]}; }
 
     /** Hands all to the caller, as getDbusTableData() documents it. */
     char*** release()

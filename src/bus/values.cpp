@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "base/required.hpp"
+#include "base/texts.hpp"
 #include "bus/properties.hpp"
 #include "morvath.h"
 

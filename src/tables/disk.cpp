@@ -1,17 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "morvath.h"
-#include "raid/packed_record.hpp"
-#include "raid/physical_drives.hpp"
+#include "raid/library.hpp"
 #include "tables/table.hpp"
 
 #include <array>
 #include <cstring>
 #include <span>
 #include <string>
-#include <vector>
 
 using namespace morvath;
-namespace physical_drive = vontel::physical_drive;
+namespace at = vontel::physical_drive;
 
 namespace
 {
@@ -31,7 +29,7 @@ void storeSpeed(char*& field, CText&& cell)
     storeText(field, std::string(required(cell.get())) + speedUnit);
 }
 
-constexpr std::array columns{
+constexpr std::array diskColumns{
     column<&HddInfoEntry::name>("Name"),
     column<&HddInfoEntry::manufacturer>("Manufacturer"),
     column<&HddInfoEntry::model>("Model"),
@@ -47,52 +45,29 @@ constexpr std::array columns{
 };
 
 constexpr Table busDisks{"/", "xyz.openbmc_project.Inventory.Item.Disk",
-                         columns};
-
-using RaidDrives = std::vector<vontel::PhyDevInfo_T>;
-
-/** None at all, not even those before it, when one cannot be read. */
-RaidDrives readRaidDrives()
-{
-    RaidDrives drives;
-    if (collectRaidPhysicalDrives(drives) != 0)
-    {
-        drives.clear();
-    }
-    return drives;
-}
-
-/** As isspace() has it in the C locale, whatever the locale is. */
-bool isWhiteSpace(char character)
-{
-    return character != '\0' && std::strchr(" \t\n\v\f\r", character);
-}
+                         diskColumns};
 
 /** Blank-padded areas; blanks inside are dropped as well. */
 std::string withoutWhiteSpace(std::string_view text)
 {
-    std::string kept;
-    for (const char character : text)
-    {
-        if (!isWhiteSpace(character))
-        {
-            kept += character;
-        }
-    }
+    std::string kept(text);
+    // As isspace() has it in the C locale, whatever the locale is.
+    std::erase_if(kept, [](char character) {
+        return character != '\0' && std::strchr(" \t\n\v\f\r", character);
+    });
     return kept;
 }
 
 uint32_t gibibytesOf(const PackedRecord& drive)
 {
     // Modulo 2^64, and of the result the low 32 bits.
-    const auto bytes = drive.number<uint64_t>(physical_drive::blocks) *
-                       drive.number<uint32_t>(physical_drive::blockSize);
+    const auto bytes = drive.number<uint64_t>(at::blocks) *
+                       drive.number<uint32_t>(at::blockSize);
     return static_cast<uint32_t>(bytes >> gibibyteShift);
 }
 
 void fillRaidDrive(HddInfoEntry& entry, const PackedRecord& drive)
 {
-    namespace at = physical_drive;
     const auto vendor =
         withoutWhiteSpace(drive.characters(at::vendor, at::vendorLength));
     const auto model =
@@ -116,14 +91,6 @@ void fillRaidDrive(HddInfoEntry& entry, const PackedRecord& drive)
     entry.present = 1;
 }
 
-void fillRaidDrives(const RaidDrives& drives, HddInfoEntry* entry)
-{
-    for (const auto& drive : drives)
-    {
-        fillRaidDrive(*entry++, PackedRecord(drive));
-    }
-}
-
 } // namespace
 
 int32_t getHddTableInfo(HddInfoEntry** outArray, int32_t* outCount)
@@ -133,7 +100,12 @@ int32_t getHddTableInfo(HddInfoEntry** outArray, int32_t* outCount)
     {
         return code;
     }
-    const auto drives = readRaidDrives();
+    PhysicalDrives drives;
+    if (!readPhysicalDrives(drives))
+    {
+        // None at all, not even those before the one that cannot be read.
+        drives.clear();
+    }
     const auto rowCount = static_cast<int32_t>(rows.size());
     const auto count = rowCount + static_cast<int32_t>(drives.size());
     if (const auto code = newRecords(count, outArray))
@@ -144,7 +116,10 @@ int32_t getHddTableInfo(HddInfoEntry** outArray, int32_t* outCount)
     try
     {
         fillRecords(busDisks, rows, records, sizeof(HddInfoEntry), rowCount);
-        fillRaidDrives(drives, records + rowCount);
+        for (auto* record = records + rowCount; const auto& drive : drives)
+        {
+            fillRaidDrive(*record++, PackedRecord(drive));
+        }
     }
     catch (...)
     {

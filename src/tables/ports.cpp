@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "base/texts.hpp"
 #include "bus/mapper.hpp"
-#include "bus/object_path.hpp"
 #include "morvath.h"
 #include "tables/table.hpp"
 
@@ -16,7 +16,7 @@ namespace
 {
 
 constexpr auto service = "xyz.openbmc_project.Smbios.MDR_V2";
-constexpr auto motherboard =
+constexpr auto adapterRoot =
     "/xyz/openbmc_project/inventory/system/chassis/motherboard";
 constexpr auto adapterInterface =
     "xyz.openbmc_project.Inventory.Item.NetAdapter";
@@ -34,7 +34,7 @@ void storeGigabits(uint32_t& field, CText&& cell)
     field = static_cast<uint32_t>(unsignedNumber(cell.get()) / bitsPerGigabit);
 }
 
-constexpr std::array columns{
+constexpr std::array portColumns{
     column<&PortInfoEntry::name>("Name"),
     column<&PortInfoEntry::macAddress>("MacAddress"),
     column<&PortInfoEntry::rootBdf>("RootBDF"),
@@ -66,14 +66,14 @@ CText dropRatio(uint64_t packets, uint64_t drops)
 
 void addDropRatio(PortInfoEntry& entry, Row row)
 {
-    const auto packets = unsignedNumber(row[cell(columns, "Packets")]);
-    const auto drops = unsignedNumber(row[cell(columns, "Drop")]);
+    const auto packets = unsignedNumber(row[cell(portColumns, "Packets")]);
+    const auto drops = unsignedNumber(row[cell(portColumns, "Drop")]);
     entry.dropRatio = dropRatio(packets, drops).release();
 }
 
 Table portsBelow(const char* adapter)
 {
-    return {adapter, portInterface, columns, finishWith<addDropRatio>};
+    return {adapter, portInterface, portColumns, finishWith<addDropRatio>};
 }
 
 struct Adapter
@@ -114,7 +114,7 @@ void fillPorts(const Adapter& adapter, PortInfoEntry*& record)
 int32_t getNetPortTableInfo(PortInfoEntry** outArray, int32_t* outCount)
 {
     ObjectList found;
-    if (const auto code = found.query(motherboard, adapterInterface))
+    if (const auto code = found.query(adapterRoot, adapterInterface))
     {
         return code;
     }
@@ -151,7 +151,7 @@ void free_port_entry_content(PortInfoEntry* one)
 
 int32_t setLldpEnalbed(const char* adapter, const char* port, int32_t enabled)
 {
-    const auto path = std::string(motherboard) + '/' + required(adapter) +
+    const auto path = std::string(adapterRoot) + '/' + required(adapter) +
                       "/NetworkPorts/" + required(port);
     if (path.size() > longestPath)
     {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "base/last_part.hpp"
+#include "base/texts.hpp"
 #include "morvath.h"
 #include "tables/table.hpp"
 
@@ -12,7 +12,7 @@ namespace
 
 constexpr auto noLimit = "-";
 
-constexpr std::array columns{
+constexpr std::array sensorColumns{
     column<&BmcSensorEntry::name>("Name"),
     Column{"CriticalAlarmHigh"},
     Column{"CriticalAlarmLow"},
@@ -37,12 +37,14 @@ struct Limits
     std::size_t low;
 };
 
-constexpr Limits critical{
-    cell(columns, "CriticalAlarmHigh"), cell(columns, "CriticalAlarmLow"),
-    cell(columns, "CriticalHigh"), cell(columns, "CriticalLow")};
-constexpr Limits warning{
-    cell(columns, "WarningAlarmHigh"), cell(columns, "WarningAlarmLow"),
-    cell(columns, "WarningHigh"), cell(columns, "WarningLow")};
+constexpr Limits critical{cell(sensorColumns, "CriticalAlarmHigh"),
+                          cell(sensorColumns, "CriticalAlarmLow"),
+                          cell(sensorColumns, "CriticalHigh"),
+                          cell(sensorColumns, "CriticalLow")};
+constexpr Limits warning{cell(sensorColumns, "WarningAlarmHigh"),
+                         cell(sensorColumns, "WarningAlarmLow"),
+                         cell(sensorColumns, "WarningHigh"),
+                         cell(sensorColumns, "WarningLow")};
 
 void storeLimits(Row row, const Limits& cells, int32_t& alarmHigh,
                  int32_t& alarmLow, char*& high, char*& low)
@@ -67,11 +69,11 @@ void storeReading(BmcSensorEntry& entry, Row row)
                 entry.criticalHigh, entry.criticalLow);
     storeLimits(row, warning, entry.warningAlarmHigh, entry.warningAlarmLow,
                 entry.warningHigh, entry.warningLow);
-    store(entry.maxValue, row.take(cell(columns, "MaxValue")));
-    store(entry.minValue, row.take(cell(columns, "MinValue")));
-    const char* unit = required(row[cell(columns, "Unit")]);
+    store(entry.maxValue, row.take(cell(sensorColumns, "MaxValue")));
+    store(entry.minValue, row.take(cell(sensorColumns, "MinValue")));
+    const char* unit = required(row[cell(sensorColumns, "Unit")]);
     storeText(entry.unit, lastPart(unit, unknownUnit));
-    store(entry.value, row.take(cell(columns, "Value")));
+    store(entry.value, row.take(cell(sensorColumns, "Value")));
 }
 
 } // namespace
@@ -79,7 +81,8 @@ void storeReading(BmcSensorEntry& entry, Row row)
 int32_t getCommonSensorTableInfo(BmcSensorEntry** outArray, int32_t* outCount,
                                  const char* root, const char* interface)
 {
-    const Table sensors{root, interface, columns, finishWith<storeReading>};
+    const Table sensors{root, interface, sensorColumns,
+                        finishWith<storeReading>};
     return getTable(sensors, outArray, outCount);
 }
 

@@ -9,12 +9,12 @@
 namespace morvath
 {
 
-void* storeRecords(int32_t count, std::size_t recordSize, void* outArray)
+int32_t newRecords(int32_t count, std::size_t recordSize, void* outArray)
 {
     void* records = count < 0 ? nullptr : std::calloc(count, recordSize);
     // As bytes: only the caller knows what the pointer points to.
     std::memcpy(outArray, &records, sizeof(records));
-    return records;
+    return records || count == 0 ? success : outOfMemory;
 }
 
 void storeText(char*& field, std::string_view text)
@@ -77,11 +77,12 @@ int32_t getTable(const Table& table, void* outArray, int32_t* outCount,
         return code;
     }
     // The counter and not the number of rows gives the records.
-    void* records = storeRecords(*outCount, recordSize, outArray);
-    if (!records && *outCount != 0)
+    if (const auto code = newRecords(*outCount, recordSize, outArray))
     {
-        return outOfMemory;
+        return code;
     }
+    void* records;
+    std::memcpy(&records, outArray, sizeof(records));
     fillRecords(table, rows, records, recordSize, *outCount);
     return success;
 }

@@ -2,14 +2,14 @@
 #pragma once
 
 #include "base/c_memory.hpp"
-#include "base/codes.hpp"
-#include "base/required.hpp"
+#include "base/texts.hpp"
 #include "bus/rows.hpp"
-#include "tables/records.hpp"
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <span>
+#include <string_view>
 
 /*
  * From the rows of the table engine to an array of records. A table is its
@@ -18,6 +18,32 @@
  */
 namespace morvath
 {
+
+/**
+ * Stores an array of zeroed records with the caller, whose it is from here on:
+ * 0, or -2 and null when there is no memory, and for a count below 0. outArray
+ * is the place of a pointer to a record.
+ */
+int32_t newRecords(int32_t count, std::size_t recordSize, void* outArray);
+
+template <typename Record>
+int32_t newRecords(int32_t count, Record** outArray)
+{
+    return newRecords(count, sizeof(Record), outArray);
+}
+
+/** A copy of the text, which is the record's. */
+void storeText(char*& field, std::string_view text);
+
+/** Releases the texts of a record and sets them to null. */
+template <typename Record, typename... Texts>
+void releaseFields(Record* record, Texts... texts)
+{
+    if (record)
+    {
+        ((std::free(record->*texts), record->*texts = nullptr), ...);
+    }
+}
 
 /** A requested property and what becomes of its cell. */
 struct Column

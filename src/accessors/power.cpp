@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "base/last_part.hpp"
+#include "base/texts.hpp"
 #include "bus/properties.hpp"
 #include "morvath.h"
+
+#include <strings.h>
 
 #include <algorithm>
 #include <array>
 #include <cstring>
 #include <string>
-#include <string_view>
 
 using namespace morvath;
 
@@ -54,13 +55,36 @@ const char* wordOf(std::string_view state)
     return found == stateWords.end() ? otherState : found->word;
 }
 
-uint32_t codeOf(std::string_view transition)
+uint32_t transitionCode(std::string_view transition)
 {
     const auto found = std::ranges::find(transitions, transition);
     return found == transitions.end()
                ? otherTransition
                : static_cast<uint32_t>(found - transitions.begin());
 }
+
+constexpr Property restorePolicy{
+    "xyz.openbmc_project.Settings",
+    "/xyz/openbmc_project/control/host0/power_restore_policy",
+    "xyz.openbmc_project.Control.Power.RestorePolicy", "PowerRestorePolicy"};
+
+struct PolicyWord
+{
+    const char* word;
+    const char* policy;
+};
+
+constexpr std::array policyWords{
+    PolicyWord{
+        "AlwaysOn",
+        "xyz.openbmc_project.Control.Power.RestorePolicy.Policy.AlwaysOn"},
+    PolicyWord{
+        "AlwaysOff",
+        "xyz.openbmc_project.Control.Power.RestorePolicy.Policy.AlwaysOff"},
+    PolicyWord{
+        "LastState",
+        "xyz.openbmc_project.Control.Power.RestorePolicy.Policy.Restore"},
+};
 
 } // namespace
 
@@ -94,8 +118,8 @@ int32_t getSystemPowerCtl(uint32_t* code)
     {
         return status;
     }
-    *code =
-        value ? codeOf(lastPart(value.get(), unknownWord)) : otherTransition;
+    *code = value ? transitionCode(lastPart(value.get(), unknownWord))
+                  : otherTransition;
     return success;
 }
 
@@ -107,4 +131,44 @@ int32_t setSystemPowerCtl(uint32_t code)
     }
     const auto transition = std::string(transitionPrefix) + transitions[code];
     return writeText(requestedTransition, transition.c_str());
+}
+
+// In both directions the length of what is looked for decides, so that any
+// leading part matches the first entry that begins with it. This is on purpose.
+
+int32_t getPowerRestorePolicy(char** policy)
+{
+    CText value;
+    if (const auto code = readText(restorePolicy, value))
+    {
+        return code;
+    }
+    if (!value)
+    {
+        *policy = newText(unknownWord).release();
+        return success;
+    }
+    const auto length = std::strlen(value.get());
+    for (const auto& entry : policyWords)
+    {
+        if (std::strncmp(value.get(), entry.policy, length) == 0)
+        {
+            *policy = newText(entry.word).release();
+            return success;
+        }
+    }
+    return busFailure;
+}
+
+int32_t setPowerRestorePolicy(const char* policy)
+{
+    const auto length = std::strlen(required(policy));
+    for (const auto& entry : policyWords)
+    {
+        if (strncasecmp(policy, entry.word, length) == 0)
+        {
+            return writeText(restorePolicy, entry.policy);
+        }
+    }
+    return rejected;
 }

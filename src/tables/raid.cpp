@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "base/c_memory.hpp"
 #include "morvath.h"
-#include "raid/packed_record.hpp"
-#include "raid/physical_drives.hpp"
-#include "tables/records.hpp"
+#include "raid/library.hpp"
+#include "tables/table.hpp"
 
 #include <array>
 #include <cstdio>
@@ -12,6 +10,8 @@
 
 using namespace morvath;
 namespace raid_info = vontel::raid_info;
+namespace logical_drive = vontel::logical_drive;
+namespace physical_drive = vontel::physical_drive;
 
 namespace
 {
@@ -70,20 +70,63 @@ void fillController(RaidControllerEntry& entry, const PackedRecord& info)
     storeText(entry.hostInterface, hostInterface);
 }
 
-/** Whether all could be read. */
-bool readInfos(const std::vector<uint32_t>& raidIds,
-               std::vector<vontel::RAIDInfo_T>& infos)
+constexpr auto unknown = "-";
+
+bool hasMember(const PackedRecord& drive, uint16_t deviceId)
 {
-    for (const auto raidId : raidIds)
+    auto member = logical_drive::members;
+    for (auto left = drive.byte(logical_drive::memberCount); left > 0; --left)
     {
-        vontel::RAIDInfo_T info{};
-        if (vontel::getRaidInfoById(selector, raidId, &info) != 0)
+        if (drive.number<uint16_t>(member) == deviceId)
         {
-            return false;
+            return true;
         }
-        infos.push_back(info);
+        member += logical_drive::memberSize;
     }
-    return true;
+    return false;
+}
+
+/**
+ * By the device id alone: equal ids on two controllers have the same level. A
+ * member of several logical drives has the level of the last.
+ */
+std::string levelOf(const LogicalDrives& drives, uint16_t deviceId)
+{
+    std::string level = unknown;
+    for (const auto& info : drives)
+    {
+        const PackedRecord drive(info);
+        if (hasMember(drive, deviceId))
+        {
+            level =
+                vontel::getRaidLevelStr(drive.byte(logical_drive::raidLevel));
+        }
+    }
+    return level;
+}
+
+void fillDrive(RaidHddEntry& entry, const PackedRecord& drive,
+               const LogicalDrives& logicalDrives)
+{
+    vontel::RAIDInfo_T controller{};
+    const auto raidId = drive.number<uint32_t>(physical_drive::raidId);
+    // A controller that cannot be read costs its drives their texts only.
+    if (vontel::getRaidInfoById(selector, raidId, &controller) != 0)
+    {
+        for (auto* field : {&entry.raidLevel, &entry.state, &entry.driveText,
+                            &entry.controllerName})
+        {
+            storeText(*field, unknown);
+        }
+        return;
+    }
+    const auto deviceId = drive.number<uint16_t>(physical_drive::deviceId);
+    storeText(entry.raidLevel, levelOf(logicalDrives, deviceId));
+    storeText(entry.state,
+              vontel::getPhyDevStateStr(drive.byte(physical_drive::state)));
+    storeText(entry.driveText, drive.text(physical_drive::driveText));
+    storeText(entry.controllerName,
+              PackedRecord(controller).text(raid_info::name));
 }
 
 } // namespace
@@ -106,7 +149,9 @@ int32_t getRaidControllerInfo(RaidControllerEntry** outArray, int32_t* outCount)
         return code;
     }
     std::vector<vontel::RAIDInfo_T> infos;
-    if (!readInfos(raidIds, infos))
+    if (!readEach(raidIds, infos, [](auto id, auto* info) {
+            return vontel::getRaidInfoById(selector, id, info);
+        }))
     {
         // Deliberately neither reset to null nor counted down: with a code
         // other than 0 the outputs mean nothing.
@@ -129,4 +174,36 @@ void freeRaidControllerEntry(RaidControllerEntry* one)
                   &Entry::deviceId, &Entry::subVendorId, &Entry::subDeviceId,
                   &Entry::driveInterfaces, &Entry::supportedRaidLevels,
                   &Entry::hostInterface);
+}
+
+int32_t getRaidHddTableInfo(RaidHddEntry** outArray, int32_t* outCount)
+{
+    if (vontel::checkRaidMgrExist() == 0)
+    {
+        *outCount = 0;
+        return success;
+    }
+    LogicalDrives logicalDrives;
+    PhysicalDrives drives;
+    if (!readLogicalDrives(logicalDrives) || !readPhysicalDrives(drives))
+    {
+        return raidFailure;
+    }
+    *outCount = static_cast<int32_t>(drives.size());
+    if (const auto code = newRecords(*outCount, outArray))
+    {
+        return code;
+    }
+    for (std::size_t index = 0; index < drives.size(); ++index)
+    {
+        fillDrive((*outArray)[index], PackedRecord(drives[index]),
+                  logicalDrives);
+    }
+    return success;
+}
+
+void free_raid_hdd_entry(RaidHddEntry* one)
+{
+    releaseFields(one, &RaidHddEntry::raidLevel, &RaidHddEntry::state,
+                  &RaidHddEntry::driveText, &RaidHddEntry::controllerName);
 }

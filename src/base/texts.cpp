@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "bus/object_path.hpp"
+#include "base/texts.hpp"
+
+#include "morvath.h"
 
 #include <charconv>
+#include <stdexcept>
 
 namespace morvath
 {
@@ -33,6 +36,17 @@ std::string decode(std::string_view segment)
 
 } // namespace
 
+void raiseMissing()
+{
+    throw std::logic_error("basic_string: construction from null is not valid");
+}
+
+std::string_view lastPart(std::string_view text, std::string_view otherwise)
+{
+    const auto dot = text.rfind('.');
+    return dot == text.npos ? otherwise : text.substr(dot + 1);
+}
+
 std::string lastSegment(std::string_view path)
 {
     const auto slash = path.rfind('/');
@@ -45,3 +59,8 @@ std::string lastSegment(std::string_view path)
 }
 
 } // namespace morvath
+
+std::string getLastStr(const std::string& text)
+{
+    return std::string(morvath::lastPart(text, morvath::unknownWord));
+}

@@ -1,18 +1,40 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "bus/reply_reader.hpp"
+#include "bus/message.hpp"
 
-#include <sdbusplus/exception.hpp>
+#include <sdbusplus/bus.hpp>
 #include <systemd/sd-bus.h>
 
 #include <cerrno>
 #include <cstring>
 #include <tuple>
+#include <type_traits>
 #include <variant>
 
 namespace morvath
 {
 namespace
 {
+
+sdbusplus::bus_t openProcessBus()
+{
+    // Opened here and not by the binding, which raises where no bus is: the
+    // library must load all the same.
+    sd_bus* connection = nullptr;
+    sd_bus_default(&connection);
+
+    // A connection that never gets a unique name is unusable: the binding
+    // then raises, which deliberately ends the load.
+    sdbusplus::bus_t bus(connection, std::false_type());
+    bus.set_should_close(true);
+    return bus;
+}
+
+/**
+ * The one connection of the process, opened when the library is loaded and
+ * flushed, closed and released when the process exits. It is null when there
+ * was no bus; every call then fails where its request is created.
+ */
+sdbusplus::bus_t processBus = openProcessBus();
 
 int checked(int result, const char* function)
 {
@@ -32,6 +54,41 @@ char basicType(const char* contents)
 }
 
 } // namespace
+
+Request::Request(const char* service, const char* path, const char* interface,
+                 const char* member) :
+    message(processBus.new_method_call(service, path, interface, member))
+{}
+
+Request& Request::append(char type, const void* value)
+{
+    sd_bus_message_append_basic(message.get(), type, value);
+    return *this;
+}
+
+Request& Request::append(const char* const* texts)
+{
+    open('a', "s");
+    for (; *texts; ++texts)
+    {
+        append(*texts);
+    }
+    return close();
+}
+
+Request& Request::open(char type, const char* contents)
+{
+    sd_bus_message_open_container(message.get(), type, contents);
+    return *this;
+}
+
+Request& Request::close()
+{
+    sd_bus_message_close_container(message.get());
+    return *this;
+}
+
+sdbusplus::message_t Request::call() { return processBus.call(message); }
 
 bool ReplyReader::enter(char type, const char* contents)
 {

@@ -61,14 +61,14 @@ Reading::Reading(const char* program, Seconds limit)
     int error = pipe2(ends, O_CLOEXEC) == 0 ? 0 : errno;
     if (error == 0)
     {
-        pipe_ = ends[0];
-        fcntl(pipe_, F_SETFL, O_NONBLOCK);
-        error = spawn(reader_, program, const_cast<char**>(arguments), ends[1]);
+        output = ends[0];
+        fcntl(output, F_SETFL, O_NONBLOCK);
+        error = spawn(process, program, const_cast<char**>(arguments), ends[1]);
         close(ends[1]);
     }
     if (error != 0)
     {
-        reader_ = -1;
+        process = -1;
         std::fprintf(stderr, "morvath-exporter: cannot start %s: %s\n", program,
                      std::strerror(error));
     }
@@ -76,34 +76,34 @@ Reading::Reading(const char* program, Seconds limit)
 
 Reading::~Reading()
 {
-    if (reader_ > 0)
+    if (process > 0)
     {
-        kill(-reader_, SIGKILL);
-        while (waitpid(reader_, nullptr, 0) < 0 && errno == EINTR)
+        kill(-process, SIGKILL);
+        while (waitpid(process, nullptr, 0) < 0 && errno == EINTR)
         {}
     }
-    if (pipe_ >= 0)
+    if (output >= 0)
     {
-        close(pipe_);
+        close(output);
     }
 }
 
 bool Reading::receive()
 {
-    if (reader_ < 0 || text_.size() >= longestText)
+    if (process < 0 || written.size() >= longestText)
     {
         return false;
     }
     char buffer[1 << 14];
-    const auto size = read(pipe_, buffer, sizeof(buffer));
+    const auto size = read(output, buffer, sizeof(buffer));
     if (size <= 0)
     {
         return size < 0 && (errno == EAGAIN || errno == EINTR);
     }
-    text_.append(buffer, size);
+    written.append(buffer, size);
     return true;
 }
 
-Seconds Reading::duration() const { return Clock::now() - start_; }
+Seconds Reading::duration() const { return Clock::now() - start; }
 
 } // namespace morvath::exporter

@@ -19,23 +19,23 @@ class Reading
     ~Reading();
 
     /** Where it writes to, for polling; negative without a reader. */
-    int pipe() const { return pipe_; }
+    int pipe() const { return output; }
 
     /** Takes what was written, without waiting; whether more can come. */
     bool receive();
 
     /** What was written so far. */
-    const std::string& text() const { return text_; }
+    const std::string& text() const { return written; }
 
     Seconds duration() const;
 
   private:
     using Clock = std::chrono::steady_clock;
 
-    const Clock::time_point start_ = Clock::now();
-    int pipe_ = -1;
-    pid_t reader_ = -1;
-    std::string text_;
+    const Clock::time_point start = Clock::now();
+    int output = -1;
+    pid_t process = -1;
+    std::string written;
 };
 
 } // namespace morvath::exporter

@@ -8,9 +8,7 @@
 #include <functional>
 #include <type_traits>
 
-namespace morvath::tests
-{
-namespace
+namespace morvath::tests::cpp_interface
 {
 
 constexpr auto network = "xyz.openbmc_project.Network";
@@ -121,5 +119,4 @@ TEST(CppInterface, ForgetsWhatAFailureLeaves)
     EXPECT_TRUE(records.empty());
 }
 
-} // namespace
-} // namespace morvath::tests
+} // namespace morvath::tests::cpp_interface

@@ -7,9 +7,7 @@
 
 #include <variant>
 
-namespace morvath::tests
-{
-namespace
+namespace morvath::tests::bios
 {
 
 constexpr auto service = "xyz.openbmc_project.Smbios.MDR_V2";
@@ -67,5 +65,4 @@ TEST(Bios, WidensEachChoiceOfItsType)
     }
 }
 
-} // namespace
-} // namespace morvath::tests
+} // namespace morvath::tests::bios

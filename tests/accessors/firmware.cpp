@@ -5,9 +5,7 @@
 
 #include <gtest/gtest.h>
 
-namespace morvath::tests
-{
-namespace
+namespace morvath::tests::firmware
 {
 
 const std::string root = "/xyz/openbmc_project/software/";
@@ -57,5 +55,4 @@ TEST(Firmware, IsTheLastOfItsPurpose)
     }
 }
 
-} // namespace
-} // namespace morvath::tests
+} // namespace morvath::tests::firmware

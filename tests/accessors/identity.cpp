@@ -7,9 +7,7 @@
 
 #include <stdexcept>
 
-namespace morvath::tests
-{
-namespace
+namespace morvath::tests::identity
 {
 
 constexpr auto inventory = "xyz.openbmc_project.Inventory.Manager";
@@ -74,5 +72,4 @@ TEST(BmcInventory, IsTheFirstControllerOfTheInventory)
     }
 }
 
-} // namespace
-} // namespace morvath::tests
+} // namespace morvath::tests::identity

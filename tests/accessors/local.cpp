@@ -7,9 +7,7 @@
 #include <systemd/sd-id128.h>
 #include <time.h>
 
-namespace morvath::tests
-{
-namespace
+namespace morvath::tests::local
 {
 
 TEST(DeviceUuid, IsDerivedFromTheMachine)
@@ -70,5 +68,4 @@ TEST(SetTime, WritesMicrosecondsUnlessUnderNtp)
     }
 }
 
-} // namespace
-} // namespace morvath::tests
+} // namespace morvath::tests::local

@@ -5,9 +5,7 @@
 
 #include <gtest/gtest.h>
 
-namespace morvath::tests
-{
-namespace
+namespace morvath::tests::ntp
 {
 
 constexpr auto network = "xyz.openbmc_project.Network";
@@ -79,5 +77,4 @@ TEST(NtpServers, AreThoseOfTheFirstInterface)
     }
 }
 
-} // namespace
-} // namespace morvath::tests
+} // namespace morvath::tests::ntp

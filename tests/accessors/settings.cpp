@@ -10,9 +10,7 @@
 #include <utility>
 #include <vector>
 
-namespace morvath::tests
-{
-namespace
+namespace morvath::tests::settings
 {
 
 constexpr auto settings = "xyz.openbmc_project.Settings";
@@ -163,5 +161,4 @@ TEST(LastStr, IsWhatFollowsTheLastDot)
     }
 }
 
-} // namespace
-} // namespace morvath::tests
+} // namespace morvath::tests::settings

@@ -8,9 +8,7 @@
 #include <algorithm>
 #include <cstdlib>
 
-namespace morvath::tests
-{
-namespace
+namespace morvath::tests::mapper
 {
 
 constexpr auto wanted = "com.example.Wanted";
@@ -134,5 +132,4 @@ TEST(FindObjects, TakesAnObjectWithoutOwnersAsOneWithoutName)
     std::free(rows);
 }
 
-} // namespace
-} // namespace morvath::tests
+} // namespace morvath::tests::mapper

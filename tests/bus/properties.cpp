@@ -8,9 +8,7 @@
 #include <cstdlib>
 #include <stdexcept>
 
-namespace morvath::tests
-{
-namespace
+namespace morvath::tests::properties
 {
 
 constexpr auto service = "com.example.Settings";
@@ -269,5 +267,4 @@ TEST(SetOnAll, WritesEveryObjectUntilOneRefuses)
     }
 }
 
-} // namespace
-} // namespace morvath::tests
+} // namespace morvath::tests::properties

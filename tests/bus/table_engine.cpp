@@ -10,9 +10,7 @@
 #include <optional>
 #include <stdexcept>
 
-namespace morvath::tests
-{
-namespace
+namespace morvath::tests::table_engine
 {
 
 constexpr auto service = "com.example.Inventory";
@@ -255,5 +253,4 @@ TEST(TableEngine, KeepsTheRowsBeforeAnObjectThatFails)
     }
 }
 
-} // namespace
-} // namespace morvath::tests
+} // namespace morvath::tests::table_engine

@@ -8,9 +8,7 @@
 #include <set>
 #include <string>
 
-namespace morvath::tests
-{
-namespace
+namespace morvath::tests::allocation_faults
 {
 
 /** The effect while so many allocations fail, from the first on. */
@@ -63,5 +61,4 @@ TEST(AllocationFaults, AreToldAndPass)
     }
 }
 
-} // namespace
-} // namespace morvath::tests
+} // namespace morvath::tests::allocation_faults

@@ -12,9 +12,7 @@
 #include <string>
 #include <utility>
 
-namespace morvath::tests
-{
-namespace
+namespace morvath::tests::bus_faults
 {
 
 const Json none;
@@ -196,5 +194,4 @@ TEST(NullTexts, RaiseBeforeAnythingIsSent)
     EXPECT_EQ(platform.calls().size(), 0u);
 }
 
-} // namespace
-} // namespace morvath::tests
+} // namespace morvath::tests::bus_faults

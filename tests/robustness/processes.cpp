@@ -14,9 +14,7 @@
 #include <string>
 #include <thread>
 
-namespace morvath::tests
-{
-namespace
+namespace morvath::tests::processes
 {
 
 Outcome consumer(const std::string& busAddress, const std::string& steps)
@@ -111,5 +109,4 @@ TEST(Process, FailsAndEndsWellWithoutItsBus)
     EXPECT_EQ(left.errors, "");
 }
 
-} // namespace
-} // namespace morvath::tests
+} // namespace morvath::tests::processes

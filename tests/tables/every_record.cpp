@@ -3,9 +3,7 @@
 
 #include <cstring>
 
-namespace morvath::tests
-{
-namespace
+namespace morvath::tests::every_record
 {
 
 void fill(char*& text) { text = strdup("text"); }
@@ -49,5 +47,4 @@ TEST(EveryRecord, IsReleasedOnce)
     expectRelease(free_raid_hdd_entry);
 }
 
-} // namespace
-} // namespace morvath::tests
+} // namespace morvath::tests::every_record

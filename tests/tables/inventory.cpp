@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "support/records.hpp"
 
-namespace morvath::tests
-{
-namespace
+namespace morvath::tests::inventory
 {
 
 const std::string item = "xyz.openbmc_project.Inventory.Item.";
@@ -142,5 +140,4 @@ TEST(Processors, AreNamedByTheirLocation)
         .expect();
 }
 
-} // namespace
-} // namespace morvath::tests
+} // namespace morvath::tests::inventory

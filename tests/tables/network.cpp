@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "support/records.hpp"
 
-namespace morvath::tests
-{
-namespace
+namespace morvath::tests::network
 {
 
 constexpr auto service = "xyz.openbmc_project.Network";
@@ -108,5 +106,4 @@ TEST(NetworkInterfaces, ShowTheFirstAddress)
               nullText);
 }
 
-} // namespace
-} // namespace morvath::tests
+} // namespace morvath::tests::network

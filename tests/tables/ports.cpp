@@ -3,9 +3,7 @@
 
 #include <csignal>
 
-namespace morvath::tests
-{
-namespace
+namespace morvath::tests::ports
 {
 
 constexpr auto service = "xyz.openbmc_project.Smbios.MDR_V2";
@@ -155,5 +153,4 @@ TEST(LldpDeathTest, AbortsForAPathThatIsTooLong)
                 testing::KilledBySignal(SIGABRT), "");
 }
 
-} // namespace
-} // namespace morvath::tests
+} // namespace morvath::tests::ports

@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "support/records.hpp"
 
-namespace morvath::tests
-{
-namespace
+namespace morvath::tests::power_supply
 {
 
 constexpr auto service = "xyz.openbmc_project.Inventory.Manager";
@@ -99,5 +97,4 @@ TEST(PowerSupplies, FollowACounterThatWasNotZero)
     }
 }
 
-} // namespace
-} // namespace morvath::tests
+} // namespace morvath::tests::power_supply

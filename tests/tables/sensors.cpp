@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "support/records.hpp"
 
-namespace morvath::tests
-{
-namespace
+namespace morvath::tests::sensors
 {
 
 int32_t getAirflows(BmcSensorEntry** outArray, int32_t* outCount)
@@ -93,5 +91,4 @@ TEST(Sensors, HaveOrLackLimitsByTheFirstAlarm)
     }
 }
 
-} // namespace
-} // namespace morvath::tests
+} // namespace morvath::tests::sensors

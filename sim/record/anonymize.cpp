@@ -364,7 +364,7 @@ class Anonymizer
             const View view(text, isPath);
             if (isMasking)
             {
-                mask(text, view, secrecy > Secrecy::harmless);
+                mask(text, view, secrecy);
             }
             else if (secrecy != Secrecy::harmless)
             {
@@ -452,7 +452,7 @@ class Anonymizer
     }
 
     /** Puts masks in place of the longest secrets that fit. */
-    void mask(std::string& text, const View& view, bool isNamed) const
+    void mask(std::string& text, const View& view, Secrecy secrecy) const
     {
         const std::string_view letters = view.letters;
         for (std::size_t start = 0; start < letters.size();)
@@ -462,7 +462,7 @@ class Anonymizer
             {
                 const auto found = secrets.find(letters.substr(start, length));
                 if (found != secrets.end() &&
-                    fits(*found, text, view, start, isNamed))
+                    fits(*found, text, view, start, secrecy))
                 {
                     end = start + found->first.size();
                     for (auto place = start; place < end; ++place)
@@ -478,7 +478,7 @@ class Anonymizer
     }
 
     static bool fits(const Secrets::value_type& secret, const std::string& text,
-                     const View& view, std::size_t start, bool isNamed)
+                     const View& view, std::size_t start, Secrecy secrecy)
     {
         const auto& [letters, rest] = secret;
         const auto end = start + letters.size();
@@ -496,6 +496,9 @@ class Anonymizer
         }
         if (letters.size() < shortest)
         {
+            const auto isNamed = secrecy > Secrecy::harmless &&
+                                 (secrecy == Secrecy::identifier) ==
+                                     (rest.secrecy == Secrecy::identifier);
             return text.substr(0, view.places[start]).ends_with("://") ||
                    (isNamed && letters.size() == view.letters.size());
         }

@@ -10,7 +10,6 @@
 
 namespace morvath::tests
 {
-
 namespace
 {
 
@@ -19,17 +18,14 @@ using sim::MemoryFile;
 
 Outcome inScenario(const std::string& scenario, const std::string& command)
 {
-    return run("MORVATH_SIM", "run " + scenario + " -- " + command);
+    const MemoryFile file(scenario);
+    const auto option = scenario.empty() ? "" : "--scenario " + file.path();
+    return run("MORVATH_SIM", "run " + option + " -- " + command);
 }
 
 Outcome recorded(const std::string& scenario, const std::string& options = "")
 {
     return inScenario(scenario, "$MORVATH_SIM record " + options);
-}
-
-std::string option(const MemoryFile& file)
-{
-    return "--scenario " + file.path();
 }
 
 /** One object; in the order in which the interfaces are registered. */
@@ -41,44 +37,41 @@ std::string withProperties(const std::string& interfaces,
            interfaces + "}]}]" + rest + "}";
 }
 
+std::string withFault(const std::string& when, const std::string& then)
+{
+    return withProperties(R"({"x.I": {
+        "P": {"type": "i", "value": 1, "readOnly": true},
+        "Q": {"type": "i", "value": 2}}, "x.Empty": {}})",
+                          R"(, "faults": [{"when": {)" + when +
+                              R"(}, "then": {)" + then + "}}]");
+}
+
 Json interfacesOf(const Outcome& recording)
 {
     return Json::parse(
         recording.output)["objects"][0]["services"][0]["interfaces"];
 }
 
-Json recordedProperties(const Json& properties, const std::string& options)
-{
-    const MemoryFile scenario(withProperties(Json{{"x.I", properties}}.dump()));
-    return interfacesOf(recorded(option(scenario), options))["x.I"];
-}
-
-} // namespace
-
 TEST(Record, ReplaysAsTheOriginal)
 {
-    const Outcome first = recorded("");
+    const auto first = recorded("");
     EXPECT_EQ(first.status, 0);
     EXPECT_EQ(first.errors, "");
-    const MemoryFile recording(first.output);
-    EXPECT_EQ(recorded(option(recording)).output, first.output);
+    EXPECT_EQ(recorded(first.output).output, first.output);
     const std::string show = "$MORVATH show --all --wide";
-    const Outcome original = inScenario("", show);
-    EXPECT_EQ(original.status, 0);
-    EXPECT_EQ(inScenario(option(recording), show).output, original.output);
+    EXPECT_EQ(inScenario(first.output, show).output,
+              inScenario("", show).output);
 
-    const std::string masked = recorded("", "--anonymize").output;
-    EXPECT_EQ(recorded(option(recording), "--anonymize").output, masked);
-    for (const char* secret :
+    const auto masked = recorded("", "--anonymize").output;
+    for (const auto* secret :
          {"VSN26A0417", "SF9600071A", "7d1f0c52", "AT-004512", "rack7",
           "5a:3c:9b", "5a3c9b", "10.20.30.", "_310_2e20", "0x4c1f", "fe80::"})
     {
-        EXPECT_EQ(masked.find(secret), std::string::npos) << secret;
+        EXPECT_EQ(masked.find(secret), masked.npos) << secret;
     }
-    const MemoryFile anonymous(masked);
-    const Outcome disks = inScenario(option(anonymous), "$MORVATH show disks");
+    const auto disks = inScenario(masked, "$MORVATH show disks");
     EXPECT_EQ(disks.status, 0) << disks.errors;
-    EXPECT_NE(disks.output.find("AA0000000B"), std::string::npos);
+    EXPECT_NE(disks.output.find("AA0000000B"), disks.output.npos);
 }
 
 TEST(Record, KeepsEveryTypeAndTheOrder)
@@ -93,132 +86,99 @@ TEST(Record, KeepsEveryTypeAndTheOrder)
             "Doubles": {"type": "ad", "value": [0.1, -0.0, 5e-324, 1e300, 3.0,
                                                 "nan", "inf", "-inf"]},
             "Text": {"type": "(bsog)", "value": [true, "\u00fc\\\n", "/", "a{sv}"]},
-            "Bytes": {"type": "ay", "value": [0, 127, 255]},
             "None": {"type": "a(sss)", "value": []},
             "Inner": {"type": "v", "value": {"type": "a{sv}", "value":
                 {"k": {"type": "a{us}", "value": [[7, "seven"]]}}}},
             "Twice": {"type": "a{os}", "value": [["/k", "1"], ["/k", "2"]]}},
         "x.A": {"Same": {"type": "s", "value": "second"}}})json";
-    const MemoryFile scenario(withProperties(interfaces));
-    const Outcome recording = recorded(option(scenario));
-    EXPECT_EQ(recording.status, 0) << recording.errors;
-    EXPECT_EQ(interfacesOf(recording).dump(2), Json::parse(interfaces).dump(2));
-    const MemoryFile again(recording.output);
-    EXPECT_EQ(recorded(option(again)).output, recording.output);
-}
-
-TEST(Record, UnderstandsForeignIntrospection)
-{
-    const std::string xml =
-        "<?xml version='1.0'?><!-- <interface name=\"x.No\"> -->\n<node>"
-        "<interface name='x.J'><property access='read' type='s' name='P'>"
-        "<annotation name='a' value='b'/></property>"
-        "<property name=\"Q\" type=\"s\"\naccess=\"readwrite\"/></interface>"
-        "<node name=\"child\"><interface name=\"x.I\"/></node>"
-        "<node name='leaf'/><interface name=\"x.I\"></interface>";
-    const auto answered = [](const std::string& answer) {
-        return withProperties(
-            R"({"x.J": {"P": {"type": "s", "value": ""},
-                        "Q": {"type": "s", "value": ""}}, "x.I": {}})",
-            R"(, "faults": [{"when": {"path": "/a/b", "member": "Introspect"},
-                "then": {"reply": {"type": "s", "value": )" +
-                Json(answer).dump() + "}}}]");
-    };
-    const MemoryFile whole(answered(xml + "</node>"));
-    const Outcome recording = recorded(option(whole));
+    const auto recording = recorded(withProperties(interfaces));
     EXPECT_EQ(recording.errors, "");
-    const Json expected = Json::parse(
-        R"({"x.I": {}, "x.J": {
-            "P": {"type": "s", "value": "", "readOnly": true},
-            "Q": {"type": "s", "value": ""}}})");
-    EXPECT_EQ(interfacesOf(recording).dump(), expected.dump());
-
-    const MemoryFile cut(answered(xml));
-    const Outcome gap = recorded(option(cut));
-    EXPECT_EQ(gap.status, 1);
-    EXPECT_EQ(gap.errors, "morvath-sim: left out: /a/b: x.S: introspection: "
-                          "not well-formed\n");
-    EXPECT_EQ(gap.output, recording.output);
+    EXPECT_EQ(interfacesOf(recording).dump(2), Json::parse(interfaces).dump(2));
 }
 
 TEST(Record, KeepsRecordsOfDrivesToTheByte)
 {
     const std::string raid =
-        R"({"controllers":[{"raid_id":7,)"
+        R"({"controllers":[{"raid_id":7,"raw":{"0":"08","398":"10"},)"
         R"("physical":[{"device_id":3,"vendor":"A B",)"
         R"("raw":{"0":"ff","30":"e4c4","212":"01"}}],)"
-        R"("logical":[{"id":2,"members":[3,513],)"
-        R"("raw":{"98":"aa"}}],"raw":{"0":"08","398":"10"}}],)"
+        R"("logical":[{"id":2,"members":[3,513],"raw":{"98":"aa"}}]}],)"
         R"("texts":{"unknown":"?"}})";
-    const MemoryFile scenario(R"({"format": 1, "raid": )" + raid + "}");
-    const Outcome recording = recorded(option(scenario));
+    const auto recording = recorded(R"({"format": 1, "raid": )" + raid + "}");
     EXPECT_EQ(recording.status, 0) << recording.errors;
-    const Outcome unread =
+    EXPECT_EQ(Json::parse(recording.output)["raid"].dump(), raid);
+    const auto unread =
         inScenario("", "env MORVATH_SIM_RAID=/none $MORVATH_SIM record");
     EXPECT_EQ(unread.status, 1);
     EXPECT_EQ(unread.errors,
               "morvath-sim: left out: RAID: /none: cannot be read\n");
-    using Unordered = nlohmann::json;
-    EXPECT_EQ(Unordered::parse(recording.output)["raid"],
-              Unordered::parse(raid));
 }
 
 TEST(Record, TellsWhatItLeavesOut)
 {
-    struct
+    const std::string xml =
+        "<?xml version='1.0'?><!-- <interface name=\\\"x.No\\\"> -->\\n<node>"
+        "<interface name='x.I'><property access='read' type='i' name='P'>"
+        "<annotation name='a' value='b'/></property>"
+        "<property name=\\\"Q\\\" type=\\\"i\\\"\\naccess=\\\"readwrite\\\"/>"
+        "</interface><node name='c'><interface name='x.J'/></node>"
+        "<interface name='x.Empty'/>";
+    const auto answer = [&](const std::string& text) {
+        return R"("reply": {"type": "s", "value": ")" + text + "\"}";
+    };
+    const std::string all = R"({"x.Empty":{},"x.I":{)"
+                            R"("P":{"type":"i","value":1,"readOnly":true},)"
+                            R"("Q":{"type":"i","value":2}}})";
+    const std::string bus = "org.freedesktop.DBus.Error.";
+    const struct
     {
-        const char* when;
-        const char* then;
-        const char* left;
-        const char* told;
-    } const cases[]{
+        std::string when;
+        std::string then;
+        std::string left;
+        std::string told;
+    } cases[]{
+        {R"("member": "Introspect")", answer(xml + "</node>"), all, ""},
+        {R"("member": "Introspect")", answer(xml), all,
+         "/a/b: x.S: introspection: not well-formed"},
         {R"("service": "x.S")", R"("silent": true)", "null",
-         "x.S, from object / on: org.freedesktop.DBus.Error.Timeout"},
+         "x.S, from object / on: " + bus + "Timeout"},
         {R"("path": "/a/b", "member": "GetAll")", R"("die": true)", "null",
-         "x.S, from object /a/b on: "
-         "org.freedesktop.DBus.Error.ServiceUnknown"},
+         "x.S, from object /a/b on: " + bus + "ServiceUnknown"},
         {R"("path": "/a/b")", R"("vanished": true)", "null",
-         "/a/b: x.S: org.freedesktop.DBus.Error.UnknownObject"},
-        {R"("path": "/a/b", "property": "P")", R"("error": "x.Error")", "[2]",
+         "/a/b: x.S: " + bus + "UnknownObject"},
+        {R"("path": "/a/b", "property": "P")", R"("error": "x.Error")",
+         R"({"x.I":{"Q":{"type":"i","value":2}},"x.Empty":{}})",
          "/a/b: x.S: x.I: x.Error"},
-        {R"("member": "GetAll")", R"("reply": {"type": "i", "value": 1})",
-         "[1,2]", "/a/b: x.S: x.I: "},
+        {R"("interface": "x.I", "member": "GetAll")",
+         R"("reply": {"type": "i", "value": 1})",
+         R"({"x.I":{"P":{"type":"i","value":1,"readOnly":true},)"
+         R"("Q":{"type":"i","value":2}},"x.Empty":{}})",
+         "/a/b: x.S: x.I: reading the answer"},
     };
     for (const auto& one : cases)
     {
-        const MemoryFile scenario(withProperties(
-            R"({"x.I": {"P": {"type": "i", "value": 1},
-                        "Q": {"type": "i", "value": 2}}})",
-            std::string(R"(, "faults": [{"when": {)") + one.when +
-                R"(}, "then": {)" + one.then + "}}]"));
-        const Outcome recording = recorded(option(scenario), "--timeout 3");
-        EXPECT_EQ(recording.status, 1) << one.told;
+        const auto recording =
+            recorded(withFault(one.when, one.then), "--timeout 3");
+        EXPECT_EQ(recording.status, one.told.empty() ? 0 : 1) << one.told;
         EXPECT_NE(recording.errors.find(one.told), std::string::npos)
             << recording.errors;
-        Json left;
-        const Json properties = interfacesOf(recording)["x.I"];
-        for (const Json& property : properties)
-        {
-            left.push_back(property["value"]);
-        }
-        EXPECT_EQ(left.dump(), one.left) << one.told;
+        EXPECT_EQ(interfacesOf(recording).dump(), one.left) << one.told;
     }
 }
 
 TEST(Record, ChoosesServicesAndRefusesWhatIsNone)
 {
-    const Outcome chosen =
+    const auto chosen =
         recorded("", "--service xyz.openbmc_project.Settings --service x.None");
     EXPECT_EQ(chosen.status, 1);
     EXPECT_EQ(chosen.errors, "morvath-sim: left out: x.None: the object mapper "
                              "does not know the service\n");
-    const Json recording = Json::parse(chosen.output);
+    const auto recording = Json::parse(chosen.output);
     EXPECT_FALSE(recording.contains("raid"));
-    EXPECT_EQ(recording["objects"].size(), 3U);
+    EXPECT_EQ(recording["objects"].size(), 3u);
 
     EXPECT_EQ(recorded("", "--service none").status, 2);
-    const MemoryFile bare(R"({"format": 1, "mapper": false})");
-    const Outcome none = recorded(option(bare));
+    const auto none = recorded(R"({"format": 1, "mapper": false})");
     EXPECT_EQ(none.status, 1);
     EXPECT_EQ(none.output, "");
     EXPECT_TRUE(none.errors.starts_with(
@@ -226,17 +186,17 @@ TEST(Record, ChoosesServicesAndRefusesWhatIsNone)
         << none.errors;
 }
 
-TEST(Record, MasksWhatIdentifiesTheMachine)
+TEST(Record, MasksWhatIdentifiesTheMachineAlone)
 {
-    struct
+    constexpr auto keeps = "";
+    const struct
     {
         const char* name;
         const char* type;
         const char* original;
         const char* masked;
-    } const cases[]{
+    } cases[]{
         {"SerialNumber", "s", R"("SN-7Q ")", R"("AA-0B ")"},
-        {"SubSerial", "s", R"("7")", R"("1")"},
         {"ServiceTag", "s", R"("7XK29Q2")", R"("0AA00A1")"},
         {"PPID", "s", R"("CN0ABC1234567")", R"("AA0AAA0000001")"},
         {"ASSET_TAG", "ay", "[75,74,49,50,51,0,7]", "[65,65,48,48,49,0,7]"},
@@ -244,16 +204,15 @@ TEST(Record, MasksWhatIdentifiesTheMachine)
         {"MACAddress", "s", R"("5A3C9B102204")", R"("0A0A0A000001")"},
         {"Address", "as", R"(["10.1.2.3","fe80::1"])",
          R"(["11.1.1.2","aa11::2"])"},
-        {"Bare", "s", R"("eth-5a3c9b102204")", R"("eth-0a0a0a000001")"},
-        {"Dotted", "s", R"("5a3c.9b10.2204, 77aa.bbcc.dd01")",
-         R"("0a0a.0a00.0001, 00aa.aaaa.aa01")"},
+        {"Bare", "s", R"("eth-5a3c9b102204, 5a3c.9b10.2204, 77aa.bbcc.dd01")",
+         R"("eth-0a0a0a000001, 0a0a.0a00.0001, 00aa.aaaa.aa01")"},
         {"Namespace", "s", R"("eui.0025385b71b12345")",
          R"("eui.0000000a00a00001")"},
-        {"Known", "s", R"("disk cn0abc1234567, 7xk29q2, sn-7q")",
-         R"("disk aa0aaa0000001, 0aa00a1, aa-0b")"},
         {"Text", "s",
-         R"("rack7: KJ123, 5a-3c-9b-10-22-04, [fe80::1%eth0], 10.1.2.3/24.")",
-         R"("aaaa1: AA001, 0a-0a-0a-00-00-01, [aa11::2%eth0], 11.1.1.2/24.")"},
+         R"("rack7: KJ123, 5a-3c-9b-10-22-04, cn0abc1234567, 7xk29q2, sn-7q, )"
+         R"([fe80::1%eth0], 10.1.2.3/24.")",
+         R"("aaaa1: AA001, 0a-0a-0a-00-00-01, aa0aaa0000001, 0aa00a1, aa-0b, )"
+         R"([aa11::2%eth0], 11.1.1.2/24.")"},
         {"Url", "s",
          R"("https://me@files.lab:8443/x ldap://nas tftp://10.1.2.9")",
          R"("https://me@aaaaa.aab:8443/x ldap://aab tftp://11.1.1.4")"},
@@ -264,70 +223,37 @@ TEST(Record, MasksWhatIdentifiesTheMachine)
          R"({"10.1.2.4":"","UUID":"7D1F0C52-8B3E-1F6A-9C27-15E8A4D2B6F0"})",
          R"({"11.1.1.3":"","UUID":"0A0A0A00-0A0A-0A0A-0A00-00A0A0A0A0A1"})"},
         {"Variant", "v",
-         R"({"type":"a{sv}","value":{"SN":{"type":"s","value":"5a3c9b102204"}}})",
-         R"({"type":"a{sv}","value":{"SN":{"type":"s","value":"0a0a0a000001"}}})"},
+         R"({"type":"a{sv}","value":{"SN":{"type":"s","value":"sn-7q"}}})",
+         R"({"type":"a{sv}","value":{"SN":{"type":"s","value":"aa-0b"}}})"},
+        {"AllSerial", "as", R"(["1","2","3","4","5","6","7","8","9"])",
+         R"(["2","3","4","5","6","7","8","9","1"])"},
+        {"OfManyAddress", "as",
+         R"(["0.0.0.0","127.0.0.1","224.0.0.1","255.255.252.0","::1",)"
+         R"("ff02::1","00:00:00:00:00:00","01:00:5e:00:00:fb","0x50"])",
+         keeps},
+        {"Numbers", "as",
+         R"(["123456789012","deadbeef","12:34:56","2026-11-21","1.2.3.4.5",)"
+         R"("xyz.openbmc_project.Rack7.Off"])",
+         keeps},
+        {"Version", "as", R"(["1.2.3.4","5a3c9b10"])", keeps},
+        {"NoSerial", "as",
+         R"(["","Unknown","N/A","0000","To be filled by O.E.M."])", keeps},
     };
     Json properties;
+    for (const auto& [name, type, original, masked] : cases)
+    {
+        properties[name] = {{"type", type}, {"value", Json::parse(original)}};
+    }
+    const auto masked =
+        interfacesOf(recorded(withProperties(Json{{"x.I", properties}}.dump()),
+                              "--anonymize"))["x.I"];
     for (const auto& one : cases)
     {
-        properties[one.name] = {{"type", one.type},
-                                {"value", Json::parse(one.original)}};
-    }
-    const Json masked = recordedProperties(properties, "--anonymize");
-    for (const auto& one : cases)
-    {
-        EXPECT_EQ(masked[one.name]["value"].dump(), one.masked) << one.name;
+        EXPECT_EQ(masked[one.name]["value"].dump(),
+                  one.masked == keeps ? one.original : one.masked)
+            << one.name;
     }
 }
 
-TEST(Record, KeepsWhatManyMachinesHave)
-{
-    const Json kept{
-        {"Addresses",
-         {"0.0.0.0", "127.0.0.1", "224.0.0.1", "255.255.252.0", "::1",
-          "ff02::1", "00:00:00:00:00:00", "01:00:5e:00:00:fb", "0x50"}},
-        {"NumbersAndWords",
-         {"123456789012", "deadbeef", "12:34:56", "2026-11-21", "1.2.3.4.5"}},
-        {"Version", {"1.2.3.4", "5a3c9b10"}},
-        {"SerialNumber",
-         {"", "Unknown", "N/A", "0000", "To be filled by O.E.M."}},
-        {"HostName", {"host"}},
-        {"Enumerations", {"xyz.openbmc_project.State.Host.HostState.Off"}}};
-    Json properties;
-    for (const auto& [name, texts] : kept.items())
-    {
-        properties[name] = {{"type", "as"}, {"value", texts}};
-    }
-    const Json masked = recordedProperties(properties, "--anonymize");
-    for (const auto& [name, texts] : kept.items())
-    {
-        EXPECT_EQ(masked[name]["value"] == texts, name != "HostName") << name;
-    }
-}
-
-TEST(Record, MasksDifferAsTheOriginalsDo)
-{
-    constexpr std::size_t count = 800;
-    Json addresses;
-    Json serials;
-    for (std::size_t number = 0; number < count; number++)
-    {
-        addresses.push_back("10.0." + std::to_string(number / 250) + "." +
-                            std::to_string(number % 250));
-        serials.push_back("S" + std::to_string(number));
-    }
-    const Json digits{"1", "2", "3", "4", "5", "6", "7", "8", "9"};
-    const Json masked =
-        recordedProperties({{"Ip", {{"type", "as"}, {"value", addresses}}},
-                            {"Serial", {{"type", "as"}, {"value", serials}}},
-                            {"OneSerial", {{"type", "as"}, {"value", digits}}}},
-                           "--anonymize");
-    std::set<std::string> all;
-    for (const Json& property : masked)
-    {
-        all.insert(property["value"].begin(), property["value"].end());
-    }
-    EXPECT_EQ(all.size(), 2 * count + digits.size());
-}
-
+} // namespace
 } // namespace morvath::tests

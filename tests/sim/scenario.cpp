@@ -214,8 +214,7 @@ TEST(Scenario, RaidSectionHasMistakesWithTheirPlace)
          "physical/0/blocks: must be a whole number from 0 to "
          "18446744073709551615"},
         {controller, R"("raw": {"397": "000102"})",
-         "raw/397: must be two digits for each byte, at an offset from 0 to "
-         "398 and no further"},
+         "raw/397: must be pairs of hexadecimal digits for bytes 0 to 398"},
         {controller, members(255), ""},
         {controller, members(256),
          "logical/0/members/255: is one member too many for a logical drive"},

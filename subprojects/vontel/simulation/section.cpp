@@ -245,21 +245,21 @@ Json load(const Field& field, Bytes record)
 /** Bytes in hexadecimal, put anywhere. */
 void storeRaw(const std::string& key, const Json& value, Bytes record)
 {
-    std::size_t offset = record.size();
+    auto offset = record.size();
     const auto* end = key.data() + key.size();
     const auto isNumber = std::from_chars(key.data(), end, offset).ptr == end;
     const auto& digits = textOf(value);
     demand(isNumber && offset < record.size() && digits.size() % 2 == 0 &&
-               digits.size() / 2 <= record.size() - offset,
+               digits.size() / 2 <= record.size() - offset &&
+               digits.find_first_not_of("0123456789abcdefABCDEF") ==
+                   digits.npos,
            value,
-           "must be two digits for each byte, at an offset from 0 to " +
-               std::to_string(record.size() - 1) + " and no further");
+           "must be pairs of hexadecimal digits for bytes 0 to " +
+               std::to_string(record.size() - 1));
     for (std::size_t place = 0; place < digits.size(); place += 2)
     {
-        const auto* next = digits.data() + place + 2;
-        auto& byte = record[offset + place / 2];
-        demand(std::from_chars(next - 2, next, byte, 16).ptr == next, value,
-               "must consist of hexadecimal digits");
+        std::from_chars(&digits[place], &digits[place] + 2, record[offset++],
+                        16);
     }
 }
 
@@ -388,14 +388,14 @@ void readConfiguration(const Json& list, std::vector<Configuration>& entries)
             return key == "outputs" ||
                    std::ranges::count(identifierKeys, key) > 0;
         });
-        const auto& texts = required(json, "outputs");
-        demand(texts.is_array() && texts.size() == entry.outputs.size(), texts,
-               "must have four texts");
-        std::ranges::transform(texts, entry.outputs.begin(), textOf);
         std::ranges::transform(identifierKeys, entry.identifiers.begin(),
                                [&](std::string_view key) {
                                    return identifierOf(required(json, key));
                                });
+        const auto& texts = required(json, "outputs");
+        demand(texts.is_array() && texts.size() == entry.outputs.size(), texts,
+               "must have four texts");
+        std::ranges::transform(texts, entry.outputs.begin(), textOf);
         demand(std::ranges::count(entries, entry.identifiers,
                                   &Configuration::identifiers) == 0,
                json, "the identifiers stand here twice");

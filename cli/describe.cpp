@@ -1,76 +1,95 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "cli/words.hpp"
 
-#include <nlohmann/json.hpp>
+#include <algorithm>
+#include <span>
 
+/*
+ * JSON by hand, in one line: the texts are this program's own, and the library
+ * for JSON costs more to compile than all else here.
+ */
 namespace morvath::cli
 {
 namespace
 {
 
-using Json = nlohmann::ordered_json;
-
-Json describe(const Terms& terms)
+std::string quoted(const std::string& text)
 {
-    auto list = Json::array();
-    for (const auto& [name, meaning] : terms)
+    std::string json = "\"";
+    for (const char character : text)
     {
-        list.push_back({{"name", name}, {"meaning", meaning}});
+        json += character == '"' || character == '\\' ? "\\" : "";
+        json += character == '\n' ? "\\n" : std::string(1, character);
     }
-    return list;
+    return json + '"';
 }
 
-Json describe(const Parameter& parameter)
+/** A list of what is described one by one. */
+template <typename Items, typename Describe>
+std::string listed(const Items& items, const Describe& describe)
 {
-    auto names = Json::array();
-    if (!isArgument(parameter))
+    std::string json;
+    for (const auto& item : items)
     {
-        for (const auto& name : namesOf(parameter))
-        {
-            names.push_back(name.name);
-        }
+        json += (json.empty() ? "" : ",") + describe(item);
     }
-    return {{"names", names},
-            {"value", valueOf(parameter)},
-            {"meaning", parameter.meaning},
-            {"required", parameter.isRequired},
-            {"repeated", parameter.isRepeated},
-            {"choices", describe(parameter.words)}};
+    return '[' + json + ']';
 }
 
-Json describe(const Command& command)
+std::string describedTerms(const Terms& terms)
 {
-    auto options = Json::array();
-    auto arguments = Json::array();
-    for (const auto& parameter : command.parameters)
+    return listed(terms, [](const Term& term) {
+        return "{\"name\":" + quoted(term.name) +
+               ",\"meaning\":" + quoted(term.meaning) + '}';
+    });
+}
+
+std::string describedParameter(const Parameter& parameter)
+{
+    const auto truth = [](bool value) { return value ? "true" : "false"; };
+    const auto names =
+        isArgument(parameter) ? std::vector<std::string>() : namesOf(parameter);
+    return "{\"names\":" + listed(names, quoted) +
+           ",\"value\":" + quoted(valueOf(parameter)) +
+           ",\"meaning\":" + quoted(parameter.meaning) +
+           ",\"required\":" + truth(parameter.isRequired) +
+           ",\"repeated\":" + truth(parameter.isRepeated) +
+           ",\"choices\":" + describedTerms(parameter.words) + '}';
+}
+
+/** Without the closing brace: a program has more to say. */
+std::string describedCommand(const Command& command, bool isProgram)
+{
+    auto options = command.parameters;
+    options.push_back({"-h,--help", "Print this help and exit", {}});
+    if (isProgram)
     {
-        (isArgument(parameter) ? arguments : options)
-            .push_back(describe(parameter));
+        options.push_back({"--version", "Print the version and exit", {}});
     }
-    options.push_back(
-        describe(Parameter{"-h,--help", "Print this help and exit", {}}));
-    auto commands = Json::array();
-    for (const auto& inner : command.commands)
-    {
-        commands.push_back(describe(inner));
-    }
-    return {{"name", command.name}, {"meaning", command.meaning},
-            {"options", options},   {"arguments", arguments},
-            {"commands", commands}, {"notes", command.notes}};
+    const auto arguments = std::stable_partition(
+        options.begin(), options.end(),
+        [](const Parameter& parameter) { return !isArgument(parameter); });
+    const auto inner = [](const Command& one) {
+        return describedCommand(one, false) + '}';
+    };
+    return "{\"name\":" + quoted(command.name) +
+           ",\"meaning\":" + quoted(command.meaning) + ",\"options\":" +
+           listed(std::span(options.begin(), arguments), describedParameter) +
+           ",\"arguments\":" +
+           listed(std::span(arguments, options.end()), describedParameter) +
+           ",\"commands\":" + listed(command.commands, inner) +
+           ",\"notes\":" + quoted(command.notes);
 }
 
 } // namespace
 
 std::string descriptionOf(const Command& program, const About& about)
 {
-    auto description = describe(program);
-    description["options"].push_back(
-        describe(Parameter{"--version", "Print the version and exit", {}}));
-    description["version"] = about.version;
-    description["exitStatuses"] = describe(about.exitStatuses);
-    description["environment"] = describe(about.environment);
-    description["examples"] = describe(about.examples);
-    return description.dump(2);
+    return describedCommand(program, true) +
+           ",\"version\":" + quoted(about.version) +
+           ",\"exitStatuses\":" + describedTerms(about.exitStatuses) +
+           ",\"environment\":" + describedTerms(about.environment) +
+           ",\"examples\":" + describedTerms(about.examples) + '}';
 }
 
 } // namespace morvath::cli

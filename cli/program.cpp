@@ -161,18 +161,6 @@ const CLI::App& chosenIn(const CLI::App& app)
     return *command;
 }
 
-Terms optionsOf(const Command& command)
-{
-    Terms names{{"--help", {}}};
-    for (const auto& parameter : command.parameters)
-    {
-        std::ranges::copy_if(
-            namesOf(parameter), std::back_inserter(names),
-            [](const Term& name) { return name.name.starts_with("--"); });
-    }
-    return names;
-}
-
 /** An unknown word also leaves what it stood for missing. */
 bool isOfWords(const CLI::ParseError& error)
 {
@@ -194,19 +182,14 @@ std::string explain(const CLI::App& app, const Command& command,
     if (word.starts_with('-'))
     {
         return unknown("option", word.substr(0, word.find('=')),
-                       optionsOf(command));
+                       optionsOf(command, !app.get_parent()));
     }
     if (command.commands.empty())
     {
         return "unexpected '" + word + '\'';
     }
     const auto known = command.explain ? command.explain(word) : std::nullopt;
-    Terms names;
-    for (const auto& inner : command.commands)
-    {
-        names.push_back({inner.name, {}});
-    }
-    return known.value_or(unknown("command", word, names));
+    return known.value_or(unknown("command", word, commandsOf(command)));
 }
 
 /** What is asked by other programs: it must not be taken for a command. */

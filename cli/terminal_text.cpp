@@ -184,6 +184,7 @@ bool showsUtf8()
 
 void complain(std::string_view program, std::string_view message)
 {
+    endProgress();
     std::string line(program);
     line.append(": ").append(visible(message)) += '\n';
     std::fwrite(line.data(), 1, line.size(), stderr);

@@ -39,6 +39,15 @@ std::size_t widthOf(std::string_view visible);
 /** Whether the environment says that terminals show UTF-8. */
 bool showsUtf8();
 
+/**
+ * Says on standard error, if that is a terminal, what is being read, once
+ * readings have taken half a second.
+ */
+void showProgress(std::string_view what);
+
+/** Takes it back, before anything else is printed. */
+void endProgress();
+
 /** Says on standard error what went wrong, whatever the message contains. */
 void complain(std::string_view program, std::string_view message);
 

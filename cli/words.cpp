@@ -2,7 +2,7 @@
 #include "cli/words.hpp"
 
 #include <algorithm>
-#include <sstream>
+#include <string_view>
 
 namespace morvath::cli
 {
@@ -50,7 +50,7 @@ const Parameter* optionNamed(const Command& command, const std::string& name)
     for (const auto& parameter : command.parameters)
     {
         const auto names = namesOf(parameter);
-        if (std::ranges::find(names, name, &Term::name) != names.end())
+        if (std::ranges::find(names, name) != names.end())
         {
             return &parameter;
         }
@@ -71,144 +71,49 @@ const Parameter* argumentAt(const Command& command, std::size_t place)
     return nullptr;
 }
 
-class Completion
+/** A word of a command line, and the place where it was given. */
+struct Word
 {
-  public:
-    Completion(const Command& program, const std::vector<std::string>& words) :
-        program(program),
-        command(&program),
-        words(words)
-    {}
-
-    std::string lines()
-    {
-        for (std::size_t i = 0; i + 1 < words.size() && !text.ends_with('\n');
-             ++i)
-        {
-            take(i);
-        }
-        if (text.empty())
-        {
-            offerFor(words.empty() ? std::string() : words.back());
-        }
-        return text;
-    }
-
-  private:
-    /** A word before the one that is completed. */
-    void take(std::size_t place)
-    {
-        const auto& word = words[place];
-        if (word == "=")
-        {
-            return;
-        }
-        if (awaited)
-        {
-            awaited = nullptr;
-            return;
-        }
-        const auto* argument = argumentAt(*command, arguments);
-        const auto isOther = argument && valueOf(*argument) == commandValue;
-        if (isOther && (word == "--" || !word.starts_with('-')))
-        {
-            text = "\t" + std::string(commandValue) + ' ' +
-                   std::to_string(place + (word == "--")) + '\n';
-        }
-        else if (word.starts_with('-'))
-        {
-            const auto* option = optionNamed(*command, word);
-            awaited = option && !option->value.empty() ? option : nullptr;
-        }
-        else if (const auto* inner = commandNamed(*command, word))
-        {
-            command = inner;
-        }
-        else
-        {
-            ++arguments;
-        }
-    }
-
-    void offerFor(const std::string& word)
-    {
-        const auto equals = word.find('=');
-        if (!awaited && word.starts_with("--") && equals != word.npos)
-        {
-            awaited = optionNamed(*command, word.substr(0, equals));
-            start = word.substr(equals + 1);
-        }
-        else
-        {
-            start = word == "=" ? "" : word;
-        }
-        if (awaited)
-        {
-            offerValue(*awaited);
-        }
-        else if (word.starts_with('-'))
-        {
-            offerOptions();
-        }
-        else if (const auto* argument = argumentAt(*command, arguments))
-        {
-            offerValue(*argument);
-        }
-        else if (arguments == 0)
-        {
-            for (const auto& inner : command->commands)
-            {
-                offer({inner.name, inner.meaning});
-            }
-        }
-    }
-
-    void offerOptions()
-    {
-        for (const auto& parameter : command->parameters)
-        {
-            for (const auto& name : namesOf(parameter))
-            {
-                if (name.name.starts_with('-'))
-                {
-                    offer({name.name, parameter.meaning});
-                }
-            }
-        }
-        offer({"--help", "Print this help and exit"});
-        if (command == &program)
-        {
-            offer({"--version", "Print the version and exit"});
-        }
-    }
-
-    void offerValue(const Parameter& parameter)
-    {
-        std::ranges::for_each(parameter.words,
-                              [this](const Term& word) { offer(word); });
-        const auto value = valueOf(parameter);
-        if (value == fileValue || value == commandValue)
-        {
-            text.append("\t").append(value) += '\n';
-        }
-    }
-
-    void offer(const Term& term)
-    {
-        if (term.name.starts_with(start))
-        {
-            text.append(term.name).append("\t").append(term.meaning) += '\n';
-        }
-    }
-
-    const Command& program;
-    const Command* command;
-    const std::vector<std::string>& words;
-    const Parameter* awaited = nullptr;
-    std::size_t arguments = 0;
-    std::string start;
     std::string text;
+    std::size_t place;
 };
+
+/** The words, with those that "=" joins apart; bash takes it for a word. */
+std::vector<Word> separated(const std::vector<std::string>& given)
+{
+    std::vector<Word> words;
+    for (std::size_t place = 0; place < given.size(); ++place)
+    {
+        const auto& word = given[place];
+        const auto equals = word.find('=');
+        const auto isJoined = word.starts_with("--") && equals != word.npos;
+        if (word != "=")
+        {
+            words.push_back({isJoined ? word.substr(0, equals) : word, place});
+        }
+        if (isJoined)
+        {
+            words.push_back({word.substr(equals + 1), place});
+        }
+    }
+    if (given.empty() || given.back() == "=")
+    {
+        words.push_back({"", given.size()});
+    }
+    return words;
+}
+
+/** All that an option or argument can be. */
+Terms valuesOf(const Parameter& parameter)
+{
+    auto values = parameter.words;
+    const auto value = valueOf(parameter);
+    if (value == fileValue || value == commandValue)
+    {
+        values.push_back({"\t" + value, ""});
+    }
+    return values;
+}
 
 } // namespace
 
@@ -240,13 +145,14 @@ bool isArgument(const Parameter& parameter)
     return !parameter.names.starts_with('-');
 }
 
-Terms namesOf(const Parameter& parameter)
+std::vector<std::string> namesOf(const Parameter& parameter)
 {
-    Terms names;
-    std::istringstream list(parameter.names);
-    for (std::string name; std::getline(list, name, ',');)
+    std::vector<std::string> names;
+    std::string_view rest = parameter.names;
+    while (!rest.empty())
     {
-        names.push_back({name, {}});
+        names.emplace_back(rest.substr(0, rest.find(',')));
+        rest.remove_prefix(std::min(rest.size(), names.back().size() + 1));
     }
     return names;
 }
@@ -256,10 +162,87 @@ std::string valueOf(const Parameter& parameter)
     return isArgument(parameter) ? parameter.names : parameter.value;
 }
 
-std::string completionOf(const Command& program,
-                         const std::vector<std::string>& words)
+Terms commandsOf(const Command& command)
 {
-    return Completion(program, words).lines();
+    Terms names;
+    for (const auto& inner : command.commands)
+    {
+        names.push_back({inner.name, inner.meaning});
+    }
+    return names;
+}
+
+Terms optionsOf(const Command& command, bool isProgram)
+{
+    Terms options;
+    for (const auto& parameter : command.parameters)
+    {
+        for (const auto& name : namesOf(parameter))
+        {
+            options.push_back({name, parameter.meaning});
+        }
+    }
+    options.push_back({"--help", "Print this help and exit"});
+    if (isProgram)
+    {
+        options.push_back({"--version", "Print the version and exit"});
+    }
+    return options;
+}
+
+std::string completionOf(const Command& program,
+                         const std::vector<std::string>& given)
+{
+    auto words = separated(given);
+    const auto start = words.back().text;
+    words.pop_back();
+    const auto* command = &program;
+    const Parameter* awaited = nullptr;
+    std::size_t arguments = 0;
+    for (const auto& [word, place] : words)
+    {
+        const auto* argument = argumentAt(*command, arguments);
+        const auto isOther = argument && valueOf(*argument) == commandValue;
+        if (awaited)
+        {
+            awaited = nullptr;
+        }
+        else if (isOther && (word == "--" || !word.starts_with('-')))
+        {
+            return '\t' + std::string(commandValue) + ' ' +
+                   std::to_string(place + (word == "--")) + '\n';
+        }
+        else if (word.starts_with('-'))
+        {
+            const auto* option = optionNamed(*command, word);
+            awaited = option && !option->value.empty() ? option : nullptr;
+        }
+        else if (const auto* inner = commandNamed(*command, word))
+        {
+            command = inner;
+        }
+        else
+        {
+            ++arguments;
+        }
+    }
+    const auto* argument = argumentAt(*command, arguments);
+    const auto offers = awaited ? valuesOf(*awaited)
+                        : start.starts_with('-')
+                            ? optionsOf(*command, command == &program)
+                        : argument       ? valuesOf(*argument)
+                        : arguments == 0 ? commandsOf(*command)
+                                         : Terms();
+    std::string text;
+    for (const auto& [name, meaning] : offers)
+    {
+        const auto isKind = name.starts_with('\t');
+        if (isKind || name.starts_with(start))
+        {
+            text += isKind ? name + '\n' : name + '\t' + meaning + '\n';
+        }
+    }
+    return text;
 }
 
 } // namespace morvath::cli

@@ -16,7 +16,11 @@ std::string unknown(const std::string& kind, const std::string& word,
 bool isArgument(const Parameter& parameter);
 
 /** The names of a parameter, one by one. */
-Terms namesOf(const Parameter& parameter);
+std::vector<std::string> namesOf(const Parameter& parameter);
+
+// What can be said at a place, with meanings.
+Terms commandsOf(const Command& command);
+Terms optionsOf(const Command& command, bool isProgram);
 
 /** What the value of a parameter is called; empty for a flag. */
 std::string valueOf(const Parameter& parameter);

@@ -1,25 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "bus.hpp"
 
-#include "connection.hpp"
-#include "progress.hpp"
+#include "cli/terminal_text.hpp"
 
-#include <dlfcn.h>
 #include <systemd/sd-bus.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
-#include <fstream>
 #include <map>
 #include <memory>
 #include <set>
-#include <stdexcept>
-#include <thread>
 
 /*
  * The library's calls on the bus pass through this program: a function of
@@ -33,7 +24,6 @@ namespace morvath::tools
 namespace
 {
 
-using Microseconds = std::chrono::duration<uint64_t, std::micro>;
 using Message = std::unique_ptr<sd_bus_message, Release<sd_bus_message_unref>>;
 
 constexpr std::string_view mapper = "xyz.openbmc_project.ObjectMapper";
@@ -59,7 +49,7 @@ struct Traffic
     Message listing;
     bool isListing = true;
     std::optional<std::size_t> only;
-    /** The properties of the object that was read last. */
+    /** The properties of the one object, and of those below it. */
     std::set<std::string, std::less<>> properties;
 };
 
@@ -69,7 +59,7 @@ Traffic& traffic()
     return all;
 }
 
-std::string reasonOf(sd_bus* bus, int result, const sd_bus_error& error)
+std::string reasonFor(sd_bus* bus, int result, const sd_bus_error& error)
 {
     uint64_t limit = 0;
     if (result == -ETIMEDOUT &&
@@ -110,17 +100,6 @@ bool isKnownSilent(const Object& object)
             found->second.contains(object.path));
 }
 
-void note(sd_bus* bus, const Object& object, int result,
-          const sd_bus_error& error)
-{
-    if (result == -ETIMEDOUT)
-    {
-        traffic().silent[object.service].insert(object.path);
-    }
-    traffic().failure = {object, reasonOf(bus, result, error),
-                         isAbsence(object.service, error)};
-}
-
 constexpr auto entries = "{sa{sas}}";
 
 /** The listing of all objects, to be read from its first one on. */
@@ -159,27 +138,16 @@ sd_bus_message* listingOf(sd_bus* bus, std::size_t place)
     return isMade ? owned.release() : nullptr;
 }
 
-void keepListing(sd_bus_message* reply)
-{
-    traffic().listing.reset(sd_bus_message_ref(reply));
-    traffic().isListing = false;
-}
-
 /** Before the library reads the reply itself. */
 void keepProperties(sd_bus_message* reply)
 {
-    auto& properties = traffic().properties;
-    properties.clear();
     const char* name = nullptr;
     if (sd_bus_message_enter_container(reply, 'a', "{sv}") > 0)
     {
-        while (sd_bus_message_enter_container(reply, 'e', "sv") > 0)
+        while (sd_bus_message_enter_container(reply, 'e', "sv") > 0 &&
+               sd_bus_message_read_basic(reply, 's', &name) > 0)
         {
-            if (sd_bus_message_read_basic(reply, 's', &name) <= 0)
-            {
-                break;
-            }
-            properties.insert(name);
+            traffic().properties.insert(name);
             sd_bus_message_skip(reply, "v");
             sd_bus_message_exit_container(reply);
         }
@@ -194,7 +162,7 @@ void beginReading(std::string_view what)
     traffic().failure.reset();
     traffic().listing.reset();
     traffic().isListing = true;
-    showProgress(what);
+    cli::showProgress(what);
 }
 
 const std::optional<CallFailure>& lastFailure() { return traffic().failure; }
@@ -251,31 +219,38 @@ int sd_bus_call(sd_bus* bus, sd_bus_message* call, uint64_t timeout,
                 sd_bus_error* error, sd_bus_message** reply)
 {
     static auto* const next = original<decltype(sd_bus_call)>("sd_bus_call");
+    auto& all = traffic();
     const Object object{orNone(sd_bus_message_get_path(call)),
                         orNone(sd_bus_message_get_destination(call))};
     const auto member = orNone(sd_bus_message_get_member(call));
-    const auto isListing = traffic().isListing && member == "GetSubTree";
+    const auto isListing = all.isListing && member == "GetSubTree";
     sd_bus_error own{};
     auto& told = error ? *error : own;
-    if (isListing && traffic().only)
+    if (isListing && all.only)
     {
-        traffic().isListing = false;
-        *reply = listingOf(bus, *traffic().only);
+        all.isListing = false;
+        *reply = listingOf(bus, *all.only);
         return *reply ? 1 : sd_bus_error_set_errno(&told, -ENOMEM);
     }
     const int result = isKnownSilent(object)
                            ? sd_bus_error_set_const(&told, SD_BUS_ERROR_TIMEOUT,
                                                     "It was silent before")
                            : next(bus, call, timeout, &told, reply);
+    if (result == -ETIMEDOUT)
+    {
+        all.silent[object.service].insert(object.path);
+    }
     if (result < 0)
     {
-        note(bus, object, result, told);
+        all.failure = {object, reasonFor(bus, result, told),
+                       isAbsence(object.service, told)};
     }
     else if (isListing)
     {
-        keepListing(*reply);
+        all.listing.reset(sd_bus_message_ref(*reply));
+        all.isListing = false;
     }
-    else if (traffic().only && member == "GetAll")
+    else if (all.only && member == "GetAll")
     {
         keepProperties(*reply);
     }

@@ -3,6 +3,8 @@
 
 #include "cli/program.hpp"
 
+#include <dlfcn.h>
+
 #include <optional>
 #include <string>
 #include <string_view>
@@ -12,6 +14,7 @@ namespace morvath::tools
 {
 
 using cli::Seconds;
+using Microseconds = std::chrono::duration<uint64_t, std::micro>;
 
 /** Releases what a library in C handed over. */
 template <auto Function>
@@ -24,13 +27,23 @@ struct Release
     }
 };
 
+/** The function of that name which the program's own stands before. */
+template <typename Function>
+Function* original(const char* name)
+{
+    return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
+}
+
+std::string orNone(const char* text);
+
+/** "0.5 s". */
+std::string textOf(Seconds seconds);
+
 /** An object of the platform and the service that is asked for it. */
 struct Object
 {
     std::string path;
     std::string service;
-
-    auto operator<=>(const Object&) const = default;
 };
 
 /** A call of the library on the bus that failed. */
@@ -75,7 +88,7 @@ class OnlyObject
     ~OnlyObject();
 };
 
-/** Whether the object that was read last has a property of that name. */
+/** Whether the one object, or one below it, has a property of that name. */
 bool hasProperty(std::string_view name);
 
 /**

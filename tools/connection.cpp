@@ -1,6 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "connection.hpp"
-
 #include "bus.hpp"
 
 #include <systemd/sd-bus.h>
@@ -33,7 +31,6 @@ namespace
 {
 
 using Clock = std::chrono::steady_clock;
-using Microseconds = std::chrono::duration<uint64_t, std::micro>;
 using Bus = std::unique_ptr<sd_bus, Release<sd_bus_unref>>;
 
 constexpr Seconds usualLimit{25};
@@ -57,66 +54,52 @@ std::vector<std::string> commandLine()
 /** Whether the program only tells something about itself. */
 bool needsNoBus(const std::vector<std::string>& words)
 {
-    static constexpr std::array commands{"--version", "--complete",
-                                         "--describe", "facts"};
-    const auto asks = [](const std::string& word) {
-        return word == "-h" || word == "--help";
-    };
-    return std::ranges::any_of(words, asks) ||
+    constexpr std::array anywhere{"-h", "--help"};
+    constexpr std::array first{"--version", "--complete", "--describe",
+                               "facts"};
+    return std::ranges::find_first_of(words, anywhere) != words.end() ||
            (words.size() > 1 &&
-            std::ranges::find(commands, words[1]) != commands.end());
+            std::ranges::find(first, words[1]) != first.end());
 }
 
 Seconds limitIn(const std::vector<std::string>& words)
 {
     constexpr std::string_view option = "--timeout";
-    for (std::size_t i = 0; i < words.size(); ++i)
+    double limit = 0;
+    for (std::size_t i = 0; i < words.size() && !(limit > 0); ++i)
     {
         const auto& word = words[i];
-        const auto isOne = word == option && i + 1 < words.size();
-        const auto text = isOne ? words[i + 1]
-                          : word.starts_with(std::string(option) + '=')
-                              ? word.substr(option.size() + 1)
-                              : std::string();
-        const auto limit = std::strtod(text.c_str(), nullptr);
-        if (limit > 0)
-        {
-            return Seconds(limit);
-        }
+        const auto given = word == option && i + 1 < words.size() ? words[i + 1]
+                           : word.starts_with("--timeout=")
+                               ? word.substr(option.size() + 1)
+                               : std::string();
+        limit = std::strtod(given.c_str(), nullptr);
     }
-    return usualLimit;
+    return limit > 0 ? Seconds(limit) : usualLimit;
 }
 
-uint64_t microsecondsUntil(Clock::time_point end)
+/**
+ * Discards what the bus sends, until a time or, as the library cannot run
+ * without a name, until the bus has given one.
+ */
+int process(sd_bus* bus, Seconds limit, bool untilNamed)
 {
-    const auto left = std::chrono::duration_cast<std::chrono::microseconds>(
-        end - Clock::now());
-    return static_cast<uint64_t>(std::max<int64_t>(left.count(), 0));
-}
-
-/** Until the bus has given a name, without which the library cannot run. */
-int awaitName(sd_bus* bus, Seconds limit)
-{
-    const auto end =
-        Clock::now() + std::chrono::duration_cast<Clock::duration>(limit);
-    while (sd_bus_is_ready(bus) == 0)
+    const auto end = Clock::now() + limit;
+    while (!untilNamed || sd_bus_is_ready(bus) == 0)
     {
         const int done = sd_bus_process(bus, nullptr);
-        if (done < 0)
+        const Seconds left = end - Clock::now();
+        if (done < 0 || left <= Seconds(0))
         {
-            return done;
-        }
-        const auto left = microsecondsUntil(end);
-        if (left == 0)
-        {
-            return -ETIMEDOUT;
+            return done < 0 ? done : -ETIMEDOUT;
         }
         if (done == 0)
         {
-            sd_bus_wait(bus, left);
+            sd_bus_wait(bus,
+                        std::chrono::duration_cast<Microseconds>(left).count());
         }
     }
-    return sd_bus_is_ready(bus) < 0 ? sd_bus_is_ready(bus) : 0;
+    return std::min(sd_bus_is_ready(bus), 0);
 }
 
 int connect(int (*open)(sd_bus**), sd_bus** bus)
@@ -126,7 +109,7 @@ int connect(int (*open)(sd_bus**), sd_bus** bus)
     {
         return opened;
     }
-    const int named = awaitName(*bus, connectingLimit);
+    const int named = process(*bus, connectingLimit, true);
     if (named < 0)
     {
         sd_bus_close(*bus);
@@ -216,18 +199,13 @@ void useBus(std::optional<Seconds> timeout)
 
 void waitOnBus(Seconds pause)
 {
-    const auto end =
-        Clock::now() + std::chrono::duration_cast<Clock::duration>(pause);
+    const auto end = Clock::now() + pause;
     sd_bus* opened = nullptr;
     const Bus bus(connecting == 0 && sd_bus_default(&opened) >= 0 ? opened
                                                                   : nullptr);
-    while (bus && sd_bus_is_open(bus.get()) > 0 && microsecondsUntil(end) > 0)
+    if (bus)
     {
-        const int done = sd_bus_process(bus.get(), nullptr);
-        if (done == 0)
-        {
-            sd_bus_wait(bus.get(), microsecondsUntil(end));
-        }
+        process(bus.get(), pause, false);
     }
     std::this_thread::sleep_until(end);
     forgetSilences();

@@ -49,4 +49,10 @@ class Exposition
 /** A label; the value can be any bytes and of any length. */
 std::string label(std::string_view name, std::string_view value);
 
+/**
+ * Adds all of a table, or of the host, the system or the firmware. Raises
+ * std::exception when it cannot be read; nothing is added then.
+ */
+void addMetrics(std::string_view table, Exposition& exposition);
+
 } // namespace morvath::tools

@@ -3,45 +3,54 @@
 
 #include "table.hpp"
 
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
+#include <variant>
 
 namespace morvath::tools
 {
 
-/** What the library answered; no value when it gave none. */
-struct Answer
-{
-    int32_t code;
-    Value value;
-};
-
-/** A word for a code of the library. */
-struct Word
-{
-    uint32_t code;
-    std::string_view text;
-};
-
 /** A single value of the platform. */
 struct Fact
 {
+    enum class Kind
+    {
+        /** A text or a number; one with words is shown as the word. */
+        plain,
+        flag,
+        /** Seconds since 1970. */
+        time,
+        /** Texts with blanks between; whether they are used is checked. */
+        list,
+    };
+
     /** Published, never changed. */
     std::string_view name;
     std::string_view summary;
-    Answer (*read)();
-    /** Null when it cannot be written; otherwise the library's code. */
-    int32_t (*write)(const std::string& value) = nullptr;
-    /** What can be written, besides the words. */
+    std::variant<int32_t (*)(char**), int32_t (*)(uint32_t*),
+                 int32_t (*)(int32_t*)>
+        get;
+    Kind kind = Kind::plain;
+    std::variant<std::monostate, int32_t (*)(const char*), int32_t (*)(int32_t),
+                 int32_t (*)(uint32_t)>
+        set{};
+    /** What can be written besides the words, for people. */
     std::string_view values{};
-    std::span<const Word> words{};
-    /** Whether writing can seem to work and is checked by reading. */
-    bool isReadBack = false;
-    /** Whether it takes several values, which are told with blanks between. */
-    bool takesSeveral = false;
-    /** The value for people, if that is another text. */
-    std::string (*show)(const Value& value) = nullptr;
+    /** Words in place of texts, or of the numbers from 0 on. */
+    std::span<const std::string_view> words{};
+
+    bool isWritable() const { return set.index() > 0; }
+};
+
+/** A fact's value, or what went wrong. */
+struct FactReading
+{
+    const Fact* fact;
+    /** None when the platform does not have it. */
+    Value value;
+    std::optional<std::string> failure{};
 };
 
 /** All facts, in the order in which they are listed. */
@@ -50,19 +59,14 @@ std::span<const Fact> facts();
 /** The fact of that name, or null. */
 const Fact* findFact(std::string_view name);
 
-/**
- * The value, none when the platform does not have it. Raises std::exception
- * when it has but could not be read.
- */
+/** Raises std::exception for what the platform has but could not be read. */
 Value readFact(const Fact& fact);
+FactReading read(const Fact& fact);
 
-/** What can be written, for people. */
-std::string acceptedBy(const Fact& fact);
+/** The value as people read it. */
+std::string shownText(const Fact& fact, const Value& value);
 
-/** Raises std::invalid_argument for a value that is refused unsent. */
-void writeFact(const Fact& fact, const std::string& value);
-
-/** Raises why something was not written, unless the library's code is 0. */
-void requireWritten(int32_t code);
+/** The texts of a line with blanks between. */
+std::vector<std::string> partsOf(const std::string& line);
 
 } // namespace morvath::tools

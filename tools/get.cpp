@@ -2,7 +2,7 @@
 #include "cli/terminal_text.hpp"
 #include "command.hpp"
 #include "json.hpp"
-#include "report.hpp"
+#include "screen.hpp"
 
 #include <algorithm>
 #include <memory>
@@ -12,7 +12,7 @@ namespace morvath::tools
 namespace
 {
 
-struct Options
+struct GetOptions
 {
     std::vector<const Fact*> facts;
     /** Whatever there is: what the platform does not have is no failure. */
@@ -21,59 +21,34 @@ struct Options
     std::optional<Seconds> timeout;
 };
 
-std::size_t nameWidth(const std::vector<const Fact*>& list)
-{
-    std::size_t width = 0;
-    for (const auto* fact : list)
-    {
-        width = std::max(width, fact->name.size());
-    }
-    return width;
-}
-
-std::vector<const Fact*> allFacts()
-{
-    std::vector<const Fact*> list;
-    for (const auto& fact : facts())
-    {
-        list.push_back(&fact);
-    }
-    return list;
-}
-
 int listFacts()
 {
-    const auto list = allFacts();
-    const auto width = nameWidth(list);
-    for (const auto* fact : list)
+    std::vector<Texts> rows;
+    for (const auto& fact : facts())
     {
-        std::string line(fact->name);
-        line.resize(width, ' ');
-        line.append("  ").append(fact->summary);
-        print(line.append(fact->write ? " (can be set)\n" : "\n"));
+        rows.push_back({std::string(fact.name),
+                        std::string(fact.summary) +
+                            (fact.isWritable() ? " (can be set)" : "")});
     }
+    print(textOf(inColumns(rows, "")));
     return complete;
 }
 
 /** A single value stands alone, for scripts; several have their names. */
-void printValue(const FactReading& reading, const Options& options)
+void printValue(const FactReading& reading, const GetOptions& options)
 {
-    if (reading.failure)
-    {
-        return;
-    }
     std::string line;
     if (options.facts.size() > 1)
     {
-        line.append(reading.fact->name).append(": ");
-        line.resize(nameWidth(options.facts) + 2, ' ');
+        const auto longest = std::ranges::max(
+            options.facts, {}, [](auto* fact) { return fact->name.size(); });
+        line = padded(std::string(reading.fact->name) + ": ",
+                      longest->name.size() + 2);
     }
-    const auto show = reading.fact->show;
-    line += cli::visible(show ? show(reading.value) : textOf(reading.value));
-    print(line + '\n');
+    print(line + cli::visible(shownText(*reading.fact, reading.value)) + '\n');
 }
 
-int get(Options& options)
+int get(GetOptions& options)
 {
     if (options.all == !options.facts.empty())
     {
@@ -82,7 +57,10 @@ int get(Options& options)
     }
     if (options.all)
     {
-        options.facts = allFacts();
+        for (const auto& fact : facts())
+        {
+            options.facts.push_back(&fact);
+        }
     }
     useBus(options.timeout);
     std::vector<FactReading> readings;
@@ -90,15 +68,14 @@ int get(Options& options)
     for (const auto* fact : options.facts)
     {
         const auto& reading = readings.emplace_back(read(*fact));
-        complainAbout(reading);
-        const bool isMissing = !reading.failure && reading.value == Value();
-        if (isMissing && !options.all)
+        const auto isMissing = reading.value == Value();
+        if (reading.failure || (isMissing && !options.all))
         {
-            complain(std::string(fact->name) +
-                     ": the platform does not have it");
+            complain(std::string(fact->name) + ": " +
+                     reading.failure.value_or("the platform does not have it"));
+            isComplete = false;
         }
-        isComplete &= !reading.failure && (options.all || !isMissing);
-        if (!options.asJson)
+        if (!options.asJson && !reading.failure)
         {
             printValue(reading, options);
         }
@@ -131,7 +108,7 @@ cli::Command factsCommand()
 
 cli::Command getCommand()
 {
-    const auto options = std::make_shared<Options>();
+    const auto options = std::make_shared<GetOptions>();
     const auto take = [options](const std::string& name) {
         options->facts.push_back(findFact(name));
     };

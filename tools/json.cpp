@@ -2,8 +2,10 @@
 #include "json.hpp"
 
 #include "cli/terminal_text.hpp"
+#include "screen.hpp"
 
 #include <time.h>
+#include <unistd.h>
 
 #include <array>
 
@@ -19,40 +21,29 @@ using Json = nlohmann::ordered_json;
 
 constexpr int formatVersion = 1;
 constexpr int indentation = 2;
-constexpr auto none = "-";
-
-Json numberOf(const std::string& text)
-{
-    constexpr auto callback = nullptr;
-    constexpr auto raising = false;
-    auto number = Json::parse(text, callback, raising);
-    return number.is_number() ? number : Json();
-}
 
 Json jsonOf(const Value& value, Form form = Form::text)
 {
     const auto* text = std::get_if<std::string>(&value);
     if (text && form == Form::number)
     {
-        return numberOf(*text);
+        auto number = Json::parse(*text, nullptr, false);
+        return number.is_number() ? number : Json();
     }
-    if (text && form == Form::dashed && *text == none)
+    if (value == Value() || (text && form == Form::dashed && *text == "-"))
     {
         return nullptr;
     }
-    return std::visit(
-        [](const auto& held) -> Json {
-            using Held = std::decay_t<decltype(held)>;
-            if constexpr (std::is_same_v<Held, std::monostate>)
-            {
-                return nullptr;
-            }
-            else
-            {
-                return held;
-            }
-        },
-        value);
+    if (text)
+    {
+        return *text;
+    }
+    if (const auto* number = std::get_if<int64_t>(&value))
+    {
+        return *number;
+    }
+    const auto* flag = std::get_if<bool>(&value);
+    return flag ? Json(*flag) : Json(std::get<Texts>(value));
 }
 
 Json rowsOf(const TableReading& reading)
@@ -64,78 +55,40 @@ Json rowsOf(const TableReading& reading)
         for (std::size_t column = 0; column < cells.size(); ++column)
         {
             const auto& about = reading.table->columns[column];
-            row[about.key] = jsonOf(cells[column], about.form);
+            row[std::string(about.key)] = jsonOf(cells[column], about.form);
         }
     }
     return rows;
 }
 
-std::string timeStamp()
+/** A document about things of a kind, all of them still to be added. */
+Json documentOf(const char* things)
 {
-    const auto now = time(nullptr);
-    tm utc{};
-    gmtime_r(&now, &utc);
-    std::array<char, 32> text;
-    strftime(text.data(), text.size(), "%FT%TZ", &utc);
-    return text.data();
+    return {{"formatVersion", formatVersion},
+            {"time", utcText(time(nullptr))},
+            {"host", hostName()},
+            {things, Json::object()},
+            {"errors", Json::array()}};
 }
 
-/** A document of things of a kind. */
-class Document
+std::string textOf(const Json& document, bool inOneLine)
 {
-  public:
-    explicit Document(std::string thing) :
-        thing(std::move(thing)),
-        content{{"formatVersion", formatVersion},
-                {"time", timeStamp()},
-                {"host", hostName()},
-                {this->thing + 's', Json::object()},
-                {"errors", Json::array()}}
-    {}
-
-    void add(const std::string& name, Json value)
-    {
-        content[thing + 's'][name] = std::move(value);
-    }
-
-    void addFailure(const std::string& name, const std::string& message,
-                    const Object& object = {})
-    {
-        Json error{{thing, name}, {"message", message}};
-        if (!object.path.empty())
-        {
-            error["path"] = object.path;
-            error["service"] = object.service;
-        }
-        content["errors"].push_back(std::move(error));
-    }
-
-    std::string text(int indent) const
-    {
-        // Not every source of texts keeps to UTF-8; the document does.
-        constexpr auto strict = false;
-        return cli::visibleJson(content.dump(indent, ' ', strict,
-                                             Json::error_handler_t::replace)) +
-               '\n';
-    }
-
-  private:
-    std::string thing;
-    Json content;
-};
+    // Not every source of texts keeps to UTF-8; the document does.
+    constexpr auto strict = false;
+    return cli::visibleJson(document.dump(inOneLine ? -1 : indentation, ' ',
+                                          strict,
+                                          Json::error_handler_t::replace)) +
+           '\n';
+}
 
 std::string csvText(const Column& column, const Value& value)
 {
-    auto text = jsonOf(value, column.form);
-    if (text.is_null())
+    const auto json = jsonOf(value, column.form);
+    if (!json.is_string())
     {
-        return {};
+        return json.is_null() ? "" : json.dump();
     }
-    if (!text.is_string())
-    {
-        return text.dump();
-    }
-    auto shown = cli::visible(text.get<std::string>());
+    auto shown = cli::visible(json.get_ref<const std::string&>());
     if (shown.find_first_of(",\"") == shown.npos)
     {
         return shown;
@@ -152,53 +105,70 @@ std::string csvText(const Column& column, const Value& value)
 
 std::string jsonOf(const std::vector<TableReading>& tables, bool inOneLine)
 {
-    Document document("table");
+    auto document = documentOf("tables");
     for (const auto& reading : tables)
     {
         const auto& name = reading.table->name;
-        document.add(name, reading.isUnread ? Json() : rowsOf(reading));
+        document["tables"][name] = reading.isUnread ? Json() : rowsOf(reading);
         for (const auto& [object, message] : reading.failures)
         {
-            document.addFailure(name, message, object);
+            Json error{{"table", name}, {"message", message}};
+            if (!object.path.empty())
+            {
+                error["path"] = object.path;
+                error["service"] = object.service;
+            }
+            document["errors"].push_back(std::move(error));
         }
     }
-    return document.text(inOneLine ? -1 : indentation);
+    return textOf(document, inOneLine);
 }
 
 std::string jsonOf(const std::vector<FactReading>& facts)
 {
-    Document document("fact");
+    auto document = documentOf("facts");
     for (const auto& [fact, value, failure] : facts)
     {
-        const std::string name(fact->name);
-        document.add(name, jsonOf(value));
+        document["facts"][std::string(fact->name)] = jsonOf(value);
         if (failure)
         {
-            document.addFailure(name, *failure);
+            document["errors"].push_back(
+                {{"fact", fact->name}, {"message", *failure}});
         }
     }
-    return document.text(indentation);
+    return textOf(document, false);
 }
 
-std::string csvOf(const std::vector<Column>& columns,
-                  const std::vector<Cells>& rows, bool withTitles)
+std::string csvOf(Columns columns, const std::vector<Cells>& rows,
+                  bool withTitles)
 {
-    std::string text;
-    for (std::size_t place = 0; withTitles && place < columns.size(); ++place)
+    Texts lines;
+    if (withTitles)
     {
-        text.append(place > 0 ? "," : "").append(columns[place].key);
+        Texts keys;
+        for (const auto& column : columns)
+        {
+            keys.emplace_back(column.key);
+        }
+        lines.push_back(joined(keys, ","));
     }
-    text += withTitles ? "\n" : "";
     for (const auto& row : rows)
     {
+        Texts cells;
         for (std::size_t place = 0; place < row.size(); ++place)
         {
-            text.append(place > 0 ? "," : "")
-                .append(csvText(columns[place], row[place]));
+            cells.push_back(csvText(columns[place], row[place]));
         }
-        text += '\n';
+        lines.push_back(joined(cells, ","));
     }
-    return text;
+    return tools::textOf(lines);
+}
+
+std::string hostName()
+{
+    std::array<char, 256> name{};
+    gethostname(name.data(), name.size() - 1);
+    return name.data();
 }
 
 } // namespace morvath::tools

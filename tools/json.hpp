@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "report.hpp"
+#include "facts.hpp"
 
 #include <string>
 #include <vector>
@@ -14,7 +14,10 @@ std::string jsonOf(const std::vector<TableReading>& tables, bool inOneLine);
 std::string jsonOf(const std::vector<FactReading>& facts);
 
 /** Comma-separated values after a line with the keys of the columns. */
-std::string csvOf(const std::vector<Column>& columns,
-                  const std::vector<Cells>& rows, bool withTitles);
+std::string csvOf(Columns columns, const std::vector<Cells>& rows,
+                  bool withTitles);
+
+/** The name of this machine. */
+std::string hostName();
 
 } // namespace morvath::tools

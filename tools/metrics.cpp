@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "bus.hpp"
 #include "command.hpp"
-#include "metrics_of_tables.hpp"
-#include "report.hpp"
+#include "exporter/tables.hpp"
+#include "exposition.hpp"
+#include "screen.hpp"
+#include "table.hpp"
 
 #include <algorithm>
 #include <chrono>
-#include <cstdio>
-#include <exception>
 #include <memory>
 #include <stdexcept>
 
@@ -21,7 +20,7 @@ using Clock = std::chrono::steady_clock;
 /** Of the time that is left, for each answer: the rest is for the others. */
 constexpr double shareOfAnswer = 0.25;
 
-struct Options
+struct MetricOptions
 {
     std::optional<Seconds> timeout;
     std::optional<Seconds> deadline;
@@ -31,7 +30,8 @@ struct Options
 Seconds since(Clock::time_point start) { return Clock::now() - start; }
 
 /** How long to wait for an answer. Raises when there is no time left. */
-std::optional<Seconds> waitFor(const Options& options, Clock::time_point start)
+std::optional<Seconds> waitFor(const MetricOptions& options,
+                               Clock::time_point start)
 {
     if (!options.deadline)
     {
@@ -46,16 +46,16 @@ std::optional<Seconds> waitFor(const Options& options, Clock::time_point start)
 }
 
 /** Adds a table and how that went; whether it was read. */
-bool read(const MetricTable& table, const Options& options,
-          Clock::time_point start, Exposition& exposition)
+bool addTable(const char* name, const MetricOptions& options,
+              Clock::time_point start, Exposition& exposition)
 {
     const auto begin = Clock::now();
     bool isRead = true;
     try
     {
         useBus(waitFor(options, start));
-        beginReading(table.name);
-        table.read(table.name, exposition);
+        beginReading(name);
+        addMetrics(name, exposition);
     }
     catch (const Absent&)
     {
@@ -63,10 +63,10 @@ bool read(const MetricTable& table, const Options& options,
     }
     catch (const std::exception& error)
     {
-        complain(std::string(table.name) + ": " + error.what());
+        complain(std::string(name) + ": " + error.what());
         isRead = false;
     }
-    const auto labels = label("table", table.name);
+    const auto labels = label("table", name);
     exposition
         .shared("morvath_table_duration_seconds", "How long the table took.")
         .add(labels, since(begin).count());
@@ -75,20 +75,16 @@ bool read(const MetricTable& table, const Options& options,
     return isRead;
 }
 
-void flush(Exposition& exposition, bool withShared)
-{
-    print(exposition.take(withShared));
-}
-
-int printMetrics(const Options& options)
+int printMetrics(const MetricOptions& options)
 {
     const auto start = Clock::now();
     Exposition exposition;
     int status = complete;
-    for (const auto& table : metricTables())
+    for (const auto* name : exporter::tableNames)
     {
-        status = read(table, options, start, exposition) ? status : incomplete;
-        flush(exposition, options.byTable);
+        status =
+            addTable(name, options, start, exposition) ? status : incomplete;
+        print(exposition.take(options.byTable));
     }
     if (!options.byTable)
     {
@@ -98,7 +94,7 @@ int printMetrics(const Options& options)
             .add("", since(start).count());
         exposition.metric("morvath_build_info", "The version of the command.")
             .add(label("version", MORVATH_VERSION), 1);
-        flush(exposition, true);
+        print(exposition.take(true));
     }
     return status;
 }
@@ -107,7 +103,7 @@ int printMetrics(const Options& options)
 
 cli::Command metricsCommand()
 {
-    const auto options = std::make_shared<Options>();
+    const auto options = std::make_shared<MetricOptions>();
     return {
         .name = "metrics",
         .meaning = "Print all for Prometheus, in its text format",

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "cli/terminal_text.hpp"
 #include "command.hpp"
+#include "facts.hpp"
 #include "sensors.hpp"
 
 #include <algorithm>
@@ -13,7 +14,7 @@ namespace morvath::tools
 namespace
 {
 
-struct Options
+struct OverviewOptions
 {
     Look look;
     std::optional<Seconds> timeout;
@@ -32,9 +33,7 @@ class Overview
     {
         if (!text.empty())
         {
-            const auto line = padded(label, labelWidth) + text;
-            lines.push_back(look.width > 0 ? cli::visible(line, look.width)
-                                           : cli::visible(line));
+            lines.push_back(fitted(padded(label, labelWidth) + text, look));
         }
     }
 
@@ -65,37 +64,20 @@ class Overview
 
     TableReading table(std::string_view name)
     {
-        return table(*std::ranges::find(tables(), name, &Table::name));
+        return table(tableNamed(name));
     }
 
     const Look& look;
-    std::vector<std::string> lines;
+    Texts lines;
     /** What failed, by the reason. */
-    std::map<std::string, std::vector<std::string>> failures;
+    std::map<std::string, Texts> failures;
 };
-
-std::size_t columnOf(const TableReading& reading, std::string_view key)
-{
-    const auto& columns = reading.table->columns;
-    return static_cast<std::size_t>(
-        std::ranges::find(columns, key, &Column::key) - columns.begin());
-}
-
-std::string listOf(const std::vector<std::string>& names)
-{
-    std::string text;
-    for (const auto& name : names)
-    {
-        text.append(text.empty() ? "" : ", ").append(name);
-    }
-    return text;
-}
 
 /** "12 of 16; empty: dimm12, dimm13". */
 std::string presenceOf(const TableReading& reading)
 {
-    const auto present = columnOf(reading, "present");
-    std::vector<std::string> empty;
+    const auto present = columnOf(*reading.table, "present");
+    Texts empty;
     for (const auto& row : inNaturalOrder(reading.rows))
     {
         if (row[present] == Value(false))
@@ -110,28 +92,28 @@ std::string presenceOf(const TableReading& reading)
     }
     auto text =
         std::to_string(all - empty.size()) + " of " + std::to_string(all);
-    return empty.empty() ? text : text + "; empty: " + listOf(empty);
+    return empty.empty() ? text : text + "; empty: " + joined(empty, ", ");
 }
 
 std::string memoryOf(const TableReading& reading)
 {
     const auto text = presenceOf(reading);
-    const auto size = columnOf(reading, "sizeKiB");
+    const auto size = columnOf(*reading.table, "sizeKiB");
     int64_t sum = 0;
     for (const auto& row : reading.rows)
     {
         const auto* number = std::get_if<int64_t>(&row[size]);
         sum += number ? *number : 0;
     }
-    const std::vector columns{reading.table->columns[size]};
-    return text.empty() ? text : cellText(columns, {sum}, 0) + ", " + text;
+    const auto column = reading.table->columns.subspan(size, 1);
+    return text.empty() ? text : cellText(column, {sum}, 0) + ", " + text;
 }
 
 /** Drives of arrays, with those that are not as they should be. */
 std::string drivesOf(const TableReading& reading)
 {
-    const auto state = columnOf(reading, "state");
-    std::vector<std::string> others;
+    const auto state = columnOf(*reading.table, "state");
+    Texts others;
     for (const auto& row : reading.rows)
     {
         const auto word = textOf(row[state]);
@@ -143,18 +125,18 @@ std::string drivesOf(const TableReading& reading)
     const auto all = reading.rows.size();
     return all == 0 ? ""
                     : std::to_string(all) + " drives" +
-                          (others.empty() ? "" : "; " + listOf(others));
+                          (others.empty() ? "" : "; " + joined(others, ", "));
 }
 
 std::string addressesOf(const TableReading& reading)
 {
-    const auto address = columnOf(reading, "ipAddress");
-    std::vector<std::string> names;
+    const auto address = columnOf(*reading.table, "ipAddress");
+    Texts names;
     for (const auto& row : reading.rows)
     {
         names.push_back(textOf(row.front()) + ' ' + textOf(row[address]));
     }
-    return listOf(names);
+    return joined(names, ", ");
 }
 
 /** "BMC 3.2.1, BIOS 2.07", of what there is. */
@@ -164,7 +146,7 @@ std::string firmwareIn(Overview& overview)
         {"BMC ", "bmc-version"},
         {"BIOS ", "bios-version"},
         {"logic ", "cpld-version"}};
-    std::vector<std::string> versions;
+    Texts versions;
     for (const auto& [label, name] : parts)
     {
         const auto version = overview.fact(name);
@@ -173,7 +155,7 @@ std::string firmwareIn(Overview& overview)
             versions.push_back(label + version);
         }
     }
-    return listOf(versions);
+    return joined(versions, ", ");
 }
 
 void addMachine(Overview& overview)
@@ -211,7 +193,7 @@ void addSensors(Overview& overview)
     }
 }
 
-int show(Options& options)
+int show(OverviewOptions& options)
 {
     options.look.measure();
     useBus(options.timeout);
@@ -221,14 +203,9 @@ int show(Options& options)
     for (const auto& [reason, what] : overview.failures)
     {
         overview.add("Not read", reason);
-        overview.add("", listOf(what));
+        overview.add("", joined(what, ", "));
     }
-    std::string text;
-    for (const auto& line : overview.lines)
-    {
-        text.append(line) += '\n';
-    }
-    print(text);
+    print(textOf(overview.lines));
     return overview.failures.empty() ? complete : incomplete;
 }
 
@@ -236,7 +213,7 @@ int show(Options& options)
 
 cli::Command overviewCommand()
 {
-    const auto options = std::make_shared<Options>();
+    const auto options = std::make_shared<OverviewOptions>();
     return {
         .name = "overview",
         .meaning = "Print what matters in some 15 lines",

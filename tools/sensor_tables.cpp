@@ -1,22 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "records.hpp"
 #include "sensors.hpp"
-
-#include "record_table.hpp"
-
-#include <morvath.h>
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <memory>
 #include <set>
-#include <string_view>
 
 namespace morvath::tools
 {
 namespace
 {
 
-using Entry = BmcSensorEntry;
+using Sensor = BmcSensorEntry;
 
 const std::string root = "/xyz/openbmc_project/sensors/";
 constexpr auto interface = "xyz.openbmc_project.Sensor.Value";
@@ -26,77 +23,79 @@ constexpr std::array states{"critical", "warning", "no reading", "ok",
 
 bool isNumber(const char* text) { return text && numberIn(text); }
 
-bool hasLimits(const Entry& entry)
-{
-    const auto limits = {entry.criticalHigh, entry.criticalLow,
-                         entry.warningHigh, entry.warningLow};
-    return std::ranges::any_of(limits, isNumber);
-}
-
 /** The alarms of the platform count: they know the hysteresis of a sensor. */
-State stateIn(const Entry& entry)
+State stateIn(const Sensor& sensor)
 {
-    if (entry.criticalAlarmHigh || entry.criticalAlarmLow)
-    {
-        return State::critical;
-    }
-    if (entry.warningAlarmHigh || entry.warningAlarmLow)
-    {
-        return State::warning;
-    }
-    if (!isNumber(entry.value))
-    {
-        return State::noReading;
-    }
-    return hasLimits(entry) ? State::ok : State::noLimits;
+    const auto limits = {sensor.criticalHigh, sensor.criticalLow,
+                         sensor.warningHigh, sensor.warningLow};
+    return sensor.criticalAlarmHigh || sensor.criticalAlarmLow ? State::critical
+           : sensor.warningAlarmHigh || sensor.warningAlarmLow ? State::warning
+           : !isNumber(sensor.value)               ? State::noReading
+           : std::ranges::any_of(limits, isNumber) ? State::ok
+                                                   : State::noLimits;
 }
 
-Value stateOf(const Entry& entry)
+Value stateText(const void* record)
 {
-    return std::string(wordOf(stateIn(entry)));
+    const auto state = stateIn(*static_cast<const Sensor*>(record));
+    return states.at(static_cast<std::size_t>(state));
 }
 
-Table sensorTable(std::string name, std::string summary,
-                  const std::string& segment)
+/** A number as text. */
+constexpr Column number(std::string_view key, std::string_view title,
+                        Value (*read)(const void*), int rank = 1)
 {
-    const auto get = [path = root + segment](Entry** records, int32_t* count) {
-        return getCommonSensorTableInfo(records, count, path.c_str(),
+    return {key, title, read, rank, {}, {}, Form::number};
+}
+
+constexpr Column columns[]{
+    {"name",
+     "NAME",
+     of<&Sensor::name>,
+     always,
+     {Published::identity, "sensor"}},
+    number("value", "READING", of<&Sensor::value>, always),
+    {"unit", "UNIT", of<&Sensor::unit>, 1, {}, {}, Form::unit},
+    {"state", "STATE", stateText, always},
+    number("criticalLow", "CRIT LOW", of<&Sensor::criticalLow>),
+    number("warningLow", "WARN LOW", of<&Sensor::warningLow>, 2),
+    number("warningHigh", "WARN HIGH", of<&Sensor::warningHigh>, 2),
+    number("criticalHigh", "CRIT HIGH", of<&Sensor::criticalHigh>),
+    number("minValue", "MIN", of<&Sensor::minValue>, seldom),
+    number("maxValue", "MAX", of<&Sensor::maxValue>, seldom),
+    {"criticalAlarmLow", "CRIT LOW ALARM", yesOrNo<&Sensor::criticalAlarmLow>,
+     seldom},
+    {"warningAlarmLow", "WARN LOW ALARM", yesOrNo<&Sensor::warningAlarmLow>,
+     seldom},
+    {"warningAlarmHigh", "WARN HIGH ALARM", yesOrNo<&Sensor::warningAlarmHigh>,
+     seldom},
+    {"criticalAlarmHigh", "CRIT HIGH ALARM",
+     yesOrNo<&Sensor::criticalAlarmHigh>, seldom},
+};
+
+std::vector<Cells> sensorRows(const Table& table)
+{
+    return rowsOf<Sensor>(table, [&table](Sensor** records, int32_t* count) {
+        return getCommonSensorTableInfo(records, count, table.root.c_str(),
                                         interface);
-    };
-    auto table = recordTable<Entry>(
-        std::move(name), std::move(summary), get,
-        {
-            {{"name", "NAME", Form::text, always}, &Entry::name},
-            {{"value", "READING", Form::number, always}, &Entry::value},
-            {{"unit", "UNIT", Form::unit}, &Entry::unit},
-            {{"state", "STATE", Form::text, always}, stateOf},
-            {{"criticalLow", "CRIT LOW", Form::number}, &Entry::criticalLow},
-            {{"warningLow", "WARN LOW", Form::number, 2}, &Entry::warningLow},
-            {{"warningHigh", "WARN HIGH", Form::number, 2},
-             &Entry::warningHigh},
-            {{"criticalHigh", "CRIT HIGH", Form::number}, &Entry::criticalHigh},
-            {{"minValue", "MIN", Form::number, seldom}, &Entry::minValue},
-            {{"maxValue", "MAX", Form::number, seldom}, &Entry::maxValue},
-            {{"criticalAlarmLow", "CRIT LOW ALARM", Form::text, seldom},
-             &Entry::criticalAlarmLow,
-             yesOrNo},
-            {{"warningAlarmLow", "WARN LOW ALARM", Form::text, seldom},
-             &Entry::warningAlarmLow,
-             yesOrNo},
-            {{"warningAlarmHigh", "WARN HIGH ALARM", Form::text, seldom},
-             &Entry::warningAlarmHigh,
-             yesOrNo},
-            {{"criticalAlarmHigh", "CRIT HIGH ALARM", Form::text, seldom},
-             &Entry::criticalAlarmHigh,
-             yesOrNo},
-        });
-    table.colourOf = [](const Cells& cells) {
-        return colourOf(morvath::tools::stateOf(cells));
-    };
-    table.needs = {{"Unit", ""},
-                   {"CriticalAlarmLow", "CriticalAlarmHigh"},
-                   {"WarningAlarmLow", "WarningAlarmHigh"}};
-    return table;
+    });
+}
+
+Table classOf(std::string name, std::string summary, const std::string& segment,
+              std::string_view metric = {}, std::string_view help = {},
+              std::string_view reading = {})
+{
+    return {std::move(name),
+            std::move(summary),
+            columns,
+            sensorRows,
+            metric,
+            help,
+            "Unit CriticalAlarmLow:CriticalAlarmHigh "
+            "WarningAlarmLow:WarningAlarmHigh",
+            false,
+            root + segment,
+            reading};
 }
 
 /** The classes below the root of all sensors, by their part of the path. */
@@ -123,67 +122,50 @@ std::set<std::string> foundClasses()
     return segments;
 }
 
-struct Class
-{
-    const char* name;
-    const char* summary;
-    const char* segment;
-};
-
-constexpr Class knownClasses[]{
-    {"temperatures", "temperature sensors", "temperature"},
-    {"fans", "speeds of the fans", "fan_tach"},
-    {"voltages", "voltage sensors", "voltage"},
-    {"currents", "current sensors", "current"},
-    {"powers", "power sensors", "power"},
-    {"pwms", "how the fans are driven", "fan_pwm"},
-};
-
 } // namespace
-
-const char* wordOf(State state)
-{
-    return states.at(static_cast<std::size_t>(state));
-}
 
 Colour colourOf(State state)
 {
-    constexpr std::array colours{Colour::red, Colour::yellow, Colour::faint};
-    const auto place = static_cast<std::size_t>(state);
-    return place < colours.size() ? colours.at(place) : Colour::none;
+    return state == State::critical    ? Colour::red
+           : state == State::warning   ? Colour::yellow
+           : state == State::noReading ? Colour::faint
+                                       : Colour::none;
 }
 
 State stateOf(const Cells& cells)
 {
-    const auto& word = cells[stateColumn];
-    const auto found = std::ranges::find_if(states, [&word](const char* state) {
-        return word == Value(std::string(state));
-    });
-    return static_cast<State>(found - states.begin());
+    const auto word = textOf(cells[stateColumn]);
+    return static_cast<State>(std::ranges::find(states, word) - states.begin());
 }
 
 std::vector<Table> sensorTables()
 {
-    std::vector<Table> tables;
-    for (const auto& [name, summary, segment] : knownClasses)
-    {
-        tables.push_back(sensorTable(name, summary, segment));
-    }
-    return tables;
+    return {
+        classOf("temperatures", "temperature sensors", "temperature",
+                "temperature", "Temperature.", "celsius"),
+        classOf("fans", "speeds of the fans", "fan_tach", "fan",
+                "Speed of a fan.", "speed_rpm"),
+        classOf("voltages", "voltage sensors", "voltage", "voltage", "Voltage.",
+                "volts"),
+        classOf("currents", "current sensors", "current", "current", "Current.",
+                "amperes"),
+        classOf("powers", "power sensors", "power", "power", "Power.", "watts"),
+        classOf("pwms", "how the fans are driven", "fan_pwm", "pwm",
+                "How a fan is driven, 0 to 1.", "ratio"),
+    };
 }
 
 std::vector<Table> allSensorTables()
 {
-    auto tables = sensorTables();
+    auto all = sensorTables();
     for (const auto& segment : foundClasses())
     {
-        if (std::ranges::find(knownClasses, segment, &Class::segment) ==
-            std::end(knownClasses))
+        if (std::ranges::find(all, root + segment, &Table::root) == all.end())
         {
-            tables.push_back(sensorTable(segment, segment, segment));
+            all.push_back(classOf(segment, segment, segment));
         }
     }
-    return tables;
+    return all;
 }
 
 } // namespace morvath::tools

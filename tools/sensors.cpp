@@ -3,17 +3,17 @@
 
 #include "cli/terminal_text.hpp"
 #include "command.hpp"
+#include "facts.hpp"
 #include "json.hpp"
-#include "watch.hpp"
 
 #include <fnmatch.h>
 #include <time.h>
 
 #include <algorithm>
 #include <array>
-#include <map>
 #include <memory>
 #include <optional>
+#include <stdexcept>
 #include <utility>
 
 namespace morvath::tools
@@ -21,7 +21,7 @@ namespace morvath::tools
 namespace
 {
 
-struct Options
+struct SensorOptions
 {
     Look look;
     /** Names with the wildcards of a shell; none for all sensors. */
@@ -43,69 +43,66 @@ struct Round
     std::string host;
 };
 
-std::string headerOf(const Round& round, const Options& options)
+std::string headerOf(const Round& round, const SensorOptions& options)
 {
     const auto now = time(nullptr);
     tm local{};
     localtime_r(&now, &local);
     std::array<char, 16> clock;
     strftime(clock.data(), clock.size(), "%T", &local);
-    std::string line(clock.data());
-    line.append("  ").append(round.host).append("  ");
-    line += summaryOf(round.readings);
-    if (options.watch)
-    {
-        std::array<char, 40> text;
-        std::snprintf(text.data(), text.size(), "  (%g s)",
-                      options.watch->count());
-        line += text.data();
-    }
-    return line;
+    const auto pause =
+        options.watch ? "  (" + textOf(*options.watch) + ')' : "";
+    return clock.data() + ("  " + round.host) + "  " +
+           summaryOf(round.readings) + pause;
 }
 
-void append(std::vector<std::string>& lines, std::vector<std::string> others)
+void append(Texts& lines, const Texts& others)
 {
-    std::ranges::move(others, std::back_inserter(lines));
+    lines.insert(lines.end(), others.begin(), others.end());
 }
 
-std::string joined(const std::vector<std::string>& lines)
+/** The lines in place of those before, as many as the window has. */
+std::string repainted(Texts lines, std::size_t height)
 {
-    std::string text;
-    for (const auto& line : lines)
+    if (height > 1 && lines.size() > height)
     {
-        text.append(line) += '\n';
+        const auto more = lines.size() - height + 1;
+        lines.resize(height - 1);
+        lines.push_back("(" + std::to_string(more) +
+                        " more; enlarge the window)");
     }
-    return text;
+    return "\x1b[H" + joined(lines, "\x1b[K\n") + "\x1b[K\x1b[J";
 }
 
 /** What matters first; whatever else there is below a line. */
-std::string screenOf(const Round& round, const Options& options)
+std::string screenOf(const Round& round, const SensorOptions& options)
 {
     const auto& look = options.look;
-    std::vector<std::string> first{lineUpTo(headerOf(round, options), look)};
+    const std::string rule(std::min<std::size_t>(look.width, 100), '-');
+    Texts first{fitted(headerOf(round, options), look)};
     append(first, alarmLines(round.readings, look));
     append(first, failureLines(round.readings, look));
     auto lines = first;
-    lines.emplace_back(std::min<std::size_t>(look.width, 100), '-');
+    lines.push_back(rule);
     append(lines, classLines(round.readings, look));
-    const auto isTall = look.height > 0 && lines.size() >= look.height;
     if (options.watch)
     {
-        return repainted(std::move(lines), look);
+        return repainted(std::move(lines), look.height);
     }
+    const auto isTall = look.height > 0 && lines.size() >= look.height;
     if (isTall && first.size() > 1)
     {
         // The beginning has left the window by then.
-        lines.emplace_back(std::min<std::size_t>(look.width, 100), '-');
+        lines.push_back(rule);
         append(lines, first);
     }
-    return joined(lines);
+    return textOf(lines);
 }
 
 /** All sensors in one table, alarms first, for other programs and logs. */
 struct Flat
 {
-    std::vector<Column> columns{{"class", "CLASS", Form::text, 3}};
+    std::vector<Column> columns{{"class", "CLASS", nullptr, 3}};
     std::vector<Cells> rows;
 };
 
@@ -130,7 +127,7 @@ State stateOfFlat(const Cells& row)
     return stateOf({row.begin() + 1, row.end()});
 }
 
-std::string tableOf(const Round& round, const Options& options)
+std::string tableOf(const Round& round, const SensorOptions& options)
 {
     auto flat = flatOf(round);
     if (options.order.empty())
@@ -140,16 +137,17 @@ std::string tableOf(const Round& round, const Options& options)
         };
         std::ranges::stable_sort(flat.rows, {}, urgency);
     }
-    const auto text = joined(
+    const auto text = textOf(
         textLines(flat.columns, flat.rows, options.look,
                   [](const Cells& row) { return colourOf(stateOfFlat(row)); }));
     return options.watch ? headerOf(round, options) + '\n' + text + '\n' : text;
 }
 
-bool isWanted(const Cells& cells, const Options& options)
+bool isWanted(const Cells& cells, const SensorOptions& options)
 {
     const auto matches = [&cells](const std::string& pattern) {
-        return fnmatch(pattern.c_str(), nameOf(cells).c_str(), 0) == 0;
+        const auto* name = std::get_if<std::string>(&cells[nameColumn]);
+        return fnmatch(pattern.c_str(), name ? name->c_str() : "", 0) == 0;
     };
     return (options.names.empty() ||
             std::ranges::any_of(options.names, matches)) &&
@@ -161,7 +159,7 @@ void sort(std::vector<Cells>& rows, const std::string& order)
     if (order == "reading")
     {
         std::ranges::stable_sort(rows, std::greater(), [](const Cells& cells) {
-            return numberOf(cells, readingColumn).value_or(-1e300);
+            return numberOf(cells[readingColumn]).value_or(-1e300);
         });
     }
     else if (order == "state")
@@ -183,7 +181,7 @@ std::string serverName()
     return name ? *name : hostName();
 }
 
-Round readAll(const Options& options)
+Round readAll(const SensorOptions& options)
 {
     useBus(options.timeout);
     Round round{allSensorTables(), {}, serverName()};
@@ -213,7 +211,7 @@ Round readAll(const Options& options)
     return round;
 }
 
-int statusOf(const Round& round, const Options& options)
+int statusOf(const Round& round, const SensorOptions& options)
 {
     bool isComplete = true;
     bool isEmpty = true;
@@ -239,7 +237,7 @@ int statusOf(const Round& round, const Options& options)
     return isComplete ? complete : incomplete;
 }
 
-int showOnce(const Options& options)
+int showOnce(const SensorOptions& options)
 {
     const auto round = readAll(options);
     const auto& look = options.look;
@@ -260,7 +258,7 @@ int showOnce(const Options& options)
     return statusOf(round, options);
 }
 
-int showSensors(Options& options)
+int showSensors(SensorOptions& options)
 {
     options.look.measure();
     if (!options.watch)
@@ -278,7 +276,7 @@ int showSensors(Options& options)
     return incomplete;
 }
 
-std::vector<cli::Parameter> parametersFor(Options& options)
+std::vector<cli::Parameter> parametersFor(SensorOptions& options)
 {
     const auto take = [&options](const std::string& name) {
         options.names.push_back(name);
@@ -306,8 +304,7 @@ std::vector<cli::Parameter> parametersFor(Options& options)
                   "Status 3 for a critical sensor, 4 for a warning"),
         cli::seconds("--watch", options.watch,
                      "Repeat with this pause, each JSON in one line")};
-    std::ranges::move(lookOptions(options.look),
-                      std::back_inserter(parameters));
+    addOptions(parameters, options.look);
     parameters.push_back(timeoutOption(options.timeout));
     return parameters;
 }
@@ -316,7 +313,7 @@ std::vector<cli::Parameter> parametersFor(Options& options)
 
 cli::Command sensorsCommand()
 {
-    const auto options = std::make_shared<Options>();
+    const auto options = std::make_shared<SensorOptions>();
     return {
         .name = "sensors",
         .meaning = "Print all sensors, those in alarm first",

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "report.hpp"
+#include "screen.hpp"
 
 #include <optional>
 #include <string>
@@ -20,7 +20,6 @@ enum class State
     noLimits,
 };
 
-const char* wordOf(State state);
 Colour colourOf(State state);
 
 /** The state in a row of a sensor table. */
@@ -29,7 +28,6 @@ State stateOf(const Cells& cells);
 // Columns of the sensor tables.
 constexpr std::size_t nameColumn = 0;
 constexpr std::size_t readingColumn = 1;
-constexpr std::size_t unitColumn = 2;
 constexpr std::size_t stateColumn = 3;
 constexpr std::size_t criticalLowColumn = 4;
 constexpr std::size_t warningLowColumn = 5;
@@ -37,20 +35,32 @@ constexpr std::size_t warningHighColumn = 6;
 constexpr std::size_t criticalHighColumn = 7;
 constexpr std::size_t minColumn = 8;
 constexpr std::size_t maxColumn = 9;
-constexpr std::size_t criticalAlarmLowColumn = 10;
-constexpr std::size_t warningAlarmLowColumn = 11;
-constexpr std::size_t warningAlarmHighColumn = 12;
-constexpr std::size_t criticalAlarmHighColumn = 13;
+
+/** A limit of a sensor, the columns about it and the other one of its kind. */
+struct Limit
+{
+    /** Published, never changed. */
+    std::string_view name;
+    const char* side;
+    std::size_t column;
+    std::size_t alarm;
+    std::size_t other;
+};
+
+constexpr Limit limits[]{
+    {"critical_high", "above ", criticalHighColumn, 13, criticalLowColumn},
+    {"critical_low", "below ", criticalLowColumn, 10, criticalHighColumn},
+    {"warning_high", "above ", warningHighColumn, 12, warningLowColumn},
+    {"warning_low", "below ", warningLowColumn, 11, warningHighColumn},
+};
 
 /** The six usual classes, and all others that the platform has. */
 std::vector<Table> allSensorTables();
 
-const std::string& nameOf(const Cells& cells);
-std::optional<double> numberOf(const Cells& cells, std::size_t column);
+/** The number in a cell that holds one. */
+std::optional<double> numberOf(const Value& cell);
 
 // How readings are drawn, in lines that are no wider than the terminal.
-
-std::string lineUpTo(const std::string& line, const Look& look);
 
 /** "63 sensors: 1 critical, 1 warning". */
 std::string summaryOf(const std::vector<TableReading>& readings);

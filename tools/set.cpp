@@ -1,10 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "cli/terminal_text.hpp"
 #include "command.hpp"
 #include "facts.hpp"
+#include "screen.hpp"
 
 #include <morvath.h>
+#include <strings.h>
+#include <time.h>
 
 #include <algorithm>
+#include <charconv>
+#include <limits>
 #include <memory>
 #include <stdexcept>
 
@@ -13,7 +19,14 @@ namespace morvath::tools
 namespace
 {
 
-struct Options
+/** The library's code for a value that it refuses unsent. */
+constexpr int32_t rejected = -3;
+
+// A longer one is accepted, and then reads as none.
+constexpr std::size_t longestText = 199;
+constexpr std::size_t widestValue = 60;
+
+struct SetOptions
 {
     std::string value;
     std::optional<Seconds> timeout;
@@ -53,6 +66,104 @@ cli::Parameter segmentArgument(const std::string& name, std::string& segment,
         .names = name, .meaning = meaning, .take = take, .isRequired = true};
 }
 
+std::optional<int64_t> wholeNumberIn(const std::string& text)
+{
+    int64_t number = 0;
+    const char* end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, number);
+    return error == std::errc() && stop == end ? std::optional(number)
+                                               : std::nullopt;
+}
+
+/** Seconds since 1970, a time as in ISO 8601, or the time of this machine. */
+std::optional<int64_t> timeIn(const std::string& value)
+{
+    tm parts{};
+    parts.tm_isdst = -1;
+    const char* zone = strptime(value.c_str(), "%Y-%m-%dT%H:%M:%S", &parts);
+    if (!zone)
+    {
+        return value == "now" ? time(nullptr) : wholeNumberIn(value);
+    }
+    if (!*zone)
+    {
+        return mktime(&parts);
+    }
+    const char* end = strptime(zone, "%z", &parts);
+    const auto offset = parts.tm_gmtoff;
+    return end && !*end ? std::optional(timegm(&parts) - offset) : std::nullopt;
+}
+
+/** By its word or, for people with a table of codes, by its code. */
+std::optional<int64_t> codeIn(std::span<const std::string_view> words,
+                              const std::string& value)
+{
+    const auto place = std::ranges::find(words, value) - words.begin();
+    const auto code = static_cast<std::size_t>(place) < words.size()
+                          ? std::optional<int64_t>(place)
+                          : wholeNumberIn(value);
+    return code && *code < std::ssize(words) ? code : std::nullopt;
+}
+
+/** Unsent when the value is none of those that the fact can have. */
+int32_t send(const Fact& fact, const std::string& value)
+{
+    if (const auto* set = std::get_if<int32_t (*)(const char*)>(&fact.set))
+    {
+        // To the library any beginning of a word is the word: a slip.
+        const auto isIt = [&value](std::string_view word) {
+            return strcasecmp(value.c_str(), word.data()) == 0;
+        };
+        const auto isKnown =
+            fact.words.empty() || std::ranges::any_of(fact.words, isIt);
+        return isKnown && value.size() <= longestText ? (*set)(value.c_str())
+                                                      : rejected;
+    }
+    const auto number =
+        fact.words.empty() ? timeIn(value) : codeIn(fact.words, value);
+    if (!number || *number < 0 || *number > std::numeric_limits<int32_t>::max())
+    {
+        return rejected;
+    }
+    const auto code = static_cast<int32_t>(*number);
+    const auto* set = std::get_if<int32_t (*)(int32_t)>(&fact.set);
+    return set ? (*set)(code) : std::get<int32_t (*)(uint32_t)>(fact.set)(code);
+}
+
+/** What can be written, for people. */
+std::string acceptedBy(const Fact& fact)
+{
+    Texts kinds(fact.words.begin(), fact.words.end());
+    if (!fact.values.empty())
+    {
+        kinds.emplace_back(fact.values);
+    }
+    const auto last = kinds.back();
+    kinds.pop_back();
+    return joined(kinds, ", ") + (kinds.empty() ? "" : " or ") + last;
+}
+
+/** Runs what writes; raises what it was if it fails, and why. */
+template <typename Action>
+int write(const std::string& what, const Action& action)
+try
+{
+    action();
+    return complete;
+}
+catch (const cli::Misuse&)
+{
+    throw;
+}
+catch (const Absent&)
+{
+    throw std::runtime_error(what + ": the platform does not have it");
+}
+catch (const std::exception& error)
+{
+    throw std::runtime_error(what + ": " + error.what());
+}
+
 int setLldp(const LldpOptions& options)
 {
     const auto& [adapter, port, state, timeout] = options;
@@ -61,17 +172,11 @@ int setLldp(const LldpOptions& options)
         throw cli::Misuse("ADAPTER PORT: the names are too long together");
     }
     useBus(timeout);
-    try
-    {
-        requireWritten(
-            setLldpEnalbed(adapter.c_str(), port.c_str(), state == "on"));
-    }
-    catch (const std::exception& error)
-    {
-        throw std::runtime_error("port " + port + " of " + adapter + ": " +
-                                 error.what());
-    }
-    return complete;
+    return write("port " + port + " of " + adapter, [&options] {
+        requireSuccess(setLldpEnalbed(options.adapter.c_str(),
+                                      options.port.c_str(),
+                                      options.state == "on"));
+    });
 }
 
 cli::Command lldpSetting()
@@ -98,35 +203,36 @@ cli::Command lldpSetting()
     };
 }
 
-int setFact(const Fact& fact, const Options& options)
+void setFact(const Fact& fact, const SetOptions& options)
 {
-    const std::string name(fact.name);
-    try
+    useBus(options.timeout);
+    const auto code = send(fact, options.value);
+    if (code == rejected)
     {
-        useBus(options.timeout);
-        writeFact(fact, options.value);
+        throw cli::Misuse(std::string(fact.name) + ": \"" +
+                          cli::visible(options.value, widestValue) +
+                          "\" is not " + acceptedBy(fact));
     }
-    catch (const std::invalid_argument& error)
+    requireSuccess(code);
+    // Writing a list can seem to work.
+    if (fact.kind == Fact::Kind::list &&
+        readFact(fact) != Value(partsOf(options.value)))
     {
-        throw cli::Misuse(name + ": " + error.what());
+        throw std::runtime_error(
+            "the platform accepted the value, but does not use it");
     }
-    catch (const std::exception& error)
-    {
-        throw std::runtime_error(name + ": " + error.what());
-    }
-    return complete;
 }
 
 cli::Command settingOf(const Fact& fact)
 {
-    const auto options = std::make_shared<Options>();
+    const auto options = std::make_shared<SetOptions>();
     const auto take = [options](const std::string& value) {
         options->value += (options->value.empty() ? "" : " ") + value;
     };
     cli::Terms words;
     for (const auto& word : fact.words)
     {
-        words.push_back({std::string(word.text), ""});
+        words.push_back({std::string(word), ""});
     }
     return {
         .name = std::string(fact.name),
@@ -135,11 +241,15 @@ cli::Command settingOf(const Fact& fact)
                         .meaning = "The new value",
                         .take = take,
                         .isRequired = true,
-                        .isRepeated = fact.takesSeveral,
+                        .isRepeated = fact.kind == Fact::Kind::list,
                         .words = words,
                         .takesOthers = true},
                        timeoutOption(options->timeout)},
-        .run = [&fact, options] { return setFact(fact, *options); },
+        .run =
+            [&fact, options] {
+                return write(std::string(fact.name),
+                             [&] { setFact(fact, *options); });
+            },
         .notes = "VALUE is " + acceptedBy(fact) + '.',
     };
 }
@@ -151,7 +261,7 @@ cli::Command setCommand()
     cli::Command command{.name = "set", .meaning = "Change a setting"};
     for (const auto& fact : facts())
     {
-        if (fact.write)
+        if (fact.isWritable())
         {
             command.commands.push_back(settingOf(fact));
         }

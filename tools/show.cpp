@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "command.hpp"
 #include "json.hpp"
-#include "report.hpp"
+#include "sensors.hpp"
 
-#include <algorithm>
-#include <iterator>
 #include <memory>
 #include <utility>
 
@@ -13,7 +11,7 @@ namespace morvath::tools
 namespace
 {
 
-struct Options
+struct ShowOptions
 {
     std::vector<const Table*> tables;
     bool all = false;
@@ -31,7 +29,7 @@ cli::Terms tableTerms()
     return terms;
 }
 
-std::string titleOf(const Table& table, const Options& options)
+std::string titleOf(const Table& table, const ShowOptions& options)
 {
     if (options.tables.size() < 2 || !options.look.withTitles)
     {
@@ -41,21 +39,19 @@ std::string titleOf(const Table& table, const Options& options)
            coloured(table.name + ':', Colour::bold, options.look) + '\n';
 }
 
-std::string textOf(const TableReading& reading, const Look& look)
+Colour sensorColour(const Cells& cells) { return colourOf(stateOf(cells)); }
+
+Texts linesOf(const TableReading& reading, const Look& look)
 {
     const auto& table = *reading.table;
     const auto rows = inNaturalOrder(reading.rows);
-    std::string text;
-    for (const auto& line :
-         table.asBlocks ? blockLines(table.columns, rows)
-                        : textLines(table.columns, rows, look, table.colourOf))
-    {
-        text.append(line) += '\n';
-    }
-    return text;
+    return table.asBlocks
+               ? blockLines(table.columns, rows)
+               : textLines(table.columns, rows, look,
+                           table.root.empty() ? nullptr : sensorColour);
 }
 
-void choose(Options& options)
+void choose(ShowOptions& options)
 {
     if (options.all == !options.tables.empty())
     {
@@ -71,7 +67,7 @@ void choose(Options& options)
     }
 }
 
-int show(Options& options)
+int show(ShowOptions& options)
 {
     choose(options);
     auto& look = options.look;
@@ -103,7 +99,7 @@ int show(Options& options)
         {
             print(look.asCsv
                       ? csvOf(table->columns, reading.rows, look.withTitles)
-                      : textOf(reading, look));
+                      : textOf(linesOf(reading, look)));
         }
     }
     if (look.asJson)
@@ -117,10 +113,9 @@ int show(Options& options)
 
 cli::Command showCommand()
 {
-    const auto options = std::make_shared<Options>();
+    const auto options = std::make_shared<ShowOptions>();
     const auto take = [options](const std::string& name) {
-        options->tables.push_back(
-            &*std::ranges::find(tables(), name, &Table::name));
+        options->tables.push_back(&tableNamed(name));
     };
     std::vector<cli::Parameter> parameters{
         {.names = "TABLE",
@@ -129,8 +124,7 @@ cli::Command showCommand()
          .isRepeated = true,
          .words = tableTerms()},
         cli::flag("--all", options->all, "Print all tables, empty ones too")};
-    std::ranges::move(lookOptions(options->look),
-                      std::back_inserter(parameters));
+    addOptions(parameters, options->look);
     parameters.push_back(timeoutOption(options->timeout));
     return {
         .name = "show",

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "table.hpp"
 
-#include "bus.hpp"
+#include "screen.hpp"
 
 #include <algorithm>
 #include <charconv>
@@ -14,36 +14,68 @@ namespace morvath::tools
 namespace
 {
 
-constexpr auto missing = "-";
-
-constexpr std::pair<std::string_view, std::string_view> unitSigns[]{
-    {"DegreesC", "°C"}, {"RPMS", "RPM"},       {"Volts", "V"},
-    {"Amperes", "A"},   {"Watts", "W"},        {"Percent", "%"},
-    {"Hertz", "Hz"},    {"Joules", "J"},       {"LPM", "l/min"},
-    {"Meters", "m"},    {"Pascals", "Pa"},     {"PercentRH", "%RH"},
-    {"Radians", "rad"}, {"AmpereHours", "Ah"},
-};
-
-std::vector<Table> allTables()
+/** The first of the properties in need that an object does not have. */
+std::string_view missingOf(std::string_view needs)
 {
-    std::vector<Table> all;
-    for (const auto ofAKind :
-         {inventoryTables, raidTables, sensorTables, networkTables})
+    while (!needs.empty())
     {
-        std::ranges::move(ofAKind(), std::back_inserter(all));
+        const auto need = needs.substr(0, needs.find(' '));
+        needs.remove_prefix(std::min(needs.size(), need.size() + 1));
+        const auto colon = std::min(need.find(':'), need.size());
+        const auto with = need.substr(std::min(colon + 1, need.size()));
+        if (!hasProperty(need.substr(0, colon)) &&
+            (with.empty() || hasProperty(with)))
+        {
+            return need.substr(0, colon);
+        }
     }
-    return all;
+    return {};
+}
+
+/** Why an object that was read all the same makes no record. */
+std::string defectOf(const Table& table, const std::exception& error)
+{
+    if (dynamic_cast<const std::out_of_range*>(&error))
+    {
+        return "a number does not fit";
+    }
+    if (dynamic_cast<const std::invalid_argument*>(&error))
+    {
+        return "a property that is to be a number is none";
+    }
+    if (!dynamic_cast<const std::logic_error*>(&error))
+    {
+        return error.what();
+    }
+    const std::string missing(missingOf(table.needs));
+    return missing.empty() ? "a property that is needed is missing"
+                           : "has no " + missing;
+}
+
+/** The reading of each object alone; those that fail are named. */
+void readOneByOne(TableReading& reading)
+{
+    const auto& table = *reading.table;
+    const auto objects = listedObjects();
+    for (std::size_t place = 0; place < objects.size(); ++place)
+    {
+        const OnlyObject only(place);
+        try
+        {
+            std::ranges::move(table.read(table),
+                              std::back_inserter(reading.rows));
+        }
+        catch (const std::exception& error)
+        {
+            const auto& failure = lastFailure();
+            reading.failures.push_back(
+                {objects[place],
+                 failure ? failure->reason : defectOf(table, error)});
+        }
+    }
 }
 
 } // namespace
-
-Value valueOf(char* text) { return text ? Value(text) : Value(); }
-
-Value valueOf(int32_t number) { return int64_t{number}; }
-
-Value valueOf(uint32_t number) { return int64_t{number}; }
-
-Value yesOrNo(int32_t flag) { return flag != 0; }
 
 std::string textOf(const Value& value)
 {
@@ -59,16 +91,8 @@ std::string textOf(const Value& value)
     {
         return *flag ? "yes" : "no";
     }
-    if (const auto* list = std::get_if<std::vector<std::string>>(&value))
-    {
-        std::string line;
-        for (const auto& part : *list)
-        {
-            line.append(line.empty() ? "" : " ").append(part);
-        }
-        return line;
-    }
-    return missing;
+    const auto* list = std::get_if<std::vector<std::string>>(&value);
+    return list ? joined(*list, " ") : "-";
 }
 
 std::optional<double> numberIn(const std::string& text)
@@ -82,17 +106,10 @@ std::optional<double> numberIn(const std::string& text)
                : std::nullopt;
 }
 
-std::string signOf(const std::string& unit)
+std::size_t columnOf(const Table& table, std::string_view key)
 {
-    const auto* found = std::ranges::find_if(
-        unitSigns, [&unit](const auto& one) { return one.first == unit; });
-    return std::string(found == std::end(unitSigns) ? unit : found->second);
-}
-
-const std::vector<Table>& tables()
-{
-    static const auto all = allTables();
-    return all;
+    return std::ranges::find(table.columns, key, &Column::key) -
+           table.columns.begin();
 }
 
 const char* Absent::what() const noexcept
@@ -120,6 +137,56 @@ void requireSuccess(int32_t code)
             throw std::runtime_error("the library reports code " +
                                      std::to_string(code));
     }
+}
+
+TableReading read(const Table& table, Absence absence)
+{
+    TableReading reading{&table};
+    try
+    {
+        beginReading(table.name);
+        reading.rows = table.read(table);
+    }
+    catch (const Absent& error)
+    {
+        if (absence == Absence::failure)
+        {
+            reading.failures.push_back({{}, error.what()});
+        }
+    }
+    catch (const std::exception& error)
+    {
+        const auto reason = reasonOf(error);
+        // Otherwise it is no object that failed.
+        if (lastFailure() || dynamic_cast<const std::logic_error*>(&error))
+        {
+            readOneByOne(reading);
+        }
+        if (reading.failures.empty() && reading.rows.empty())
+        {
+            reading.failures.push_back({{}, reason});
+        }
+    }
+    reading.isUnread = reading.rows.empty() && !reading.failures.empty();
+    return reading;
+}
+
+void complainAbout(const TableReading& reading)
+{
+    for (const auto& [object, message] : reading.failures)
+    {
+        const auto where = object.path.empty()
+                               ? ""
+                               : object.path + ": " + object.service + ": ";
+        complain(reading.table->name + ": " + where + message);
+    }
+}
+
+std::string reasonOf(const std::exception& error)
+{
+    const auto& failure = lastFailure();
+    return failure ? failure->object.service + ": " + failure->reason
+                   : error.what();
 }
 
 } // namespace morvath::tools

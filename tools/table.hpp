@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "bus.hpp"
+
 #include <cstdint>
 #include <exception>
-#include <functional>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <variant>
 #include <vector>
 
@@ -17,17 +18,13 @@ namespace morvath::tools
 /** What is shown; monostate for what is missing. */
 using Value = std::variant<std::monostate, bool, int64_t, std::string,
                            std::vector<std::string>>;
-
-// From the fields of the library's records.
-Value valueOf(char* text);
-Value valueOf(int32_t number);
-Value valueOf(uint32_t number);
-
-/** Yes or no, for a field that is 1 or 0. */
-Value yesOrNo(int32_t flag);
+using Cells = std::vector<Value>;
 
 /** A value for people, as it came. */
 std::string textOf(const Value& value);
+
+/** The number that a text is, as the library writes them. */
+std::optional<double> numberIn(const std::string& text);
 
 /** What a column holds. */
 enum class Form
@@ -42,64 +39,78 @@ enum class Form
     unit,
 };
 
-/** The number that a text is, as the library writes them. */
-std::optional<double> numberIn(const std::string& text);
-
-/** The sign of a unit, such as "°C" for "DegreesC". */
-std::string signOf(const std::string& unit);
-
 // How soon a column is left out where there is little room: the highest first,
 // 0 never, and the last only shown if everything is wanted.
 constexpr int always = 0;
 constexpr int seldom = 9;
 
+/** What a column is among the metrics. */
+struct Published
+{
+    enum
+    {
+        unpublished,
+        /** A label of all metrics of a row. */
+        identity,
+        /** A label of the metric that ends in "_info". */
+        info,
+        /** A metric; its factor comes from the column's unit. */
+        gauge,
+    } role = unpublished;
+    /** Without one, the key with underscores. Published, never changed. */
+    std::string_view name{};
+    std::string_view help{};
+};
+
 struct Column
 {
     /** The name in JSON; published, never changed. */
-    std::string key;
+    std::string_view key;
     /** The head of the column. */
-    std::string title;
-    Form form = Form::text;
+    std::string_view title;
+    /** The cell of a record of the table. */
+    Value (*read)(const void* record) = nullptr;
     int rank = 1;
+    Published metric{};
     /** What all its numbers count, such as "KiB". */
-    std::string unit{};
+    std::string_view unit{};
+    Form form = Form::text;
 };
 
-using Cells = std::vector<Value>;
-
-enum class Colour
-{
-    none,
-    red,
-    yellow,
-    faint,
-    bold,
-};
+using Columns = std::span<const Column>;
 
 /** One table of the platform, from its name to its rows. */
 struct Table
 {
     std::string name;
     std::string summary;
-    std::vector<Column> columns;
+    Columns columns;
     /** Raises std::exception when the table cannot be read. */
-    std::function<std::vector<Cells>()> read;
-    /** The colour of a row, if rows have any. */
-    Colour (*colourOf)(const Cells&) = nullptr;
+    std::vector<Cells> (*read)(const Table& table);
+    /** What a row is among the metrics, and how their names begin. */
+    std::string_view metric{};
+    std::string_view help{};
+    /**
+     * The properties without which a record cannot be, with blanks between;
+     * "a:b" for one that is needed only where there is b.
+     */
+    std::string_view needs{};
     /** Whether a record has so much to say that it is a paragraph. */
     bool asBlocks = false;
-    /** Properties that a record needs; of the second only with the first. */
-    std::vector<std::pair<std::string, std::string>> needs{};
+    /** Of sensors, where they are and how the metric of a reading ends. */
+    std::string root{};
+    std::string_view reading{};
 };
 
 /** All tables, in the order in which help and "--all" show them. */
 const std::vector<Table>& tables();
+const Table& tableNamed(std::string_view name);
 
-// The tables by kind, of which all are made.
-std::vector<Table> inventoryTables();
-std::vector<Table> raidTables();
+/** The place of a column in a row. */
+std::size_t columnOf(const Table& table, std::string_view key);
+
+/** The tables of the usual six classes of sensors. */
 std::vector<Table> sensorTables();
-std::vector<Table> networkTables();
 
 /** The platform has nothing of a kind. */
 struct Absent : std::exception
@@ -109,5 +120,38 @@ struct Absent : std::exception
 
 /** Raises what a status code of the library stands for, unless it is 0. */
 void requireSuccess(int32_t code);
+
+/** What could not be read; an object without a path is the whole. */
+struct Failure
+{
+    Object object;
+    std::string message;
+};
+
+/** A table's rows, and what is missing among them. */
+struct TableReading
+{
+    const Table* table;
+    std::vector<Cells> rows{};
+    std::vector<Failure> failures{};
+    /** Whether nothing at all could be read. */
+    bool isUnread = false;
+};
+
+/** What a kind of thing that the platform does not have counts as. */
+enum class Absence
+{
+    failure,
+    emptyTable,
+};
+
+/** When a table fails, its objects are asked one by one. */
+TableReading read(const Table& table, Absence absence);
+
+/** Says on standard error what could not be read. */
+void complainAbout(const TableReading& reading);
+
+/** Why the reading of something failed: what the bus says, or the error. */
+std::string reasonOf(const std::exception& error);
 
 } // namespace morvath::tools

@@ -1,14 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "support/machine.hpp"
 #include "support/program.hpp"
+#include "tools/running.hpp"
 
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <array>
-#include <csignal>
-#include <cstdio>
 
 namespace morvath::tests
 {
@@ -117,45 +114,6 @@ TEST(Sensors, AreColouredWhereThatIsWanted)
     EXPECT_EQ(run("MORVATH", "sensors").output.find('\x1b'), std::string::npos);
 }
 
-TEST(Sensors, AreReadAgainUntilASignal)
-{
-    auto machine = sensorsInAllStates();
-    sim::Platform platform(machine.scenario());
-    for (const auto signal : {SIGINT, SIGTERM})
-    {
-        std::array<int, 2> ends;
-        ASSERT_EQ(pipe(ends.data()), 0);
-        const auto process = fork();
-        if (process == 0)
-        {
-            dup2(ends[1], STDOUT_FILENO);
-            execl("/bin/sh", "sh", "-c",
-                  "exec $MORVATH sensors --json --watch 0.01", nullptr);
-            _exit(127);
-        }
-        close(ends[1]);
-        FILE* output = fdopen(ends[0], "r");
-        std::array<char, 10'000> line{};
-        int rounds = 0;
-        while (std::fgets(line.data(), line.size(), output))
-        {
-            const std::string round = line.data();
-            EXPECT_TRUE(round.ends_with("\n"));
-            EXPECT_EQ(Json::parse(round)["tables"]["pwms"][0]["value"], 12.35);
-            if (++rounds == 2)
-            {
-                kill(process, signal);
-            }
-        }
-        std::fclose(output);
-        int status = -1;
-        waitpid(process, &status, 0);
-        EXPECT_GE(rounds, 2);
-        EXPECT_TRUE(WIFEXITED(status)) << status;
-        EXPECT_EQ(WEXITSTATUS(status), 0);
-    }
-}
-
 TEST(Sensors, StandInForNoneThatCouldNotBeRead)
 {
     Machine machine;
@@ -170,6 +128,35 @@ TEST(Sensors, StandInForNoneThatCouldNotBeRead)
         "morvath: currents: /xyz/openbmc_project/sensors/current/a: "
         "com.example.Sensors: org.freedesktop.DBus.Error.UnknownObject"))
         << shown.errors;
+}
+
+TEST(Sensors, CostNoMoreThanTheirTexts)
+{
+    constexpr std::size_t sensors = 200;
+    const std::string longName(1'000'000, 'n');
+    std::array<long, 2> memory{};
+    for (const bool isLong : {false, true})
+    {
+        Machine machine;
+        for (std::size_t i = 0; i < sensors; ++i)
+        {
+            addSensor(machine, "current/s" + std::to_string(i), 1,
+                      i == 0 && isLong ? Json{{"Name", text(longName)}}
+                                       : Json::object());
+        }
+        sim::Platform platform(machine.scenario());
+        EXPECT_LT(run("MORVATH", "sensors").output.size(), 40 * sensors * 4);
+        Running json("sensors --json");
+        std::size_t size = 0;
+        for (std::string line; !(line = json.line()).empty();)
+        {
+            size += line.size();
+        }
+        EXPECT_LT(size, 600 * sensors + isLong * longName.size());
+        memory.at(isLong) = json.end().ru_maxrss;
+    }
+    // In KiB; much less than the name once for each sensor.
+    EXPECT_LT(memory[1] - memory[0], 60'000);
 }
 
 } // namespace

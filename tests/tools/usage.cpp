@@ -8,7 +8,7 @@
 #include <sys/un.h>
 #include <unistd.h>
 
-#include <cstring>
+#include <cstddef>
 #include <sstream>
 
 namespace morvath::tests
@@ -190,36 +190,30 @@ TEST(Usage, NeedsNoBusToTellOfItself)
 
 TEST(Usage, SaysWhatIsWrongWithABus)
 {
-    // They accept the connection, and say nothing or go away.
-    struct
-    {
-        const char* bus;
-        const char* error;
-    } const cases[]{
-        {"/tmp/morvath-mute", ": no answer within 0.2 s; restart the bus"},
-        {"/tmp/morvath-none", ": No such file or directory; start the bus"},
-    };
+    // It accepts connections, and says nothing.
     sockaddr_un address{AF_UNIX, {}};
-    std::strcpy(address.sun_path, cases[0].bus);
-    unlink(address.sun_path);
-    const int mute = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    ASSERT_EQ(
-        bind(mute, reinterpret_cast<sockaddr*>(&address), sizeof(address)), 0);
-    ASSERT_EQ(listen(mute, 1), 0);
+    const auto mute = "morvath-mute-" + std::to_string(getpid());
+    mute.copy(address.sun_path + 1, mute.size());
+    const int listener = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    ASSERT_EQ(bind(listener, reinterpret_cast<sockaddr*>(&address),
+                   offsetof(sockaddr_un, sun_path) + 1 + mute.size()),
+              0);
+    ASSERT_EQ(listen(listener, 1), 0);
+    const std::pair<std::string, const char*> cases[]{
+        {"unix:abstract=" + mute, ": no answer within 0.2 s; restart the bus"},
+        {"unix:path=/none", ": No such file or directory; start the bus"},
+    };
     for (const auto& [bus, error] : cases)
     {
         const auto failed =
-            run("env DBUS_SESSION_BUS_ADDRESS=unix:path=" + std::string(bus) +
-                    " MORVATH",
+            run("env DBUS_SESSION_BUS_ADDRESS=" + bus + " MORVATH",
                 "sensors --timeout 0.2");
         EXPECT_EQ(failed.status, 1) << bus;
         EXPECT_TRUE(failed.errors.starts_with(
-            "morvath: cannot connect to the bus at unix:path=" +
-            std::string(bus) + error))
+            "morvath: cannot connect to the bus at " + bus + error))
             << failed.errors;
     }
-    close(mute);
-    unlink(address.sun_path);
+    close(listener);
 }
 
 } // namespace

@@ -34,7 +34,7 @@ std::string_view escaped(const cli::Character& character)
     }
 }
 
-std::string textOf(double value)
+std::string sampleText(double value)
 {
     if (std::isinf(value))
     {
@@ -63,7 +63,7 @@ void Metric::add(std::string_view labels, double value)
     {
         samples.append("{").append(labels).append("}");
     }
-    samples.append(" ").append(textOf(value)).append("\n");
+    samples.append(" ").append(sampleText(value)).append("\n");
 }
 
 Metric& Exposition::metric(std::string name, std::string_view help)

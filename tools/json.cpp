@@ -71,7 +71,7 @@ Json documentOf(const char* things)
             {"errors", Json::array()}};
 }
 
-std::string textOf(const Json& document, bool inOneLine)
+std::string documentText(const Json& document, bool inOneLine)
 {
     // Not every source of texts keeps to UTF-8; the document does.
     constexpr auto strict = false;
@@ -121,7 +121,7 @@ std::string jsonOf(const std::vector<TableReading>& tables, bool inOneLine)
             document["errors"].push_back(std::move(error));
         }
     }
-    return textOf(document, inOneLine);
+    return documentText(document, inOneLine);
 }
 
 std::string jsonOf(const std::vector<FactReading>& facts)
@@ -136,7 +136,7 @@ std::string jsonOf(const std::vector<FactReading>& facts)
                 {{"fact", fact->name}, {"message", *failure}});
         }
     }
-    return textOf(document, false);
+    return documentText(document, false);
 }
 
 std::string csvOf(Columns columns, const std::vector<Cells>& rows,
@@ -161,7 +161,7 @@ std::string csvOf(Columns columns, const std::vector<Cells>& rows,
         }
         lines.push_back(joined(cells, ","));
     }
-    return tools::textOf(lines);
+    return textOf(lines);
 }
 
 std::string hostName()

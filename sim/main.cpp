@@ -7,10 +7,12 @@
 
 #include <nlohmann/json.hpp>
 
+#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <exception>
 #include <memory>
 #include <stdexcept>
@@ -24,14 +26,13 @@ namespace
 using namespace morvath::sim;
 namespace cli = morvath::cli;
 
-constexpr auto program = "morvath-sim";
 constexpr auto daemonName = "dbus-daemon";
 constexpr auto brokerName = "dbus-broker";
 constexpr auto busVariable = "MORVATH_SIM_BUS";
 
 struct Options
 {
-    std::string scenario;
+    std::string scenario = "default";
     std::string log;
     std::string address;
     std::vector<std::string> command;
@@ -41,12 +42,7 @@ struct Options
     RecordOptions record;
 };
 
-struct CloseFile
-{
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
-
-using File = std::unique_ptr<std::FILE, CloseFile>;
+using File = std::unique_ptr<std::FILE, Releaser<std::fclose>>;
 
 /** No file without a name. */
 File openLog(const std::string& name)
@@ -59,10 +55,33 @@ File openLog(const std::string& name)
     return file;
 }
 
-Scenario chosenScenario(const Options& options)
+/** In UTC, to the microsecond. */
+std::string stampOf(std::chrono::system_clock::time_point time)
 {
-    return options.scenario.empty() ? Scenario::standard()
-                                    : Scenario::load(options.scenario);
+    using namespace std::chrono;
+    const auto seconds = system_clock::to_time_t(time);
+    const auto rest = duration_cast<microseconds>(time.time_since_epoch()) % 1s;
+    std::tm fields{};
+    gmtime_r(&seconds, &fields);
+    std::array<char, 64> text{};
+    const auto length =
+        std::strftime(text.data(), text.size(), "%FT%T", &fields);
+    std::snprintf(text.data() + length, text.size() - length, ".%06dZ",
+                  static_cast<int>(rest.count()));
+    return text.data();
+}
+
+std::string lineOf(const Call& call)
+{
+    Json line{{"time", stampOf(call.time)},   {"caller", call.caller},
+              {"service", call.service},      {"path", call.path},
+              {"interface", call.interface},  {"member", call.member},
+              {"arguments", *call.arguments}, {"outcome", call.outcome}};
+    if (!call.fault.empty())
+    {
+        line["fault"] = call.fault;
+    }
+    return line.dump() + '\n';
 }
 
 cli::Parameter scenarioOption(Options& options)
@@ -83,7 +102,7 @@ std::vector<cli::Parameter> servingOptions(Options& options)
 
 int checkScenario(const Options& options)
 {
-    const auto scenario = chosenScenario(options);
+    const auto scenario = Scenario::load(options.scenario);
     if (options.raidOnly)
     {
         std::puts(scenario.raid->dump(2).c_str());
@@ -104,7 +123,7 @@ int checkScenario(const Options& options)
 template <typename Serving>
 int withLog(const Options& options, const Serving& serving)
 {
-    const auto scenario = chosenScenario(options);
+    const auto scenario = Scenario::load(options.scenario);
     const auto log = openLog(options.log);
     RunOptions run{.log = {},
                    .strict = options.strict,
@@ -114,17 +133,16 @@ int withLog(const Options& options, const Serving& serving)
     {
         // Flushed, so that a log can be followed and survives a kill.
         run.log = [&](const Call& call) {
-            std::fputs((toLine(call) + '\n').c_str(), log.get());
+            std::fputs(lineOf(call).c_str(), log.get());
             std::fflush(log.get());
         };
     }
-    blockEndSignals();
     const int status = serving(scenario, run);
     if (!log || std::ferror(log.get()) == 0)
     {
         return status;
     }
-    cli::complain(program, "the log could not be written");
+    cli::complain(programName, "the log could not be written");
     return status == EXIT_SUCCESS ? EXIT_FAILURE : status;
 }
 
@@ -237,7 +255,7 @@ int parseAndExecute(int argc, char** argv)
     Options options;
     return cli::run(
         {
-            .name = program,
+            .name = programName,
             .meaning = "Simulates the services of a managed server on a bus.",
             .commands = {runOf(options), serveOf(options), checkOf(options),
                          recordCommand(options.record)},
@@ -252,7 +270,7 @@ int allWritten(int status)
     {
         return status;
     }
-    cli::complain(program, "standard output could not be written");
+    cli::complain(programName, "standard output could not be written");
     return status == EXIT_SUCCESS ? EXIT_FAILURE : status;
 }
 
@@ -266,12 +284,12 @@ int main(int argc, char** argv)
     }
     catch (const ScenarioError& error)
     {
-        cli::complain(program, error.what());
+        cli::complain(programName, error.what());
         return cli::misused;
     }
     catch (const std::exception& error)
     {
-        cli::complain(program, error.what());
+        cli::complain(programName, error.what());
         return EXIT_FAILURE;
     }
 }

@@ -6,8 +6,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <exception>
-#include <iterator>
-#include <optional>
+#include <utility>
 
 namespace morvath::sim
 {
@@ -15,7 +14,6 @@ namespace
 {
 
 constexpr auto mapperInterface = mapperService;
-constexpr auto subTreeReply = "a{sa{sas}}";
 
 BusError notFound()
 {
@@ -23,212 +21,151 @@ BusError notFound()
             "The resource is not found."};
 }
 
-bool hasOneOf(const Mapper::InterfaceNames& interfaces,
-              const Mapper::Wanted& wanted)
+bool hasOneOf(const Mapper::Names& interfaces, const Mapper::Names& wanted)
 {
-    return wanted.empty() ||
-           std::ranges::any_of(wanted, [&](const std::string& name) {
+    return wanted.empty() || std::ranges::any_of(wanted, [&](const auto& name) {
                return std::ranges::binary_search(interfaces, name);
            });
 }
 
-bool hasOneOf(const Mapper::Owners& owners, const Mapper::Wanted& wanted)
+bool hasOneOf(const Mapper::Owners& owners, const Mapper::Names& wanted)
 {
     return std::ranges::any_of(owners, [&](const auto& owner) {
-        return hasOneOf(owner.second, wanted);
+        return hasOneOf(*owner.second, wanted);
     });
 }
 
-std::string_view withoutSlash(std::string_view path)
+/** The paths of the nodes above, from the root down. */
+template <typename Action>
+void forEachParent(std::string_view path, const Action& action)
 {
-    return path.ends_with('/') ? path.substr(0, path.size() - 1) : path;
+    constexpr std::size_t root = 1;
+    for (std::size_t end = 0; end != path.npos && path.size() > root;
+         end = path.find('/', end + 1))
+    {
+        action(path.substr(0, std::max(end, root)));
+    }
 }
 
 // What follows appends to a reply, which is thrown away after a failure.
 
-void open(sd_bus_message* message, char type, const char* contents)
+template <typename Contents>
+void appendContainer(sd_bus_message* reply, char type, const char* types,
+                     const Contents& contents)
 {
-    check(sd_bus_message_open_container(message, type, contents),
-          "sd_bus_message_open_container");
+    check(sd_bus_message_open_container(reply, type, types));
+    contents();
+    check(sd_bus_message_close_container(reply));
 }
 
-void close(sd_bus_message* message)
+/** @param[in] text  ends with a zero */
+void appendText(sd_bus_message* reply, std::string_view text)
 {
-    check(sd_bus_message_close_container(message),
-          "sd_bus_message_close_container");
-}
-
-void appendText(sd_bus_message* message, const std::string& text)
-{
-    check(sd_bus_message_append_basic(message, 's', text.c_str()),
-          "sd_bus_message_append_basic");
+    check(sd_bus_message_append_basic(reply, 's', text.data()));
 }
 
 void appendOwners(sd_bus_message* reply, const Mapper::Owners& owners,
-                  const Mapper::Wanted& wanted)
+                  const Mapper::Names& wanted)
 {
-    open(reply, 'a', "{sas}");
-    for (const auto& [service, interfaces] : owners)
-    {
-        if (hasOneOf(interfaces, wanted))
+    appendContainer(reply, 'a', "{sas}", [&] {
+        for (const auto& [service, interfaces] : owners)
         {
-            open(reply, 'e', "sas");
-            appendText(reply, service);
-            open(reply, 'a', "s");
-            for (const auto& interface : interfaces)
+            if (!hasOneOf(*interfaces, wanted))
             {
-                appendText(reply, interface);
+                continue;
             }
-            close(reply);
-            close(reply);
+            appendContainer(reply, 'e', "sas", [&] {
+                appendText(reply, service);
+                appendContainer(reply, 'a', "s", [&] {
+                    for (const auto& interface : *interfaces)
+                    {
+                        appendText(reply, interface);
+                    }
+                });
+            });
         }
-    }
-    close(reply);
+    });
 }
 
 void appendTree(sd_bus_message* reply, const Mapper::Entries& entries,
-                const Mapper::Wanted& wanted)
+                const Mapper::Names& wanted)
 {
-    open(reply, 'a', "{sa{sas}}");
-    for (const auto* entry : entries)
-    {
-        open(reply, 'e', "sa{sas}");
-        appendText(reply, entry->first);
-        appendOwners(reply, entry->second, wanted);
-        close(reply);
-    }
-    close(reply);
-}
-
-void appendPaths(sd_bus_message* reply, const Mapper::Entries& entries,
-                 const Mapper::Wanted&)
-{
-    open(reply, 'a', "s");
-    for (const auto* entry : entries)
-    {
-        appendText(reply, entry->first);
-    }
-    close(reply);
-}
-
-/** Reads the arguments of a call, which sd-bus has checked, one by one. */
-class Arguments
-{
-  public:
-    explicit Arguments(sd_bus_message* call) : call(call) {}
-
-    std::string text() { return basic<const char*>('s'); }
-
-    std::string path() { return basic<const char*>('o'); }
-
-    int32_t number() { return basic<int32_t>('i'); }
-
-    Mapper::Wanted texts()
-    {
-        Mapper::Wanted list;
-        check(sd_bus_message_enter_container(call, 'a', "s"),
-              "sd_bus_message_enter_container");
-        while (check(sd_bus_message_at_end(call, false),
-                     "sd_bus_message_at_end") == 0)
+    appendContainer(reply, 'a', "{sa{sas}}", [&] {
+        for (const auto* entry : entries)
         {
-            list.push_back(text());
+            appendContainer(reply, 'e', "sa{sas}", [&] {
+                appendText(reply, entry->first);
+                appendOwners(reply, entry->second, wanted);
+            });
         }
-        check(sd_bus_message_exit_container(call),
-              "sd_bus_message_exit_container");
-        return list;
-    }
-
-  private:
-    template <typename Value>
-    Value basic(char type)
-    {
-        Value value{};
-        check(sd_bus_message_read_basic(call, type, &value),
-              "sd_bus_message_read_basic");
-        return value;
-    }
-
-    sd_bus_message* call;
-};
-
-using Append = void (*)(sd_bus_message* reply, const Mapper::Entries& entries,
-                        const Mapper::Wanted& wanted);
-
-void getObject(const Mapper& mapper, Arguments call, sd_bus_message* reply)
-{
-    const auto path = call.text();
-    const auto wanted = call.texts();
-    appendOwners(reply, mapper.object(path, wanted), wanted);
-}
-
-void getAncestors(const Mapper& mapper, Arguments call, sd_bus_message* reply)
-{
-    const auto path = call.text();
-    const auto wanted = call.texts();
-    appendTree(reply, mapper.ancestors(path, wanted), wanted);
-}
-
-template <Append append>
-void getSubTree(const Mapper& mapper, Arguments call, sd_bus_message* reply)
-{
-    const auto root = call.text();
-    const auto depth = call.number();
-    const auto wanted = call.texts();
-    append(reply, mapper.subTree(root, depth, wanted), wanted);
-}
-
-template <Append append>
-void getAssociated(const Mapper& mapper, Arguments call, sd_bus_message* reply)
-{
-    const auto association = call.path();
-    const auto root = call.path();
-    const auto depth = call.number();
-    const auto wanted = call.texts();
-    append(reply,
-           mapper.endpoints(association, mapper.subTree(root, depth, wanted)),
-           wanted);
-}
-
-/** The association is that of all objects with a name below a path. */
-template <Append append>
-void getAssociatedById(const Mapper& mapper, Arguments call,
-                       sd_bus_message* reply)
-{
-    const auto name = '/' + call.text();
-    const auto root = call.text();
-    const auto objectWanted = call.texts();
-    const auto association = '/' + call.text();
-    const auto wanted = call.texts();
-    const auto all = mapper.subTree("/", 0, wanted);
-    Mapper::Entries found;
-    for (const auto* object : mapper.subTree(root, 0, objectWanted))
-    {
-        if (object->first.ends_with(name))
-        {
-            std::ranges::copy(
-                mapper.endpoints(object->first + association, all),
-                std::back_inserter(found));
-        }
-    }
-    std::ranges::sort(found, {}, [](const auto* entry) -> const std::string& {
-        return entry->first;
     });
-    found.erase(std::unique(found.begin(), found.end()), found.end());
-    append(reply, found, wanted);
 }
 
-using Method = void (*)(const Mapper& mapper, Arguments call,
-                        sd_bus_message* reply);
+void appendPaths(sd_bus_message* reply, const Mapper::Entries& entries)
+{
+    appendContainer(reply, 'a', "s", [&] {
+        for (const auto* entry : entries)
+        {
+            appendText(reply, entry->first);
+        }
+    });
+}
 
-/** What sd-bus calls for a method. */
-template <Method method>
-int answer(sd_bus_message* call, void* mapper, sd_bus_error* error) noexcept
+} // namespace
+
+Mapper::Mapper(Services& services) : Service(services, mapperService) {}
+
+void Mapper::prepare()
+{
+    constexpr uint64_t everybody = SD_BUS_VTABLE_UNPRIVILEGED;
+    static constexpr sd_bus_vtable table[]{
+        SD_BUS_VTABLE_START(0),
+        SD_BUS_METHOD_WITH_ARGS(
+            "GetObject", SD_BUS_ARGS("s", path, "as", interfaces),
+            SD_BUS_RESULT("a{sas}", services), onCall, everybody),
+        SD_BUS_METHOD_WITH_ARGS(
+            "GetAncestors", SD_BUS_ARGS("s", path, "as", interfaces),
+            SD_BUS_RESULT("a{sa{sas}}", objects), onCall, everybody),
+        SD_BUS_METHOD_WITH_ARGS(
+            "GetSubTree",
+            SD_BUS_ARGS("s", subtree, "i", depth, "as", interfaces),
+            SD_BUS_RESULT("a{sa{sas}}", objects), onCall, everybody),
+        SD_BUS_METHOD_WITH_ARGS(
+            "GetSubTreePaths",
+            SD_BUS_ARGS("s", subtree, "i", depth, "as", interfaces),
+            SD_BUS_RESULT("as", paths), onCall, everybody),
+        SD_BUS_METHOD_WITH_ARGS("GetAssociatedSubTree",
+                                SD_BUS_ARGS("o", association, "o", subtree, "i",
+                                            depth, "as", interfaces),
+                                SD_BUS_RESULT("a{sa{sas}}", objects), onCall,
+                                everybody),
+        SD_BUS_METHOD_WITH_ARGS("GetAssociatedSubTreePaths",
+                                SD_BUS_ARGS("o", association, "o", subtree, "i",
+                                            depth, "as", interfaces),
+                                SD_BUS_RESULT("as", paths), onCall, everybody),
+        SD_BUS_METHOD_WITH_ARGS(
+            "GetAssociatedSubTreeById",
+            SD_BUS_ARGS("s", id, "s", subtree, "as", interfaces, "s",
+                        association, "as", endpoint_interfaces),
+            SD_BUS_RESULT("a{sa{sas}}", objects), onCall, everybody),
+        SD_BUS_METHOD_WITH_ARGS("GetAssociatedSubTreePathsById",
+                                SD_BUS_ARGS("s", id, "s", subtree, "as",
+                                            interfaces, "s", association, "as",
+                                            endpoint_interfaces),
+                                SD_BUS_RESULT("as", paths), onCall, everybody),
+        SD_BUS_VTABLE_END,
+    };
+    methods = addTable(mapperPath, mapperInterface, table, this);
+}
+
+int Mapper::onCall(sd_bus_message* call, void* self,
+                   sd_bus_error* error) noexcept
 {
     try
     {
         const auto reply = newReply(call);
-        method(*static_cast<const Mapper*>(mapper), Arguments(call),
-               reply.get());
+        static_cast<const Mapper*>(self)->answer(
+            reply.get(), sd_bus_message_get_member(call), readJsonList(call));
         return sd_bus_send(nullptr, reply.get(), nullptr);
     }
     catch (const BusError& refusal)
@@ -241,117 +178,151 @@ int answer(sd_bus_message* call, void* mapper, sd_bus_error* error) noexcept
     }
 }
 
-constexpr uint64_t everybody = SD_BUS_VTABLE_UNPRIVILEGED;
-
-constexpr sd_bus_vtable table[]{
-    SD_BUS_VTABLE_START(0),
-    SD_BUS_METHOD_WITH_NAMES(
-        "GetObject", "sas", SD_BUS_PARAM(path) SD_BUS_PARAM(interfaces),
-        "a{sas}", SD_BUS_PARAM(services), answer<getObject>, everybody),
-    SD_BUS_METHOD_WITH_NAMES(
-        "GetAncestors", "sas", SD_BUS_PARAM(path) SD_BUS_PARAM(interfaces),
-        subTreeReply, SD_BUS_PARAM(objects), answer<getAncestors>, everybody),
-    SD_BUS_METHOD_WITH_NAMES("GetSubTree", "sias",
-                             SD_BUS_PARAM(subtree) SD_BUS_PARAM(depth)
-                                 SD_BUS_PARAM(interfaces),
-                             subTreeReply, SD_BUS_PARAM(objects),
-                             answer<getSubTree<appendTree>>, everybody),
-    SD_BUS_METHOD_WITH_NAMES(
-        "GetSubTreePaths", "sias",
-        SD_BUS_PARAM(subtree) SD_BUS_PARAM(depth) SD_BUS_PARAM(interfaces),
-        "as", SD_BUS_PARAM(paths), answer<getSubTree<appendPaths>>, everybody),
-    SD_BUS_METHOD_WITH_NAMES("GetAssociatedSubTree", "ooias",
-                             SD_BUS_PARAM(association) SD_BUS_PARAM(subtree)
-                                 SD_BUS_PARAM(depth) SD_BUS_PARAM(interfaces),
-                             subTreeReply, SD_BUS_PARAM(objects),
-                             answer<getAssociated<appendTree>>, everybody),
-    SD_BUS_METHOD_WITH_NAMES("GetAssociatedSubTreePaths", "ooias",
-                             SD_BUS_PARAM(association) SD_BUS_PARAM(subtree)
-                                 SD_BUS_PARAM(depth) SD_BUS_PARAM(interfaces),
-                             "as", SD_BUS_PARAM(paths),
-                             answer<getAssociated<appendPaths>>, everybody),
-    SD_BUS_METHOD_WITH_NAMES(
-        "GetAssociatedSubTreeById", "ssassas",
-        SD_BUS_PARAM(id) SD_BUS_PARAM(subtree) SD_BUS_PARAM(interfaces)
-            SD_BUS_PARAM(association) SD_BUS_PARAM(endpoint_interfaces),
-        subTreeReply, SD_BUS_PARAM(objects),
-        answer<getAssociatedById<appendTree>>, everybody),
-    SD_BUS_METHOD_WITH_NAMES(
-        "GetAssociatedSubTreePathsById", "ssassas",
-        SD_BUS_PARAM(id) SD_BUS_PARAM(subtree) SD_BUS_PARAM(interfaces)
-            SD_BUS_PARAM(association) SD_BUS_PARAM(endpoint_interfaces),
-        "as", SD_BUS_PARAM(paths), answer<getAssociatedById<appendPaths>>,
-        everybody),
-    SD_BUS_VTABLE_END,
-};
-
-/** What a service shows of an object, or of a mere parent node. */
-Mapper::InterfaceNames namesOf(const std::vector<Interface>& interfaces)
+/** @param[in] arguments  of the types that sd-bus has checked */
+void Mapper::answer(sd_bus_message* reply, std::string_view method,
+                    const Json& arguments) const
 {
-    Mapper::InterfaceNames names(standardInterfaces.begin(),
-                                 standardInterfaces.end());
-    std::ranges::transform(interfaces, std::back_inserter(names),
-                           &Interface::name);
-    std::ranges::sort(names);
-    return names;
-}
-
-/** The path of the node above; "/" is its own. */
-std::string_view parentOf(std::string_view path)
-{
-    const auto slash = path.rfind('/');
-    return path.substr(0, slash == 0 ? 1 : slash);
-}
-
-template <typename Action>
-void forEachParent(std::string_view path, const Action& action)
-{
-    while (path != "/")
+    const std::string first = arguments.front();
+    const auto wanted = arguments.back().get<Names>();
+    if (method == "GetObject")
     {
-        path = parentOf(path);
-        action(std::string(path));
+        const auto found = index.find(first);
+        if (found == index.end() || !hasOneOf(found->second, wanted))
+        {
+            throw notFound();
+        }
+        return appendOwners(reply, found->second, wanted);
     }
+    Entries found;
+    if (method == "GetAncestors")
+    {
+        found = above(first, wanted);
+    }
+    else if (method.starts_with("GetSubTree"))
+    {
+        found = below(first, arguments[1], wanted);
+    }
+    else
+    {
+        const auto isById = method.ends_with("ById");
+        const auto ends = isById ? endpointsById(arguments) : endpoints(first);
+        found = isById ? below("/", 0, wanted)
+                       : below(arguments[1].get_ref<const std::string&>(),
+                               arguments[2], wanted);
+        std::erase_if(found, [&](const auto* entry) {
+            return !ends.contains(entry->first);
+        });
+    }
+    method.find("Paths") != method.npos ? appendPaths(reply, found)
+                                        : appendTree(reply, found, wanted);
 }
 
-} // namespace
-
-Mapper::Mapper(Services& services) : Service(services, mapperService) {}
-
-void Mapper::prepare()
+/**
+ * The root is a text, not a path: one slash too many is forgiven, and what no
+ * path could be is just not found. Two of them alone are the root object, below
+ * which nothing begins with two.
+ */
+std::string_view Mapper::known(std::string_view path) const
 {
-    sd_bus_slot* slot = nullptr;
-    check(sd_bus_add_object_vtable(connection(), &slot, mapperPath,
-                                   mapperInterface, table, this),
-          "sd_bus_add_object_vtable");
-    methods.reset(slot);
+    const auto top = path.substr(0, path.size() - path.ends_with('/'));
+    if (!top.empty() && !index.contains(top))
+    {
+        throw notFound();
+    }
+    return top;
+}
+
+/** @param[in] depth  how many segments below; 0 and less: all */
+Mapper::Entries Mapper::below(std::string_view root, int32_t depth,
+                              const Names& wanted) const
+{
+    // Every character of a path sorts after the slash, so a subtree is one
+    // run of entries, and a name that only begins alike is no part of it.
+    const auto prefix = std::string(known(root)) + '/';
+    Entries found;
+    for (auto entry = index.lower_bound(prefix);
+         entry != index.end() && entry->first.starts_with(prefix); ++entry)
+    {
+        const auto rest = std::string_view(entry->first).substr(prefix.size());
+        if ((depth <= 0 || std::ranges::count(rest, '/') < depth) &&
+            hasOneOf(entry->second, wanted))
+        {
+            found.push_back(&*entry);
+        }
+    }
+    return found;
+}
+
+Mapper::Entries Mapper::above(std::string_view path, const Names& wanted) const
+{
+    Entries found;
+    forEachParent(known(path), [&](std::string_view parent) {
+        const auto entry = index.find(parent);
+        if (entry != index.end() && hasOneOf(entry->second, wanted))
+        {
+            found.push_back(&*entry);
+        }
+    });
+    return found;
+}
+
+std::set<std::string> Mapper::endpoints(const std::string& association) const
+{
+    const auto found = present.find(association);
+    return found == present.end() ? std::set<std::string>() : found->second;
+}
+
+/** Those of all objects with a name below a path. */
+std::set<std::string> Mapper::endpointsById(const Json& arguments) const
+{
+    const auto text = [&](std::size_t position) -> const std::string& {
+        return arguments[position].get_ref<const std::string&>();
+    };
+    std::set<std::string> ends;
+    for (const auto* object : below(text(1), 0, arguments[2].get<Names>()))
+    {
+        if (object->first.ends_with('/' + text(0)))
+        {
+            ends.merge(endpoints(object->first + '/' + text(3)));
+        }
+    }
+    return ends;
 }
 
 void Mapper::update()
 {
-    entries.clear();
+    index.clear();
+    const auto* standard = interned({});
     for (const auto& service : services.all)
     {
         // The bus's own services are no part of the platform.
-        if (service->isAlive() &&
-            !service->name.starts_with("org.freedesktop."))
+        if (!service->isAlive() ||
+            service->name.starts_with("org.freedesktop."))
         {
-            index(*service);
+            continue;
+        }
+        for (const auto& [path, object] : service->objects())
+        {
+            index[path][service->name] = interned(object.interfaces);
+            forEachParent(path, [&](std::string_view parent) {
+                index[std::string(parent)].emplace(service->name, standard);
+            });
         }
     }
-    const auto now = associations();
-    publish(now);
-    indexOwn(now);
+    publish(associations());
+    indexOwn();
 }
 
-void Mapper::index(const Service& service)
+/** What a service shows of an object; of none, a mere parent node. */
+const Mapper::Names* Mapper::interned(const std::vector<Interface>& interfaces)
 {
-    for (const auto path : service.paths())
+    Names all(standardInterfaces.begin(), standardInterfaces.end());
+    for (const auto& interface : interfaces)
     {
-        entries[std::string(path)][service.name] = namesOf(*service.find(path));
-        forEachParent(path, [&](const std::string& parent) {
-            entries[parent].emplace(service.name, namesOf({}));
-        });
+        all.push_back(interface.name);
     }
+    std::ranges::sort(all);
+    return &*names.insert(std::move(all)).first;
 }
 
 Mapper::Associations Mapper::associations() const
@@ -368,16 +339,17 @@ Mapper::Associations Mapper::associations() const
     };
     for (const auto& service : services.all)
     {
-        for (const auto view : service->isAlive()
-                                   ? service->paths()
-                                   : std::vector<std::string_view>())
+        if (!service->isAlive())
         {
-            const std::string path(view);
+            continue;
+        }
+        for (const auto& [path, object] : service->objects())
+        {
             for (const auto& [forward, backward, endpoint] :
-                 associationsOf(*service->find(view)))
+                 associationsOf(object.interfaces))
             {
                 // One waits until its other end is there.
-                if (entries.contains(endpoint))
+                if (index.contains(endpoint))
                 {
                     add(path, forward, endpoint);
                     add(endpoint, backward, path);
@@ -390,18 +362,17 @@ Mapper::Associations Mapper::associations() const
 
 void Mapper::publish(const Associations& associations)
 {
-    for (const auto& [path, endpoints] : published)
+    for (const auto& [path, ends] : std::exchange(present, associations))
     {
         if (!associations.contains(path))
         {
             remove(path);
         }
     }
-    for (const auto& [path, endpoints] : associations)
+    for (const auto& [path, ends] : associations)
     {
-        const Json value = endpoints;
-        if (auto* own =
-                Service::find({path, associationInterface, "endpoints"}))
+        const Json value = ends;
+        if (auto* own = find({path, associationInterface, "endpoints"}))
         {
             change(path, associationInterface, *own, value);
             continue;
@@ -412,7 +383,6 @@ void Mapper::publish(const Associations& associations)
                       .value = std::make_shared<const Json>(value),
                       .readOnly = true}}}});
     }
-    published = associations;
 }
 
 /**
@@ -420,97 +390,23 @@ void Mapper::publish(const Associations& associations)
  * has the standard interfaces; what comes with an association has not, and
  * the nodes above stay when the association goes.
  */
-void Mapper::indexOwn(const Associations& associations)
+void Mapper::indexOwn()
 {
-    entries[mapperPath][name] = namesOf({{mapperInterface, {}}});
-    forEachParent(mapperPath, [&](const std::string& parent) {
-        entries[parent][name] = namesOf({});
+    index[mapperPath][name] = interned({{mapperInterface, {}}});
+    forEachParent(mapperPath, [&](std::string_view parent) {
+        index[std::string(parent)][name] = interned({});
     });
-    entries["/"][name] = namesOf({{"org.freedesktop.DBus.ObjectManager", {}}});
-    for (const auto& [path, endpoints] : associations)
+    index["/"][name] = interned({{"org.freedesktop.DBus.ObjectManager", {}}});
+    for (const auto& [path, ends] : present)
     {
-        entries[path][name] = {associationInterface};
-        forEachParent(path, [&](const std::string& parent) {
-            ownParents.insert(parent);
-        });
+        index[path][name] = &*names.insert({associationInterface}).first;
+        forEachParent(
+            path, [&](std::string_view parent) { ownParents.emplace(parent); });
     }
     for (const auto& parent : ownParents)
     {
-        entries[parent].emplace(name, InterfaceNames{});
+        index[parent].emplace(name, &*names.insert(Names()).first);
     }
-}
-
-const Mapper::Owners& Mapper::object(std::string_view path,
-                                     const Wanted& wanted) const
-{
-    const auto found = entries.find(path);
-    if (found == entries.end() || !hasOneOf(found->second, wanted))
-    {
-        throw notFound();
-    }
-    return found->second;
-}
-
-Mapper::Entries Mapper::subTree(std::string_view root, int32_t depth,
-                                const Wanted& wanted) const
-{
-    // The root is a text, not a path: one slash too many is forgiven, and what
-    // no path could be is just not found. Two of them alone are the root
-    // object, below which nothing begins with two.
-    const auto top = withoutSlash(root);
-    if (!top.empty() && !entries.contains(top))
-    {
-        throw notFound();
-    }
-    // Every character of a path sorts after the slash, so a subtree is one
-    // run of entries, and a name that only begins alike is no part of it.
-    const auto prefix = std::string(top) + '/';
-    Entries found;
-    for (auto entry = entries.lower_bound(prefix);
-         entry != entries.end() && entry->first.starts_with(prefix); ++entry)
-    {
-        const auto rest = std::string_view(entry->first).substr(prefix.size());
-        if ((depth <= 0 || std::ranges::count(rest, '/') < depth) &&
-            hasOneOf(entry->second, wanted))
-        {
-            found.push_back(&*entry);
-        }
-    }
-    return found;
-}
-
-Mapper::Entries Mapper::ancestors(std::string_view path,
-                                  const Wanted& wanted) const
-{
-    const auto start = withoutSlash(path);
-    if (!start.empty() && !entries.contains(start))
-    {
-        throw notFound();
-    }
-    Entries found;
-    if (!start.empty())
-    {
-        forEachParent(start, [&](const std::string& parent) {
-            const auto entry = entries.find(parent);
-            if (entry != entries.end() && hasOneOf(entry->second, wanted))
-            {
-                found.push_back(&*entry);
-            }
-        });
-    }
-    std::ranges::reverse(found);
-    return found;
-}
-
-Mapper::Entries Mapper::endpoints(const std::string& association,
-                                  Entries entries) const
-{
-    const auto found = published.find(association);
-    std::erase_if(entries, [&](const Index::value_type* entry) {
-        return found == published.end() ||
-               !found->second.contains(entry->first);
-    });
-    return entries;
 }
 
 } // namespace morvath::sim

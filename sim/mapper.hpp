@@ -4,7 +4,6 @@
 #include "sim/service.hpp"
 
 #include <cstdint>
-#include <functional>
 #include <map>
 #include <set>
 #include <string>
@@ -23,44 +22,38 @@ class Mapper : public Service
     /** Takes in what the living services publish now. */
     void update();
 
-    using InterfaceNames = std::vector<std::string>;
-    using Owners = std::map<std::string, InterfaceNames>;
+    using Names = std::vector<std::string>;
+    /** From the names of services to those of interfaces, which are shared. */
+    using Owners = std::map<std::string_view, const Names*>;
     using Index = std::map<std::string, Owners, std::less<>>;
     using Entries = std::vector<const Index::value_type*>;
-    using Wanted = std::vector<std::string>;
-
-    /** @throws BusError  there is no such path, or no such owner */
-    const Owners& object(std::string_view path, const Wanted& wanted) const;
-
-    /**
-     * What there is below a path.
-     * @param[in] depth  how many segments below; 0 and less: all
-     * @throws BusError  there is no such path
-     */
-    Entries subTree(std::string_view root, int32_t depth,
-                    const Wanted& wanted) const;
-
-    /** The nodes above a path. @throws BusError  there is no such path */
-    Entries ancestors(std::string_view path, const Wanted& wanted) const;
-
-    /** The entries that an association leads to. */
-    Entries endpoints(const std::string& association, Entries entries) const;
-
-  protected:
-    void prepare() override;
 
   private:
     using Associations = std::map<std::string, std::set<std::string>>;
 
-    void index(const Service& service);
-    void indexOwn(const Associations& associations);
+    static int onCall(sd_bus_message* call, void* self,
+                      sd_bus_error* error) noexcept;
+
+    void prepare() override;
+    void answer(sd_bus_message* reply, std::string_view method,
+                const Json& arguments) const;
+    std::string_view known(std::string_view path) const;
+    Entries below(std::string_view root, int32_t depth,
+                  const Names& wanted) const;
+    Entries above(std::string_view path, const Names& wanted) const;
+    std::set<std::string> endpoints(const std::string& association) const;
+    std::set<std::string> endpointsById(const Json& arguments) const;
+
+    const Names* interned(const std::vector<Interface>& interfaces);
     Associations associations() const;
     void publish(const Associations& associations);
+    void indexOwn();
 
-    Index entries;
+    std::set<Names> names;
+    Index index;
     /** The parents of its own objects, also of those that are gone. */
     std::set<std::string> ownParents;
-    Associations published;
+    Associations present;
     Slot methods;
 };
 

@@ -1,17 +1,22 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "sim/call_log.hpp"
-#include "sim/scenario.hpp"
+#include "sim/process.hpp"
+#include "sim/service.hpp"
 
+#include <chrono>
 #include <cstddef>
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace morvath::sim
 {
+
+class Mapper;
 
 /** Serves a scenario on a bus, on a thread and connections of its own. */
 class Platform
@@ -38,6 +43,8 @@ class Platform
         CallSink log{};
         /** Gets every RAID section that comes after the scenario's own. */
         std::function<void(const Json&)> raidChanged{};
+        /** Called on the platform's thread when the bus goes away. */
+        std::function<void()> busLost{};
     };
 
     Platform(const Scenario& scenario, const Live& options);
@@ -48,7 +55,7 @@ class Platform
     Platform(const Platform&) = delete;
     Platform& operator=(const Platform&) = delete;
 
-    /** Makes the changes of the next seconds; returns when they are made. */
+    /** Makes the changes of the next seconds. */
     void advance(Seconds time);
 
     /** The calls so far, without their outcomes. */
@@ -68,15 +75,29 @@ class Platform
     /** Objects, counted once per service that publishes them. */
     std::size_t objectCount() const;
 
-    /** Services, the object mapper not among them. */
-    std::size_t serviceCount() const;
-
-    /** A descriptor that becomes readable when the bus goes away. */
-    int busLostDescriptor() const;
-
   private:
-    class Implementation;
-    std::unique_ptr<Implementation> implementation;
+    Platform(const Scenario& scenario, const Live& options, bool keepsCalls);
+
+    void serve();
+    void moveTo(Seconds moment);
+    Seconds elapsed() const;
+    int millisecondsToChange() const;
+
+    // The order matters: what is used stands before its users.
+    /** Held while calls are answered. */
+    mutable std::mutex mutex;
+    std::vector<Call> kept;
+    const Event event;
+    /** Ends the thread's waiting. */
+    const Descriptor wake;
+    Services services;
+    Schedule schedule;
+    std::unique_ptr<Mapper> mapper;
+    const bool isLive;
+    bool ended = false;
+    std::chrono::steady_clock::time_point start;
+    Seconds time{};
+    std::thread thread;
 };
 
 } // namespace morvath::sim

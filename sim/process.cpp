@@ -1,19 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "sim/process.hpp"
 
+#include "cli/terminal_text.hpp"
+
 #include <fcntl.h>
 #include <signal.h>
 #include <sys/mman.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
-#include <unistd.h>
 
-#include <algorithm>
-#include <array>
 #include <cerrno>
-#include <charconv>
-#include <cstdlib>
-#include <string_view>
+#include <cstdio>
+#include <cstring>
 #include <system_error>
 
 namespace morvath::sim
@@ -21,94 +19,33 @@ namespace morvath::sim
 namespace
 {
 
-/** Texts in the form that exec wants; they must outlive it. */
-std::vector<char*> pointersTo(const std::vector<std::string>& texts)
-{
-    std::vector<char*> pointers;
-    for (const std::string& text : texts)
-    {
-        pointers.push_back(const_cast<char*>(text.c_str()));
-    }
-    pointers.push_back(nullptr);
-    return pointers;
-}
+// As shells have it.
+constexpr int statusNotFound = 127;
+constexpr int statusNotExecutable = 126;
+constexpr int statusOfSignals = 128;
 
-// Room for any.
-constexpr std::size_t pidDigits = 20;
-
-std::vector<std::pair<std::string, std::string>>
-additionsOf(const ProcessOptions& options)
+void requireSuccess(bool succeeded, const char* operation)
 {
-    auto additions = options.environment;
-    if (options.listening >= 0)
+    if (!succeeded)
     {
-        additions.push_back({"LISTEN_FDS", "1"});
-        // The number is not known yet.
-        additions.push_back({"LISTEN_PID", std::string(pidDigits, ' ')});
-    }
-    return additions;
-}
-
-std::vector<std::string> environmentWith(
-    const std::vector<std::pair<std::string, std::string>>& additions)
-{
-    std::vector<std::string> result;
-    for (const auto& [name, value] : additions)
-    {
-        result.push_back(name + "=" + value);
-    }
-    for (char** entry = environ; *entry != nullptr; entry++)
-    {
-        const std::string_view text = *entry;
-        const std::string_view name = text.substr(0, text.find('='));
-        const auto replaces = [&](const auto& addition) {
-            return addition.first == name;
-        };
-        if (std::none_of(additions.begin(), additions.end(), replaces))
-        {
-            result.emplace_back(text);
-        }
-    }
-    return result;
-}
-
-void redirect(int from, int to)
-{
-    if (from >= 0 && dup2(from, to) < 0)
-    {
-        _exit(EXIT_FAILURE);
+        throw std::system_error(errno, std::generic_category(), operation);
     }
 }
 
-constexpr std::string_view listenPid = "LISTEN_PID=";
-
-/** As systemd does it: the first descriptor, for this process alone. */
-void handOver(int socket, char* const* environment)
+Descriptor newMemory(std::string_view contents)
 {
-    constexpr int first = 3;
-    if (socket == first)
-    {
-        fcntl(socket, F_SETFD, 0);
-    }
-    redirect(socket == first ? -1 : socket, first);
-    for (auto* entry = environment; *entry; ++entry)
-    {
-        if (std::string_view(*entry).starts_with(listenPid))
-        {
-            auto* digits = *entry + listenPid.size();
-            const auto end =
-                std::to_chars(digits, digits + pidDigits, getpid());
-            *end.ptr = '\0';
-        }
-    }
+    Descriptor file(memfd_create("morvath-sim", MFD_CLOEXEC), "memfd_create");
+    const auto written =
+        pwrite(file.get(), contents.data(), contents.size(), 0);
+    requireSuccess(written == static_cast<ssize_t>(contents.size()), "pwrite");
+    return file;
 }
 
-/** Between fork and exec: only calls that are safe there. */
-[[noreturn]] void becomeProgram(char* const* command, char* const* environment,
-                                const ProcessOptions& options, pid_t parent,
-                                int errorPipe)
+/** After a fork, when other threads are gone: what is used works there. */
+[[noreturn]] void becomeProgram(char* const* command, const char* shownName,
+                                const std::array<int, 3>& streams, pid_t parent)
 {
-    prctl(PR_SET_PDEATHSIG, options.deathSignal);
+    prctl(PR_SET_PDEATHSIG, SIGTERM);
     // Too late for the signal when the parent has ended already.
     if (getppid() != parent)
     {
@@ -118,75 +55,30 @@ void handOver(int socket, char* const* environment)
     sigset_t none;
     sigemptyset(&none);
     sigprocmask(SIG_SETMASK, &none, nullptr);
-    if (options.ownSession)
+    for (int stream = 0; stream < static_cast<int>(streams.size()); ++stream)
     {
-        setsid();
+        dup2(streams[stream], stream);
     }
-    redirect(options.output, STDOUT_FILENO);
-    redirect(options.error, STDERR_FILENO);
-    if (options.listening >= 0)
-    {
-        handOver(options.listening, environment);
-    }
-    execvpe(command[0], command, environment);
-    const int reason = errno;
-    [[maybe_unused]] const ssize_t written =
-        write(errorPipe, &reason, sizeof(reason));
-    _exit(EXIT_FAILURE);
-}
-
-Descriptor newFile(std::string_view contents)
-{
-    Descriptor file(memfd_create("morvath-sim", MFD_CLOEXEC), "memfd_create");
-    for (off_t end = 0; !contents.empty();)
-    {
-        const auto written =
-            pwrite(file.get(), contents.data(), contents.size(), end);
-        if (written < 0)
-        {
-            throw std::system_error(errno, std::generic_category(), "pwrite");
-        }
-        end += written;
-        contents.remove_prefix(static_cast<std::size_t>(written));
-    }
-    return file;
+    execvp(command[0], command);
+    const auto reason = errno;
+    dprintf(STDERR_FILENO, "morvath-sim: cannot run %s: %s\n", shownName,
+            strerrordesc_np(reason));
+    _exit(reason == ENOENT ? statusNotFound : statusNotExecutable);
 }
 
 } // namespace
 
 Descriptor::Descriptor(int number, const char* operation) : number(number)
 {
-    if (number < 0)
-    {
-        throw std::system_error(errno, std::generic_category(), operation);
-    }
+    requireSuccess(number >= 0, operation);
 }
 
-void Descriptor::close() noexcept
-{
-    if (number >= 0)
-    {
-        ::close(std::exchange(number, -1));
-    }
-}
-
-Pipe::Pipe()
-{
-    std::array<int, 2> ends{};
-    const auto made = pipe2(ends.data(), O_CLOEXEC);
-    readEnd = {made < 0 ? -1 : ends[0], "pipe2"};
-    writeEnd = {ends[1], "pipe2"};
-}
-
-MemoryFile::MemoryFile(std::string_view contents) : file(newFile(contents)) {}
+MemoryFile::MemoryFile(std::string_view contents) : file(newMemory(contents)) {}
 
 void MemoryFile::replace(std::string_view contents)
 {
-    const auto other = newFile(contents);
-    if (dup3(other.get(), file.get(), O_CLOEXEC) < 0)
-    {
-        throw std::system_error(errno, std::generic_category(), "dup3");
-    }
+    const auto other = newMemory(contents);
+    requireSuccess(dup3(other.get(), file.get(), O_CLOEXEC) >= 0, "dup3");
 }
 
 std::string MemoryFile::path() const
@@ -197,32 +89,21 @@ std::string MemoryFile::path() const
 }
 
 Process::Process(const std::vector<std::string>& command,
-                 const ProcessOptions& options)
+                 const std::array<int, 3>& streams)
 {
-    const std::vector<std::string> environment =
-        environmentWith(additionsOf(options));
-    const std::vector<char*> arguments = pointersTo(command);
-    const std::vector<char*> variables = pointersTo(environment);
-    Pipe failure;
-    const pid_t parent = getpid();
-    pid = fork();
-    if (pid < 0)
+    std::vector<char*> arguments;
+    for (const auto& word : command)
     {
-        throw std::system_error(errno, std::generic_category(), "fork");
+        arguments.push_back(const_cast<char*>(word.c_str()));
     }
+    arguments.push_back(nullptr);
+    const auto shownName = cli::visible(command.front());
+    const auto parent = getpid();
+    pid = fork();
+    requireSuccess(pid >= 0, "fork");
     if (pid == 0)
     {
-        becomeProgram(arguments.data(), variables.data(), options, parent,
-                      failure.writeEnd.get());
-    }
-    failure.writeEnd.close();
-    // exec closes the pipe; a failing exec writes its reason first.
-    int reason = 0;
-    if (read(failure.readEnd.get(), &reason, sizeof(reason)) == sizeof(reason))
-    {
-        waitpid(pid, nullptr, 0);
-        throw std::system_error(reason, std::generic_category(),
-                                "cannot run " + command.front());
+        becomeProgram(arguments.data(), shownName.c_str(), streams, parent);
     }
 }
 
@@ -235,26 +116,18 @@ Process::~Process()
     }
 }
 
-void Process::send(int signal) const
-{
-    if (pid > 0)
-    {
-        kill(pid, signal);
-    }
-}
+void Process::send(int signal) const { kill(pid, signal); }
 
-bool Process::hasEnded()
+std::optional<int> Process::status()
 {
-    if (pid > 0 && waitpid(pid, &status, WNOHANG) == pid)
+    int status = 0;
+    if (waitpid(pid, &status, WNOHANG) != pid)
     {
-        pid = 0;
+        return {};
     }
-    return pid == 0;
-}
-
-int Process::exitStatus() const
-{
-    return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
+    pid = 0;
+    return WIFSIGNALED(status) ? statusOfSignals + WTERMSIG(status)
+                               : WEXITSTATUS(status);
 }
 
 } // namespace morvath::sim

@@ -2,7 +2,10 @@
 #pragma once
 
 #include <sys/types.h>
+#include <unistd.h>
 
+#include <array>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -15,8 +18,6 @@ namespace morvath::sim
 class Descriptor
 {
   public:
-    Descriptor() = default;
-
     /** Throws std::system_error when the operation gave no descriptor. */
     Descriptor(int number, const char* operation);
 
@@ -24,28 +25,14 @@ class Descriptor
         number(std::exchange(other.number, -1))
     {}
 
-    Descriptor& operator=(Descriptor&& other) noexcept
-    {
-        std::swap(number, other.number);
-        return *this;
-    }
-
     ~Descriptor() { close(); }
 
     int get() const noexcept { return number; }
 
-    void close() noexcept;
+    void close() noexcept { ::close(std::exchange(number, -1)); }
 
   private:
-    int number = -1;
-};
-
-struct Pipe
-{
-    Descriptor readEnd;
-    Descriptor writeEnd;
-
-    Pipe();
+    int number;
 };
 
 /** A text that other processes can read as a file. */
@@ -66,46 +53,32 @@ class MemoryFile
     Descriptor file;
 };
 
-struct ProcessOptions
-{
-    /** Added to our own environment, or instead of what it has there. */
-    std::vector<std::pair<std::string, std::string>> environment;
-    /** Descriptors to use as standard output and error; -1 keeps ours. */
-    int output = -1;
-    int error = -1;
-    /** A socket to hand over as systemd does; -1 for none. */
-    int listening = -1;
-    /** Away from the terminal, so that its signals do not get there. */
-    bool ownSession = false;
-    /** The signal that it gets when the thread that starts it ends. */
-    int deathSignal;
-};
-
-/** A child process; killed and reaped with the object. */
+/**
+ * A child process; killed and reaped with the object. It is told to terminate
+ * when the thread that starts it ends.
+ */
 class Process
 {
   public:
-    /** Throws std::system_error when the program cannot be started. */
-    Process(const std::vector<std::string>& command,
-            const ProcessOptions& options);
+    /**
+     * A program that cannot be run is told on the standard error of the child,
+     * whose status is then that of a shell.
+     * @param[in] streams  its standard input, output and error
+     */
+    explicit Process(const std::vector<std::string>& command,
+                     const std::array<int, 3>& streams = {0, 1, 2});
     ~Process();
 
-    Process(Process&& other) noexcept :
-        pid(std::exchange(other.pid, 0)),
-        status(other.status)
-    {}
+    Process(const Process&) = delete;
+    Process& operator=(const Process&) = delete;
 
     void send(int signal) const;
 
-    /** Whether it has ended; then its status is there. Does not wait. */
-    bool hasEnded();
-
-    /** The status as a shell shows it. */
-    int exitStatus() const;
+    /** The status as a shell shows it, once it has ended. Does not wait. */
+    std::optional<int> status();
 
   private:
     pid_t pid;
-    int status = 0;
 };
 
 } // namespace morvath::sim

@@ -3,19 +3,20 @@
 
 #include "cli/terminal_text.hpp"
 #include "sim/platform.hpp"
-#include "sim/process.hpp"
-#include "sim/scenario.hpp"
 
+#include <fcntl.h>
 #include <nlohmann/json.hpp>
-#include <poll.h>
 #include <signal.h>
-#include <sys/signalfd.h>
-#include <unistd.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <systemd/sd-id128.h>
 
-#include <array>
+#include <atomic>
 #include <cerrno>
+#include <cstddef>
 #include <cstdio>
 #include <cstdlib>
+#include <fstream>
 #include <system_error>
 
 namespace morvath::sim
@@ -23,52 +24,175 @@ namespace morvath::sim
 namespace
 {
 
-constexpr auto program = "morvath-sim";
-constexpr int statusNotFound = 127;
-constexpr int statusNotExecutable = 126;
+// An abstract socket vanishes with its owner, where a file would stay.
+constexpr std::string_view addressStart = "unix:abstract=";
 
-sigset_t watchedSignals()
+constexpr auto journalSocket = "/run/systemd/journal/socket";
+
+// Everybody may do everything. The limits allow for many services and for
+// large replies.
+constexpr auto busRules =
+    R"(<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
+ "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
+<busconfig>
+ <policy context="default">
+  <allow send_destination="*"/>
+  <allow receive_sender="*"/>
+  <allow own="*"/>
+ </policy>
+ <limit name="max_completed_connections">100000</limit>
+ <limit name="max_connections_per_user">100000</limit>
+ <limit name="max_replies_per_connection">50000</limit>
+ <limit name="max_incoming_bytes">1000000000</limit>
+ <limit name="max_outgoing_bytes">1000000000</limit>
+ <limit name="max_message_size">134217728</limit>
+)";
+
+std::string newAddress()
 {
-    sigset_t signals;
-    sigemptyset(&signals);
-    for (int signal : {SIGINT, SIGTERM, SIGHUP, SIGCHLD})
+    sd_id128_t id;
+    check(sd_id128_randomize(&id), "sd_id128_randomize");
+    std::array<char, SD_ID128_STRING_MAX> name{};
+    return std::string(addressStart) + "morvath-sim-" +
+           sd_id128_to_string(id, name.data());
+}
+
+std::string configurationFor(BusProgram program, const std::string& address)
+{
+    // The other one gets its socket, and knows nothing else.
+    const auto own = program == BusProgram::daemon
+                         ? " <type>session</type>\n <keep_umask/>\n"
+                           " <auth>EXTERNAL</auth>\n <listen>" +
+                               address + "</listen>\n"
+                         : std::string();
+    return busRules + own + "</busconfig>\n";
+}
+
+/** A socket that waits at an address. */
+Descriptor listenAt(const std::string& address)
+{
+    Descriptor listener(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0),
+                        "socket");
+    const auto name = address.substr(addressStart.size());
+    sockaddr_un where{AF_UNIX, {}};
+    // Abstract names follow a zero.
+    std::ranges::copy(name, where.sun_path + 1);
+    const auto size = offsetof(sockaddr_un, sun_path) + 1 + name.size();
+    const auto bound =
+        bind(listener.get(), reinterpret_cast<const sockaddr*>(&where),
+             static_cast<socklen_t>(size));
+    check(bound < 0 || listen(listener.get(), SOMAXCONN) < 0 ? -errno : 0,
+          "bind");
+    return listener;
+}
+
+/** Away from the terminal, so that its signals do not get there. */
+void startDaemon(std::optional<Process>& process,
+                 const MemoryFile& configuration, int messages)
+{
+    std::array<int, 2> ends{};
+    check(pipe2(ends.data(), O_CLOEXEC) < 0 ? -errno : 0, "pipe2");
+    const Descriptor readEnd(ends[0], "pipe2");
+    Descriptor writeEnd(ends[1], "pipe2");
+    process.emplace(
+        std::vector<std::string>{
+            "setsid", "dbus-daemon", "--config-file=" + configuration.path(),
+            "--nofork", "--nopidfile", "--nosyslog", "--print-address=1"},
+        std::array{STDIN_FILENO, writeEnd.get(), messages});
+    writeEnd.close();
+    // It listens when it tells the address, and has failed when it does not.
+    char first = 0;
+    [[maybe_unused]] const auto size = read(readEnd.get(), &first, 1);
+}
+
+void startBroker(std::optional<Process>& process,
+                 const MemoryFile& configuration, int messages,
+                 const std::string& address)
+{
+    if (access(journalSocket, W_OK) < 0)
     {
-        sigaddset(&signals, signal);
+        throw std::runtime_error(std::string("dbus-broker needs the journal's "
+                                             "socket, ") +
+                                 journalSocket);
     }
+    // The socket is handed over as systemd does it. The launcher is itself a
+    // client of the bus that it launches.
+    constexpr auto script =
+        "LISTEN_FDS=1 LISTEN_PID=$$ DBUS_SESSION_BUS_ADDRESS=$1 exec "
+        "dbus-broker-launch --scope user --config-file $2 3<&0 </dev/null";
+    process.emplace(std::vector<std::string>{"setsid", "sh", "-c", script, "sh",
+                                             address, configuration.path()},
+                    std::array{listenAt(address).get(), messages, messages});
+}
+
+} // namespace
+
+Daemon::Daemon(BusProgram program) :
+    busAddress(newAddress()),
+    configuration(configurationFor(program, busAddress)),
+    messages("")
+{
+    const auto output = messages.descriptor().get();
+    if (program == BusProgram::daemon)
+    {
+        startDaemon(process, configuration, output);
+    }
+    else
+    {
+        startBroker(process, configuration, output, busAddress);
+    }
+    try
+    {
+        const auto bus = openBus(busAddress);
+        const char* name = nullptr;
+        check(sd_bus_get_unique_name(bus.get(), &name), "connecting");
+    }
+    catch (const std::system_error& error)
+    {
+        std::string reason;
+        std::getline(std::ifstream(messages.path()), reason);
+        throw std::runtime_error(std::string("the bus did not start: ") +
+                                 error.what() + ": " + reason);
+    }
+}
+
+namespace
+{
+
+/** What ends the program, and what it waits for. */
+const sigset_t& watchedSignals()
+{
+    static const auto signals = [] {
+        sigset_t set;
+        sigemptyset(&set);
+        for (const auto signal : {SIGINT, SIGTERM, SIGHUP, SIGCHLD})
+        {
+            sigaddset(&set, signal);
+        }
+        return set;
+    }();
     return signals;
 }
 
-Descriptor signalDescriptor()
-{
-    const sigset_t signals = watchedSignals();
-    return {signalfd(-1, &signals, SFD_CLOEXEC), "signalfd"};
-}
+/** To be called before there are other threads, which inherit it. */
+void blockSignals() { sigprocmask(SIG_BLOCK, &watchedSignals(), nullptr); }
 
-signalfd_siginfo nextSignal(const Descriptor& signals)
+int waitFor(Process& process)
 {
-    signalfd_siginfo info{};
-    if (read(signals.get(), &info, sizeof(info)) !=
-        static_cast<ssize_t>(sizeof(info)))
+    for (;;)
     {
-        throw std::system_error(errno, std::generic_category(), "signalfd");
-    }
-    return info;
-}
-
-int waitFor(Process& process, const Descriptor& signals)
-{
-    while (!process.hasEnded())
-    {
-        const signalfd_siginfo info = nextSignal(signals);
-        // What the terminal sends, it sends to the command as well.
-        const bool isForUs =
-            info.ssi_signo != SIGCHLD && info.ssi_code != SI_KERNEL;
-        if (isForUs)
+        if (const auto status = process.status())
         {
-            process.send(static_cast<int>(info.ssi_signo));
+            return *status;
+        }
+        siginfo_t info{};
+        sigwaitinfo(&watchedSignals(), &info);
+        // What the terminal sends, it sends to the command as well.
+        if (info.si_signo != SIGCHLD && info.si_code != SI_KERNEL)
+        {
+            process.send(info.si_signo);
         }
     }
-    return process.exitStatus();
 }
 
 /** Tells which faults no call has met; they may fail a run that succeeded. */
@@ -78,78 +202,59 @@ int withFaultsTold(int status, const Platform& platform,
     const auto places = platform.unusedFaults();
     for (const auto& place : places)
     {
-        cli::complain(program, place + ": no call has met this fault");
+        cli::complain(programName, place + ": no call has met this fault");
     }
     const auto fails =
         options.strict && !places.empty() && status == EXIT_SUCCESS;
     return fails ? EXIT_FAILURE : status;
 }
 
-int runWith(const Daemon& daemon, const MemoryFile& raid,
-            const std::vector<std::string>& command, const Descriptor& signals)
-{
-    const ProcessOptions options{
-        .environment = {{"DBUS_STARTER_BUS_TYPE", "system"},
-                        {"DBUS_STARTER_ADDRESS", daemon.address()},
-                        {"DBUS_SYSTEM_BUS_ADDRESS", daemon.address()},
-                        {"DBUS_SESSION_BUS_ADDRESS", daemon.address()},
-                        {"MORVATH_SIM_RAID", raid.path()}},
-        .deathSignal = SIGTERM};
-    try
-    {
-        Process process(command, options);
-        return waitFor(process, signals);
-    }
-    catch (const std::system_error& error)
-    {
-        cli::complain(program, error.what());
-        return error.code() == std::errc::no_such_file_or_directory
-                   ? statusNotFound
-                   : statusNotExecutable;
-    }
-}
-
 } // namespace
-
-void blockEndSignals()
-{
-    const auto signals = watchedSignals();
-    sigprocmask(SIG_BLOCK, &signals, nullptr);
-}
 
 int runCommand(const Scenario& scenario, const RunOptions& options,
                const std::vector<std::string>& command)
 {
-    const auto signals = signalDescriptor();
+    blockSignals();
     // In this order, so that names are released while there is still a bus.
     const Daemon daemon(options.bus);
     MemoryFile raid(scenario.raid->dump());
-    const auto replace = [&](const Json& section) {
-        raid.replace(section.dump());
-    };
-    const Platform platform(
-        scenario, Platform::Live{daemon.address(), options.log, replace});
-    const auto status = runWith(daemon, raid, command, signals);
-    return withFaultsTold(status, platform, options);
+    // For the command, and before there is a thread that may look.
+    setenv("DBUS_STARTER_BUS_TYPE", "system", true);
+    for (const auto* name : {"DBUS_STARTER_ADDRESS", "DBUS_SYSTEM_BUS_ADDRESS",
+                             "DBUS_SESSION_BUS_ADDRESS"})
+    {
+        setenv(name, daemon.address().c_str(), true);
+    }
+    setenv("MORVATH_SIM_RAID", raid.path().c_str(), true);
+    const Platform platform(scenario, {.busAddress = daemon.address(),
+                                       .log = options.log,
+                                       .raidChanged = [&](const Json& section) {
+                                           raid.replace(section.dump());
+                                       }});
+    Process process(command);
+    return withFaultsTold(waitFor(process), platform, options);
 }
 
 int serve(const Scenario& scenario, const RunOptions& options,
           const std::string& address)
 {
-    const auto signals = signalDescriptor();
-    const Platform platform(scenario, Platform::Live{address, options.log});
+    blockSignals();
+    std::atomic_bool isLost = false;
+    const Platform platform(
+        scenario, {.busAddress = address, .log = options.log, .busLost = [&] {
+                       isLost = true;
+                       kill(getpid(), SIGTERM);
+                   }});
     std::printf("serving %zu objects of %zu services\n", platform.objectCount(),
-                platform.serviceCount());
+                scenario.services().size());
     std::fflush(stdout);
-    std::array<pollfd, 2> events{
-        pollfd{signals.get(), POLLIN, 0},
-        pollfd{platform.busLostDescriptor(), POLLIN, 0}};
-    while (poll(events.data(), events.size(), -1) < 0 && errno == EINTR)
+    siginfo_t info{};
+    while (sigwaitinfo(&watchedSignals(), &info) < 0 ||
+           info.si_signo == SIGCHLD)
     {}
-    const auto isLost = events[1].revents != 0;
     if (isLost)
     {
-        cli::complain(program, "the bus went away");
+        cli::complain(programName, "the bus went away");
     }
     return withFaultsTold(isLost ? EXIT_FAILURE : EXIT_SUCCESS, platform,
                           options);

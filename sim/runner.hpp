@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "sim/call_log.hpp"
-#include "sim/daemon.hpp"
+#include "sim/process.hpp"
+#include "sim/service.hpp"
 
 #include <string>
 #include <vector>
@@ -10,7 +10,32 @@
 namespace morvath::sim
 {
 
-struct Scenario;
+constexpr auto programName = "morvath-sim";
+
+enum class BusProgram
+{
+    daemon,
+    broker,
+};
+
+/**
+ * A private message bus. It ends with the object, or with the thread that
+ * made the object, however that one ends; it leaves no files.
+ */
+class Daemon
+{
+  public:
+    explicit Daemon(BusProgram program = BusProgram::daemon);
+
+    const std::string& address() const noexcept { return busAddress; }
+
+  private:
+    const std::string busAddress;
+    const MemoryFile configuration;
+    /** The program also warns of harmless things. */
+    const MemoryFile messages;
+    std::optional<Process> process;
+};
 
 struct RunOptions
 {
@@ -20,9 +45,6 @@ struct RunOptions
     bool strict = false;
     BusProgram bus = BusProgram::daemon;
 };
-
-/** Blocks the signals that end the program, so that they can be waited for. */
-void blockEndSignals();
 
 /** Runs a command on a bus of its own; returns its status as a shell does. */
 int runCommand(const Scenario& scenario, const RunOptions& options,

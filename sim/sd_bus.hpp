@@ -44,7 +44,7 @@ class BusError : public std::runtime_error
  * Throws std::system_error with the name of the operation when the result of
  * a libsystemd call is negative, otherwise returns the result.
  */
-int check(int result, const char* operation);
+int check(int result, const char* operation = "sd-bus");
 
 /** A connection; empty address: the bus of the environment. */
 Bus openBus(const std::string& address);

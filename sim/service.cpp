@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <ctime>
 #include <exception>
+#include <system_error>
 #include <utility>
 
 namespace morvath::sim
@@ -21,13 +22,38 @@ constexpr auto presenceInterface = "morvath.Presence";
 bool isMethodCall(sd_bus_message* message)
 {
     uint8_t type = 0;
-    check(sd_bus_message_get_type(message, &type), "sd_bus_message_get_type");
+    check(sd_bus_message_get_type(message, &type));
     return type == SD_BUS_MESSAGE_METHOD_CALL;
 }
 
+/** A header field, which may be missing. */
 std::string_view viewOf(const char* text)
 {
     return text ? text : std::string_view();
+}
+
+Call callOf(sd_bus_message* message)
+{
+    Json arguments;
+    try
+    {
+        arguments = readJsonList(message);
+    }
+    catch (const std::system_error&)
+    {
+        // A file descriptor is among them.
+    }
+    check(sd_bus_message_rewind(message, true));
+    const auto field = [&](auto* get) {
+        return std::string(viewOf(get(message)));
+    };
+    return {.time = std::chrono::system_clock::now(),
+            .caller = field(sd_bus_message_get_sender),
+            .service = field(sd_bus_message_get_destination),
+            .path = field(sd_bus_message_get_path),
+            .interface = field(sd_bus_message_get_interface),
+            .member = field(sd_bus_message_get_member),
+            .arguments = std::make_shared<const Json>(std::move(arguments))};
 }
 
 CallKeys keysOf(sd_bus_message* message, std::string_view service)
@@ -43,43 +69,21 @@ CallKeys keysOf(sd_bus_message* message, std::string_view service)
     {
         const char* interface = nullptr;
         const char* property = nullptr;
-        check(sd_bus_message_read_basic(message, 's', &interface),
-              "sd_bus_message_read_basic");
+        check(sd_bus_message_read_basic(message, 's', &interface));
         if (signature.starts_with("ss"))
         {
-            check(sd_bus_message_read_basic(message, 's', &property),
-                  "sd_bus_message_read_basic");
+            check(sd_bus_message_read_basic(message, 's', &property));
         }
-        check(sd_bus_message_rewind(message, true), "sd_bus_message_rewind");
+        check(sd_bus_message_rewind(message, true));
         keys.propertyInterface = interface;
         keys.property = viewOf(property);
     }
     return keys;
 }
 
-void sendError(sd_bus_message* message, const std::string& name,
-               const std::string& text)
-{
-    const sd_bus_error error{name.c_str(), text.c_str(), 0};
-    check(sd_bus_reply_method_error(message, &error),
-          "sd_bus_reply_method_error");
-}
-
-Slot addTable(sd_bus* bus, const std::string& path,
-              const std::string& interface, const sd_bus_vtable* table,
-              void* userdata)
-{
-    sd_bus_slot* slot = nullptr;
-    const auto operation = "publishing " + interface + " at " + path;
-    check(sd_bus_add_object_vtable(bus, &slot, path.c_str(), interface.c_str(),
-                                   table, userdata),
-          operation.c_str());
-    return Slot(slot);
-}
-
 void send(const Message& message)
 {
-    check(sd_bus_send(nullptr, message.get(), nullptr), "sd_bus_send");
+    check(sd_bus_send(nullptr, message.get(), nullptr));
 }
 
 int getProperty(sd_bus*, const char*, const char*, const char*,
@@ -117,19 +121,32 @@ int setProperty(sd_bus*, const char* path, const char* interface, const char*,
     }
 }
 
-sd_bus_vtable entryOf(const Property& property, std::size_t offset)
+sd_bus_vtable entryOf(const Property& property, const char* name,
+                      const char* type, std::size_t offset)
 {
     const uint64_t flags = property.hidden
                                ? SD_BUS_VTABLE_HIDDEN
                                : SD_BUS_VTABLE_PROPERTY_EMITS_CHANGE;
-    const auto* name = property.name.c_str();
-    const auto* type = property.type.c_str();
     if (property.readOnly)
     {
         return SD_BUS_PROPERTY(name, type, getProperty, offset, flags);
     }
     return SD_BUS_WRITABLE_PROPERTY(name, type, getProperty, setProperty,
                                     offset, flags | SD_BUS_VTABLE_UNPRIVILEGED);
+}
+
+/** For what is called by C and can only fail to send: nobody is left to tell.
+ */
+int withoutFailure(const auto& action) noexcept
+{
+    try
+    {
+        return action();
+    }
+    catch (const std::exception&)
+    {
+        return 1;
+    }
 }
 
 } // namespace
@@ -199,7 +216,7 @@ void Services::remove(const std::string& path)
 {
     for (const auto& service : all)
     {
-        if (service->find(path))
+        if (service->objects().contains(path))
         {
             service->announce(path, sd_bus_emit_object_removed);
             service->remove(path);
@@ -225,12 +242,8 @@ Service::~Service()
 void Service::start()
 {
     bus = openBus(services.busAddress);
-    // The end of the loop must leave the connection to the destructor.
-    check(sd_bus_set_close_on_exit(bus.get(), false),
-          "sd_bus_set_close_on_exit");
-    check(sd_bus_add_filter(bus.get(), nullptr, onMessage, this),
-          "sd_bus_add_filter");
-    for (auto& [path, object] : objects)
+    check(sd_bus_add_filter(bus.get(), nullptr, onMessage, this));
+    for (auto& [path, object] : published)
     {
         registerAll(path, object);
     }
@@ -243,17 +256,15 @@ void Service::start()
     const auto operation = "taking the bus name " + name;
     check(sd_bus_request_name(bus.get(), name.c_str(), 0), operation.c_str());
     check(sd_bus_attach_event(bus.get(), services.event,
-                              SD_EVENT_PRIORITY_NORMAL),
-          "sd_bus_attach_event");
+                              SD_EVENT_PRIORITY_NORMAL));
 }
 
 void Service::die()
 {
     held.clear();
-    for (auto& [path, object] : objects)
+    for (auto& [path, object] : published)
     {
-        object.registrations.clear();
-        object.presence.reset();
+        object.slots.clear();
     }
     // Without the service the mapper must not list its objects, not even to
     // a caller who asks as soon as the bus has noticed.
@@ -264,7 +275,7 @@ void Service::die()
 void Service::add(const std::string& path, std::vector<Interface> interfaces)
 {
     remove(path);
-    auto& object = objects[path];
+    auto& object = published[path];
     object.interfaces = std::move(interfaces);
     for (auto& interface : object.interfaces)
     {
@@ -279,28 +290,20 @@ void Service::add(const std::string& path, std::vector<Interface> interfaces)
     }
 }
 
-void Service::remove(const std::string& path) { objects.erase(path); }
-
 void Service::announce(const std::string& path,
                        int (*emit)(sd_bus* bus, const char* path)) const
 {
-    const auto* interfaces = find(path);
-    if (bus && interfaces && !interfaces->empty())
+    const auto object = published.find(path);
+    if (bus && object != published.end() && !object->second.interfaces.empty())
     {
         check(emit(bus.get(), path.c_str()), "InterfacesAdded or -Removed");
     }
 }
 
-const std::vector<Interface>* Service::find(std::string_view path) const
-{
-    const auto found = objects.find(path);
-    return found == objects.end() ? nullptr : &found->second.interfaces;
-}
-
 Property* Service::find(const Place& place)
 {
-    const auto object = objects.find(place.path);
-    if (object == objects.end())
+    const auto object = published.find(place.path);
+    if (object == published.end())
     {
         return nullptr;
     }
@@ -314,16 +317,6 @@ Property* Service::find(const Place& place)
     const auto property = std::ranges::find(interface->properties,
                                             place.property, &Property::name);
     return property == interface->properties.end() ? nullptr : &*property;
-}
-
-std::vector<std::string_view> Service::paths() const
-{
-    std::vector<std::string_view> names;
-    for (const auto& [path, published] : objects)
-    {
-        names.push_back(path);
-    }
-    return names;
 }
 
 void Service::change(std::string_view path, std::string_view interface,
@@ -349,108 +342,111 @@ void Service::change(std::string_view path, std::string_view interface,
     }
 }
 
+Slot Service::addTable(const std::string& path, const std::string& interface,
+                       const sd_bus_vtable* table, void* userdata)
+{
+    sd_bus_slot* slot = nullptr;
+    const auto operation = "publishing " + interface + " at " + path;
+    check(sd_bus_add_object_vtable(bus.get(), &slot, path.c_str(),
+                                   interface.c_str(), table, userdata),
+          operation.c_str());
+    return Slot(slot);
+}
+
 void Service::registerAll(const std::string& path, Published& object)
 {
-    object.registrations = std::vector<Registration>(object.interfaces.size());
-    for (std::size_t index = 0; index < object.interfaces.size(); ++index)
+    static constexpr sd_bus_vtable hidden[]{
+        SD_BUS_VTABLE_START(SD_BUS_VTABLE_HIDDEN), SD_BUS_VTABLE_END};
+    // Keeps the object, and its place among its neighbours, while its tables
+    // are exchanged; sd-bus knows no object without one.
+    auto presence = addTable(path, presenceInterface, hidden, nullptr);
+    object.slots.clear();
+    for (auto& interface : object.interfaces)
     {
-        registerInterface(path, object.interfaces[index],
-                          object.registrations[index], object.without);
+        object.slots.push_back(addTable(path, interface.name,
+                                        tableOf(interface, object.without),
+                                        interface.properties.data()));
     }
     if (object.interfaces.empty())
     {
-        static constexpr sd_bus_vtable hidden[]{
-            SD_BUS_VTABLE_START(SD_BUS_VTABLE_HIDDEN), SD_BUS_VTABLE_END};
-        object.presence =
-            addTable(bus.get(), path, presenceInterface, hidden, nullptr);
+        object.slots.push_back(std::move(presence));
     }
 }
 
-void Service::registerInterface(const std::string& path, Interface& interface,
-                                Registration& registration,
-                                const Decision& without)
+const sd_bus_vtable* Service::tableOf(const Interface& interface,
+                                      const Decision& without)
 {
-    static constexpr sd_bus_vtable none[]{SD_BUS_VTABLE_START(0),
-                                          SD_BUS_VTABLE_END};
-    // sd-bus puts a table behind others of its interface, and otherwise in
-    // front of all: this one keeps the place while the other is exchanged.
-    Slot place;
-    if (registration.slot)
+    // The texts of the table are those of its form, each with its zero.
+    std::string form;
+    for (const auto& property : interface.properties)
     {
-        place = addTable(bus.get(), path, interface.name, none, nullptr);
-        registration.slot.reset();
+        const auto isThere = !without.isMissing(interface.name, property.name);
+        (form += property.name) += '\0';
+        (form += property.type) += '\0';
+        form += static_cast<char>('0' + isThere + 2 * property.readOnly +
+                                  4 * property.hidden);
     }
-    auto& table = registration.table;
-    table = {SD_BUS_VTABLE_START(0)};
-    for (std::size_t index = 0; index < interface.properties.size(); ++index)
+    const auto [place, isNew] = services.tables.try_emplace(std::move(form));
+    auto& table = place->second;
+    if (isNew)
     {
-        const auto& property = interface.properties[index];
-        if (!without.isMissing(interface.name, property.name))
+        table.push_back(SD_BUS_VTABLE_START(0));
+        const auto* name = place->first.c_str();
+        std::size_t offset = 0;
+        for (const auto& property : interface.properties)
         {
-            table.push_back(entryOf(property, index * sizeof(Property)));
+            const auto* type = name + property.name.size() + 1;
+            if (!without.isMissing(interface.name, property.name))
+            {
+                table.push_back(entryOf(property, name, type, offset));
+            }
+            name = type + property.type.size() + 2;
+            offset += sizeof(Property);
         }
+        table.push_back(SD_BUS_VTABLE_END);
     }
-    table.push_back(SD_BUS_VTABLE_END);
-    registration.slot = addTable(bus.get(), path, interface.name, table.data(),
-                                 interface.properties.data());
+    return table.data();
 }
 
 void Service::leaveOut(std::string_view path, const Decision& decision)
 {
-    const auto found = objects.find(path);
-    if (found == objects.end() ||
-        found->second.without.missing == decision.missing)
+    const auto object = published.find(path);
+    if (object != published.end() &&
+        object->second.without.missing != decision.missing)
     {
-        return;
+        object->second.without.missing = decision.missing;
+        registerAll(object->first, object->second);
     }
-    auto& object = found->second;
-    for (std::size_t index = 0; index < object.interfaces.size(); ++index)
-    {
-        registerInterface(found->first, object.interfaces[index],
-                          object.registrations[index], decision);
-    }
-    object.without.missing = decision.missing;
 }
 
 int Service::onMessage(sd_bus_message* message, void* self,
                        sd_bus_error*) noexcept
 {
-    auto& service = *static_cast<Service*>(self);
-    try
-    {
-        return service.receive(message);
-    }
-    catch (const std::exception&)
-    {
-        // Only sending is left to fail: the bus or the caller is gone.
-        return 1;
-    }
+    return withoutFailure(
+        [&] { return static_cast<Service*>(self)->receive(message); });
 }
 
 int Service::receive(sd_bus_message* message)
 {
-    if (sd_bus_message_is_signal(message, "org.freedesktop.DBus.Local",
+    if (services.busLost &&
+        sd_bus_message_is_signal(message, "org.freedesktop.DBus.Local",
                                  "Disconnected") > 0)
     {
         services.busLost();
     }
-    if (!isMethodCall(message) || (services.faults.empty() && !services.log))
+    if ((services.faults.empty() && !services.log) || !isMethodCall(message))
     {
         return 0;
     }
     const char* self = nullptr;
-    check(sd_bus_get_unique_name(bus.get(), &self), "sd_bus_get_unique_name");
-    return viewOf(sd_bus_message_get_sender(message)) == self
-               ? receiveAgain(message)
-               : decide(message);
-}
-
-/** What sd-bus does not take is answered by its tables. */
-int Service::receiveAgain(sd_bus_message* message)
-{
+    check(sd_bus_get_unique_name(bus.get(), &self));
+    if (viewOf(sd_bus_message_get_sender(message)) != self)
+    {
+        return decide(message);
+    }
+    // A held call has come back.
     uint64_t cookie = 0;
-    check(sd_bus_message_get_cookie(message, &cookie),
-          "sd_bus_message_get_cookie");
+    check(sd_bus_message_get_cookie(message, &cookie));
     const auto call = std::ranges::find(held, cookie, &Held::cookie);
     if (call != held.end())
     {
@@ -459,37 +455,50 @@ int Service::receiveAgain(sd_bus_message* message)
     return 0;
 }
 
+/** What the filter does not take is answered by the tables of sd-bus. */
 int Service::decide(sd_bus_message* message)
 {
     const auto keys = keysOf(message, name);
-    auto decision = services.faults.decide(keys, find(keys.path));
+    const auto object = published.find(keys.path);
+    auto decision = services.faults.decide(
+        keys, object == published.end() ? nullptr : &object->second.interfaces);
+    const auto* fault = decision.fault;
     Call call;
     if (services.log)
     {
         call = callOf(message);
+        if (fault || !decision.missing.empty())
+        {
+            call.fault = (fault ? fault : decision.missing.front())->place;
+        }
+        if (!services.logsOutcome)
+        {
+            services.log(call);
+        }
     }
-    if (decision.fault || !decision.missing.empty())
-    {
-        call.fault = decision.fault ? decision.fault->place
-                                    : decision.missing.front()->place;
-    }
-    if (services.log && !services.logsOutcome)
-    {
-        services.log(call);
-    }
-    if (const auto* fault = decision.fault;
-        fault && fault->then != Effect::delay)
+    if (fault && fault->then != Effect::delay)
     {
         meet(*fault, message, call);
         return 1;
     }
-    if (decision.fault || services.logsOutcome)
+    if (!fault && !services.logsOutcome)
     {
-        hold(message, std::move(call), std::move(decision));
+        leaveOut(keys.path, decision);
+        return 0;
+    }
+    auto& one = held.emplace_back(*this, Message(sd_bus_message_ref(message)),
+                                  std::move(call), std::move(decision));
+    if (!fault)
+    {
+        sendAgain(one);
         return 1;
     }
-    leaveOut(keys.path, decision);
-    return 0;
+    sd_event_source* timer = nullptr;
+    check(sd_event_add_time_relative(services.event, &timer, CLOCK_MONOTONIC,
+                                     uint64_t{1000} * fault->milliseconds, 1000,
+                                     onTimer, &one));
+    one.timer.reset(timer);
+    return 1;
 }
 
 void Service::logOutcome(Call& call, const std::string& outcome)
@@ -501,19 +510,23 @@ void Service::logOutcome(Call& call, const std::string& outcome)
     }
 }
 
+void Service::refuse(sd_bus_message* message, Call& call,
+                     const std::string& error, const std::string& text)
+{
+    logOutcome(call, error);
+    const sd_bus_error reply{error.c_str(), text.c_str(), 0};
+    check(sd_bus_reply_method_error(message, &reply));
+}
+
 void Service::meet(const Fault& fault, sd_bus_message* message, Call& call)
 {
     switch (fault.then)
     {
         case Effect::error:
-            logOutcome(call, fault.errorName);
-            return sendError(message, fault.errorName, fault.errorText);
+            return refuse(message, call, fault.errorName, fault.errorText);
         case Effect::vanished:
-            logOutcome(call, SD_BUS_ERROR_UNKNOWN_OBJECT);
-            return sendError(message, SD_BUS_ERROR_UNKNOWN_OBJECT,
-                             "Unknown object '" +
-                                 std::string(sd_bus_message_get_path(message)) +
-                                 "'.");
+            return refuse(message, call, SD_BUS_ERROR_UNKNOWN_OBJECT,
+                          "Unknown object '" + fault.when.path + "'.");
         case Effect::reply:
         {
             const auto reply = newReply(message);
@@ -529,36 +542,13 @@ void Service::meet(const Fault& fault, sd_bus_message* message, Call& call)
     }
 }
 
-void Service::hold(sd_bus_message* message, Call&& call, Decision&& decision)
-{
-    auto& one = held.emplace_back(*this, Message(sd_bus_message_ref(message)),
-                                  std::move(call), std::move(decision));
-    if (!one.decision.fault)
-    {
-        return sendAgain(one);
-    }
-    sd_event_source* timer = nullptr;
-    check(sd_event_add_time_relative(services.event, &timer, CLOCK_MONOTONIC,
-                                     uint64_t{1000} *
-                                         one.decision.fault->milliseconds,
-                                     1000, onTimer, &one),
-          "sd_event_add_time_relative");
-    one.timer.reset(timer);
-}
-
 int Service::onTimer(sd_event_source*, uint64_t, void* data) noexcept
 {
-    auto& call = *static_cast<Held*>(data);
-    try
-    {
+    return withoutFailure([&] {
+        auto& call = *static_cast<Held*>(data);
         call.service.sendAgain(call);
-    }
-    catch (const std::exception&)
-    {
-        // As above: there is nobody left to tell.
-        call.service.release(call);
-    }
-    return 0;
+        return 0;
+    });
 }
 
 /** sd-bus answers only what it receives, so the service calls itself. */
@@ -569,31 +559,25 @@ void Service::sendAgain(Held& call)
     check(sd_bus_message_new_method_call(bus.get(), &raw, name.c_str(),
                                          sd_bus_message_get_path(original),
                                          sd_bus_message_get_interface(original),
-                                         sd_bus_message_get_member(original)),
-          "sd_bus_message_new_method_call");
+                                         sd_bus_message_get_member(original)));
     const Message again(raw);
-    check(sd_bus_message_rewind(original, true), "sd_bus_message_rewind");
-    check(sd_bus_message_copy(raw, original, true), "sd_bus_message_copy");
+    check(sd_bus_message_rewind(original, true));
+    check(sd_bus_message_copy(raw, original, true));
     sd_bus_slot* slot = nullptr;
-    check(sd_bus_call_async(bus.get(), &slot, raw, onReply, &call, UINT64_MAX),
-          "sd_bus_call_async");
+    check(sd_bus_call_async(bus.get(), &slot, raw, onReply, &call, UINT64_MAX));
     call.reply.reset(slot);
-    check(sd_bus_message_get_cookie(raw, &call.cookie),
-          "sd_bus_message_get_cookie");
+    check(sd_bus_message_get_cookie(raw, &call.cookie));
 }
 
 int Service::onReply(sd_bus_message* reply, void* data, sd_bus_error*) noexcept
 {
     auto& call = *static_cast<Held*>(data);
-    try
-    {
-        call.service.answer(call, reply);
-    }
-    catch (const std::exception&)
-    {
-        // As above: there is nobody left to tell.
-    }
-    call.service.release(call);
+    auto& service = call.service;
+    withoutFailure([&] {
+        service.answer(call, reply);
+        return 1;
+    });
+    service.held.remove_if([&](const Held& one) { return &one == &call; });
     return 1;
 }
 
@@ -601,21 +585,13 @@ void Service::answer(Held& call, sd_bus_message* reply)
 {
     if (const auto* error = sd_bus_message_get_error(reply))
     {
-        logOutcome(call.call, error->name);
-        check(sd_bus_reply_method_error(call.message.get(), error),
-              "sd_bus_reply_method_error");
-        return;
+        return refuse(call.message.get(), call.call, error->name,
+                      std::string(viewOf(error->message)));
     }
     logOutcome(call.call, replied);
     const auto answer = newReply(call.message.get());
-    check(sd_bus_message_copy(answer.get(), reply, true),
-          "sd_bus_message_copy");
+    check(sd_bus_message_copy(answer.get(), reply, true));
     send(answer);
-}
-
-void Service::release(const Held& call)
-{
-    held.remove_if([&](const Held& one) { return &one == &call; });
 }
 
 } // namespace morvath::sim

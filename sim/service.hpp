@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "sim/call_log.hpp"
 #include "sim/scenario.hpp"
 #include "sim/sd_bus.hpp"
 
+#include <chrono>
 #include <functional>
 #include <list>
 #include <map>
@@ -27,6 +27,28 @@ struct Place
     std::string_view property;
 };
 
+/** One method call that reached a service. */
+struct Call
+{
+    std::chrono::system_clock::time_point time;
+    /** The caller's unique name. */
+    std::string caller;
+    /** The destination as the caller wrote it. */
+    std::string service;
+    std::string path;
+    std::string interface;
+    std::string member;
+    /** A list; null when the arguments cannot be shown. */
+    SharedJson arguments;
+    /** "reply", the name of an error, or what a fault did instead. */
+    std::string outcome{};
+    /** The place of the fault in the scenario; empty without one. */
+    std::string fault{};
+};
+
+/** Receives calls as they come, on the thread that serves them. */
+using CallSink = std::function<void(const Call&)>;
+
 /** All services of a platform, and what they share. */
 struct Services
 {
@@ -43,6 +65,8 @@ struct Services
     std::function<void()> busLost;
     /** Whether objects come and go: then services have an ObjectManager. */
     bool haveManagers = false;
+    /** Interfaces of one form share a table, which stays in the caches. */
+    std::map<std::string, std::vector<sd_bus_vtable>> tables{};
     std::vector<std::unique_ptr<Service>> all{};
 
     /** Null when there is none of that name. */
@@ -66,6 +90,14 @@ struct Services
 class Service
 {
   public:
+    struct Published
+    {
+        std::vector<Interface> interfaces;
+        /** Without these properties at the moment. */
+        Decision without{};
+        std::vector<Slot> slots{};
+    };
+
     Service(Services& services, std::string name);
     virtual ~Service();
 
@@ -80,18 +112,17 @@ class Service
 
     bool isAlive() const noexcept { return bus != nullptr; }
 
-    sd_bus* connection() const noexcept { return bus.get(); }
+    /** By their paths. */
+    const auto& objects() const noexcept { return published; }
 
     /** Publishes an object, in place of one that has the path. */
     void add(const std::string& path, std::vector<Interface> interfaces);
-    void remove(const std::string& path);
+    void remove(const std::string& path) { published.erase(path); }
 
     /** Signals that an object has come, or is going. */
     void announce(const std::string& path,
                   int (*emit)(sd_bus* bus, const char* path)) const;
 
-    /** The interfaces of an object; null when there is none. */
-    const std::vector<Interface>* find(std::string_view path) const;
     Property* find(const Place& place);
 
     /** Does what a Set call wants, or throws BusError. */
@@ -102,34 +133,18 @@ class Service
     void change(std::string_view path, std::string_view interface,
                 Property& property, const Json& value);
 
-    /** The paths of all objects, in their order. */
-    std::vector<std::string_view> paths() const;
-
     const std::string name;
 
   protected:
     /** Called with a new connection, before it has the name. */
     virtual void prepare() {}
 
+    Slot addTable(const std::string& path, const std::string& interface,
+                  const sd_bus_vtable* table, void* userdata);
+
     Services& services;
 
   private:
-    /** An interface as sd-bus knows it. */
-    struct Registration
-    {
-        std::vector<sd_bus_vtable> table;
-        Slot slot;
-    };
-
-    struct Published
-    {
-        std::vector<Interface> interfaces;
-        std::vector<Registration> registrations;
-        Slot presence;
-        /** Without these properties at the moment. */
-        Decision without;
-    };
-
     /** A call that is answered later. */
     struct Held
     {
@@ -140,13 +155,6 @@ class Service
         EventSource timer{};
         Slot reply{};
         uint64_t cookie = 0;
-
-        Held(Service& service, Message message, Call call, Decision decision) :
-            service(service),
-            message(std::move(message)),
-            call(std::move(call)),
-            decision(std::move(decision))
-        {}
     };
 
     static int onMessage(sd_bus_message* message, void* self,
@@ -157,20 +165,19 @@ class Service
                        sd_bus_error* error) noexcept;
 
     int receive(sd_bus_message* message);
-    int receiveAgain(sd_bus_message* message);
     int decide(sd_bus_message* message);
     void meet(const Fault& fault, sd_bus_message* message, Call& call);
-    void hold(sd_bus_message* message, Call&& call, Decision&& decision);
+    void refuse(sd_bus_message* message, Call& call, const std::string& error,
+                const std::string& text);
     void logOutcome(Call& call, const std::string& outcome);
-    void release(const Held& held);
     void sendAgain(Held& held);
     void answer(Held& held, sd_bus_message* reply);
     void leaveOut(std::string_view path, const Decision& decision);
     void registerAll(const std::string& path, Published& object);
-    void registerInterface(const std::string& path, Interface& interface,
-                           Registration& registration, const Decision& without);
+    const sd_bus_vtable* tableOf(const Interface& interface,
+                                 const Decision& without);
 
-    std::map<std::string, Published, std::less<>> objects;
+    std::map<std::string, Published, std::less<>> published;
     Bus bus;
     std::list<Held> held;
 };

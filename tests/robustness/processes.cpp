@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "sim/daemon.hpp"
 #include "sim/platform.hpp"
+#include "sim/runner.hpp"
 #include "support/machine.hpp"
 #include "support/program.hpp"
 

@@ -7,9 +7,9 @@
 
 #include <signal.h>
 
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
-#include <memory>
 #include <set>
 #include <string>
 
@@ -30,36 +30,35 @@ Outcome morvathSim(const std::string& arguments)
 class Background
 {
   public:
-    explicit Background(const std::string& arguments)
+    explicit Background(const std::string& arguments) :
+        output(popen(("echo $$; exec $MORVATH_SIM " + arguments).c_str(), "re"))
     {
-        const sim::ProcessOptions options{.environment = {},
-                                          .output = pipe_.writeEnd.get(),
-                                          .deathSignal = SIGKILL};
-        process_ = std::make_unique<sim::Process>(
-            std::vector<std::string>{"sh", "-c",
-                                     "exec $MORVATH_SIM " + arguments},
-            options);
-        pipe_.writeEnd.close();
+        process = std::stoi(line());
     }
 
-    void send(int signal) { process_->send(signal); }
+    ~Background()
+    {
+        send(SIGKILL);
+        pclose(output);
+    }
+
+    void send(int signal) const { kill(process, signal); }
 
     /** The next line; empty at the end, when all writers are gone. */
-    std::string line()
+    std::string line() const
     {
         std::string text;
-        char character = 0;
-        while (read(pipe_.readEnd.get(), &character, 1) == 1 &&
-               character != '\n')
+        for (int letter = 0;
+             (letter = std::getc(output)) != EOF && letter != '\n';)
         {
-            text += character;
+            text += static_cast<char>(letter);
         }
         return text;
     }
 
   private:
-    sim::Pipe pipe_;
-    std::unique_ptr<sim::Process> process_;
+    std::FILE* output;
+    pid_t process;
 };
 
 } // namespace

@@ -12,72 +12,56 @@ namespace morvath::sim
 namespace
 {
 
-constexpr auto invalidEnumeration =
-    "xyz.openbmc_project.sdbusplus.Error.InvalidEnumString";
-
-constexpr auto hostState = "xyz.openbmc_project.State.Host.HostState.";
-constexpr auto transition = "xyz.openbmc_project.State.Host.Transition.";
-
 constexpr Place syncMethod{"/xyz/openbmc_project/time/sync_method",
                            "xyz.openbmc_project.Time.Synchronization",
                            "TimeSyncMethod"};
-constexpr auto ntpMethod =
-    "xyz.openbmc_project.Time.Synchronization.Method.NTP";
+constexpr auto network = "xyz.openbmc_project.Network.EthernetInterface";
 
 /** A Set call of the right type for a property that may be written. */
 struct Setting
 {
     Services& services;
-    Service& service;
     Place place;
-    Property& property;
     const Json& value;
-
-    /** At the service that was called. */
-    void keep() const
-    {
-        service.change(place.path, place.interface, property, value);
-    }
+    /** Stores the value at the service that was called. */
+    std::function<void()> keep;
 
     /** Another property of the same interface. */
-    Place beside(std::string_view name) const
+    Place beside(std::string_view property) const
     {
-        return {place.path, place.interface, name};
+        return {place.path, place.interface, property};
     }
 };
 
 void requestTransition(const Setting& setting)
 {
-    const auto current = setting.beside("CurrentHostState");
-    const auto become = [&](const char* state) {
-        setting.services.change(current, hostState + std::string(state));
+    const std::string host = "xyz.openbmc_project.State.Host.";
+    const auto state = setting.beside("CurrentHostState");
+    const auto become = [&](const char* name) {
+        setting.services.change(state, host + "HostState." + name);
     };
     const auto isFor = [&](const char* name) {
-        return setting.value == transition + std::string(name);
+        return setting.value == host + "Transition." + name;
     };
+    const auto isOff = setting.services.textAt(state) == host + "HostState.Off";
     // The request stays, whatever becomes of it.
     setting.services.change(setting.place, setting.value);
-    if (isFor("On"))
-    {
-        become("Running");
-    }
     // A host that is off is not started by a reboot, and a warm reboot does
     // not show in the state.
-    else if (setting.services.textAt(current) !=
-                 hostState + std::string("Off") &&
-             (isFor("Off") || isFor("Reboot")))
+    if (!isOff && (isFor("Off") || isFor("Reboot")))
     {
         become("Off");
-        if (isFor("Reboot"))
-        {
-            become("Running");
-        }
+    }
+    if (isFor("On") || (!isOff && isFor("Reboot")))
+    {
+        become("Running");
     }
 }
 
 void setClock(const Setting& setting)
 {
-    if (setting.services.textAt(syncMethod) == ntpMethod)
+    if (setting.services.textAt(syncMethod) ==
+        "xyz.openbmc_project.Time.Synchronization.Method.NTP")
     {
         throw BusError("xyz.openbmc_project.Time.Error.Failed",
                        "The clock is kept by NTP.");
@@ -107,12 +91,8 @@ constexpr std::array behaviours{
               "RequestedHostTransition", requestTransition},
     Behaviour{"ntp-keeps-clock", "xyz.openbmc_project.Time.EpochTime",
               "Elapsed", setClock},
-    Behaviour{"ntp-servers-in-use",
-              "xyz.openbmc_project.Network.EthernetInterface", "NTPServers",
-              ignore},
-    Behaviour{"ntp-servers-in-use",
-              "xyz.openbmc_project.Network.EthernetInterface",
-              "StaticNTPServers", useServers},
+    Behaviour{"ntp-servers-in-use", network, "NTPServers", ignore},
+    Behaviour{"ntp-servers-in-use", network, "StaticNTPServers", useServers},
 };
 
 } // namespace
@@ -132,20 +112,18 @@ void Service::set(std::string_view path, std::string_view interface,
     if (!texts.empty() &&
         std::ranges::find(texts, asText(value)) == texts.end())
     {
-        throw BusError(invalidEnumeration,
+        throw BusError("xyz.openbmc_project.sdbusplus.Error.InvalidEnumString",
                        "The text is no member of the enumeration.");
     }
-    const Setting setting{
-        services, *this, {path, interface, property.name}, property, value};
-    for (const auto& one : behaviours)
-    {
-        if (one.interface == interface && one.property == property.name &&
-            services.behaviours.contains(std::string(one.name)))
-        {
-            return one.apply(setting);
-        }
-    }
-    setting.keep();
+    const auto keep = [&] { change(path, interface, property, value); };
+    const auto* found = std::ranges::find_if(behaviours, [&](const auto& one) {
+        return one.interface == interface && one.property == property.name &&
+               services.behaviours.contains(std::string(one.name));
+    });
+    found == behaviours.end()
+        ? keep()
+        : found->apply(
+              {services, {path, interface, property.name}, value, keep});
 }
 
 } // namespace morvath::sim

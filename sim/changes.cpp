@@ -32,32 +32,6 @@ void checkPath(const Json& path, const Scenario& machine)
            path, "there is no such object");
 }
 
-const Property* findProperty(const Scenario& machine, const Json& path,
-                             const std::string& interface,
-                             const std::string& name)
-{
-    for (const auto& object : machine.objects)
-    {
-        for (const auto& owner : object.owners)
-        {
-            for (const auto& one : owner.interfaces)
-            {
-                const auto isMeant =
-                    object.path == path && one.name == interface;
-                const auto& own = one.properties;
-                const auto found =
-                    isMeant ? std::ranges::find(own, name, &Property::name)
-                            : own.end();
-                if (found != own.end())
-                {
-                    return &*found;
-                }
-            }
-        }
-    }
-    return nullptr;
-}
-
 void checkSet(const Json& change, const Json& set, Scenario& machine)
 {
     const auto& path = member(change, "path");
@@ -66,7 +40,17 @@ void checkSet(const Json& change, const Json& set, Scenario& machine)
     {
         for (const auto& [name, value] : asObject(properties).items())
         {
-            const auto* property = findProperty(machine, path, interface, name);
+            const Property* property = nullptr;
+            for (auto& object : machine.objects)
+            {
+                for (auto& owner : object.owners)
+                {
+                    property =
+                        property || object.path != path
+                            ? property
+                            : findProperty(owner.interfaces, interface, name);
+                }
+            }
             demand(property, value, "there is no such property");
             checkValue(property->type, value);
         }

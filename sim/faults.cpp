@@ -39,73 +39,6 @@ constexpr std::array<std::pair<std::string_view, Effect>, 7> effectKeys{
      {"missing", Effect::missing},
      {"vanished", Effect::vanished}}};
 
-Condition readCondition(const Json& json)
-{
-    allowOnly(json,
-              {"service", "path", "interface", "member", "property", "call"});
-    Condition condition;
-    for (const auto& one : conditionKeys)
-    {
-        if (const auto* name = findMember(json, one.key))
-        {
-            condition.*one.field = asName(one.kind, *name);
-        }
-    }
-    if (const auto* call = findMember(json, "call"))
-    {
-        condition.call = static_cast<uint32_t>(asWhole(*call, 1, UINT32_MAX));
-    }
-    return condition;
-}
-
-void readReply(const Json& json, const SharedJson& document, Fault& fault)
-{
-    allowOnly(json, {"type", "value"});
-    const auto& types = member(json, "type");
-    const auto* value = findMember(json, "value");
-    fault.replyTypes = asText(types);
-    if (!fault.replyTypes.empty())
-    {
-        fault.reply = {document, &member(json, "value")};
-        checkValues(types, *fault.reply);
-    }
-    else if (value)
-    {
-        throw Mistake(*value, "an empty reply has no value");
-    }
-}
-
-void readEffect(const Json& json, const SharedJson& document, Fault& fault)
-{
-    const auto* found = std::ranges::find_if(effectKeys, [&](const auto& one) {
-        return findMember(json, one.first) != nullptr;
-    });
-    demand(found != effectKeys.end(), json,
-           "must be one of error, delayMs, reply, silent, die, missing, "
-           "vanished");
-    const auto& [key, effect] = *found;
-    allowOnly(json, {key, effect == Effect::error ? "message" : key});
-    fault.then = effect;
-    const auto& own = member(json, key);
-    switch (effect)
-    {
-        case Effect::error:
-            fault.errorName = asName(interfaceName, own);
-            if (const auto* message = findMember(json, "message"))
-            {
-                checkValue("s", *message);
-                fault.errorText = *message;
-            }
-            return;
-        case Effect::delay:
-            fault.milliseconds =
-                static_cast<uint32_t>(asWhole(own, 0, UINT32_MAX));
-            return;
-        case Effect::reply: return readReply(own, document, fault);
-        default: checkTrue(own);
-    }
-}
-
 bool fits(std::string_view wanted, std::string_view actual)
 {
     return wanted.empty() || wanted == actual;
@@ -140,9 +73,14 @@ bool concerns(const Condition& when, const std::vector<Interface>& interfaces,
     });
 }
 
-bool fitsContents(const Condition& when, const CallKeys& call,
-                  const std::vector<Interface>* interfaces)
+bool fitsCall(const Condition& when, const CallKeys& call,
+              const std::vector<Interface>* interfaces)
 {
+    if (!fits(when.service, call.service) || !fits(when.path, call.path) ||
+        !fits(when.member, call.member))
+    {
+        return false;
+    }
     if (call.interface != propertiesInterface)
     {
         return when.property.empty() && fits(when.interface, call.interface);
@@ -158,14 +96,6 @@ bool fitsContents(const Condition& when, const CallKeys& call,
     }
     return fitsInterface(when, call.propertyInterface) &&
            fits(when.property, call.property);
-}
-
-bool fitsCall(const Condition& when, const CallKeys& call,
-              const std::vector<Interface>* interfaces)
-{
-    return fits(when.service, call.service) && fits(when.path, call.path) &&
-           fits(when.member, call.member) &&
-           fitsContents(when, call, interfaces);
 }
 
 /** Whether there is what a condition names at an object or a node above it. */
@@ -209,27 +139,70 @@ bool isThere(const Condition& when, const Scenario& scenario)
     return found;
 }
 
-void checkCondition(const Fault& fault, const Json& json,
-                    const Scenario& scenario)
+Condition readCondition(const Json& json, const Scenario& scenario)
 {
-    const auto& when = fault.when;
-    const auto isMissing = fault.then == Effect::missing;
-    demand(!when.path.empty() || (!isMissing && fault.then != Effect::vanished),
-           json, "\"path\" is needed for this fault");
-    demand(!when.property.empty() || !isMissing, json,
-           "\"property\" is needed for this fault");
-    // One after the other, to tell which is the first that is not there.
-    Condition names;
+    allowOnly(json,
+              {"service", "path", "interface", "member", "property", "call"});
+    Condition condition;
     for (const auto& [key, field, kind, isOfMachine] : conditionKeys)
     {
-        const auto* name = findMember(json, key);
-        if (name && isOfMachine)
+        if (const auto* name = findMember(json, key))
         {
-            names.*field = when.*field;
-            demand(isThere(names, scenario), *name,
+            condition.*field = asName(kind, *name);
+            demand(!isOfMachine || isThere(condition, scenario), *name,
                    "no call can meet this: the machine has no such " +
                        std::string(key));
         }
+    }
+    if (const auto* call = findMember(json, "call"))
+    {
+        condition.call = static_cast<uint32_t>(asWhole(*call, 1, UINT32_MAX));
+    }
+    return condition;
+}
+
+void readReply(const Json& json, const SharedJson& document, Fault& fault)
+{
+    allowOnly(json, {"type", "value"});
+    const auto& types = member(json, "type");
+    fault.replyTypes = asText(types);
+    if (fault.replyTypes.empty())
+    {
+        // Without a value, too.
+        return allowOnly(json, {"type"});
+    }
+    fault.reply = {document, &member(json, "value")};
+    checkValues(types, *fault.reply);
+}
+
+void readEffect(const Json& json, const SharedJson& document, Fault& fault)
+{
+    const auto* found = std::ranges::find_if(effectKeys, [&](const auto& one) {
+        return findMember(json, one.first) != nullptr;
+    });
+    demand(found != effectKeys.end(), json,
+           "must be one of error, delayMs, reply, silent, die, missing, "
+           "vanished");
+    const auto& [key, effect] = *found;
+    const auto& own = member(json, key);
+    allowOnly(json, {key, effect == Effect::error ? "message" : key});
+    fault.then = effect;
+    switch (effect)
+    {
+        case Effect::error:
+            fault.errorName = asName(interfaceName, own);
+            if (const auto* text = findMember(json, "message"))
+            {
+                checkValue("s", *text);
+                fault.errorText = *text;
+            }
+            return;
+        case Effect::delay:
+            fault.milliseconds =
+                static_cast<uint32_t>(asWhole(own, 0, UINT32_MAX));
+            return;
+        case Effect::reply: return readReply(own, document, fault);
+        default: checkTrue(own);
     }
 }
 
@@ -243,11 +216,18 @@ std::vector<Fault> readFaults(const Json& list, const SharedJson& document,
     {
         allowOnly(one, {"when", "then"});
         const auto& when = member(one, "when");
-        auto& fault = faults.emplace_back(
-            Fault{.place = "/faults/" + std::to_string(faults.size()),
-                  .when = readCondition(when)});
+        Fault fault{.place = "/faults/" + std::to_string(faults.size()),
+                    .when = readCondition(when, scenario)};
         readEffect(member(one, "then"), document, fault);
-        checkCondition(fault, when, scenario);
+        const auto isMissing = fault.then == Effect::missing;
+        if (isMissing || fault.then == Effect::vanished)
+        {
+            demand(!fault.when.path.empty(), when,
+                   "\"path\" is needed for this fault");
+            demand(!fault.when.property.empty() || !isMissing, when,
+                   "\"property\" is needed for this fault");
+        }
+        faults.push_back(std::move(fault));
     }
     return faults;
 }
@@ -268,35 +248,30 @@ Decision Faults::decide(const CallKeys& call,
     for (auto& fault : all)
     {
         const auto& when = fault.when;
+        auto isMet = fitsCall(when, call, interfaces);
+        if (isMet)
+        {
+            // Also when an earlier fault has decided already, so that the
+            // order of the faults does not shift the numbers of the calls.
+            ++fault.calls;
+            isMet = when.call == 0 || when.call == fault.calls;
+        }
+        // What is always missing is not in the introspection, either.
+        const auto isNeverThere = when.call == 0 && when.member.empty() &&
+                                  when.path == call.path &&
+                                  fits(when.service, call.service) &&
+                                  call.interface != propertiesInterface;
         const auto isAbsence = fault.then == Effect::missing;
-        if (!fitsCall(when, call, interfaces))
-        {
-            // What is always missing is not in the introspection, either.
-            const auto always = when.call == 0 && when.member.empty();
-            if (isAbsence && always && call.interface != propertiesInterface &&
-                when.path == call.path && fits(when.service, call.service))
-            {
-                decision.missing.push_back(&fault);
-            }
-            continue;
-        }
-        // Counted also when an earlier fault has decided already, so that the
-        // order of the faults does not shift the numbers of the calls.
-        ++fault.calls;
-        if (when.call != 0 && when.call != fault.calls)
-        {
-            continue;
-        }
-        if (isAbsence)
+        if (isAbsence && (isMet || isNeverThere))
         {
             decision.missing.push_back(&fault);
-            fault.used = true;
         }
-        else if (!decision.fault)
+        else if (!isAbsence && isMet && !decision.fault)
         {
             decision.fault = &fault;
-            fault.used = true;
         }
+        fault.used =
+            fault.used || (isMet && (isAbsence || decision.fault == &fault));
     }
     return decision;
 }

@@ -23,110 +23,86 @@ constexpr unsigned deepestValue = 62;
 /** sd-bus would end a text there. */
 bool hasZero(std::string_view text) { return text.find('\0') != text.npos; }
 
-void appendBasic(sd_bus_message* message, char type, const void* value)
+/** As long as sd-bus has it. */
+enum class Boolean : int
 {
-    check(sd_bus_message_append_basic(message, type, value),
-          "sd_bus_message_append_basic");
-}
+};
 
 template <typename Value>
-Value readBasic(sd_bus_message* message, char type)
+Value fromJson(const Json& json, char type)
 {
-    Value value{};
-    check(sd_bus_message_read_basic(message, type, &value),
-          "sd_bus_message_read_basic");
-    return value;
+    using Limits = std::numeric_limits<Value>;
+    return static_cast<Value>(
+        asWhole(json, Limits::min(), Limits::max(), type));
 }
 
-void appendFlag(sd_bus_message* message, char type, const Json& value)
+template <>
+Boolean fromJson(const Json& json, char)
 {
-    const int flag = asFlag(value);
-    appendBasic(message, type, &flag);
+    return Boolean(asFlag(json));
 }
 
-Json readFlag(sd_bus_message* message, char type)
+template <>
+double fromJson(const Json& json, char)
 {
-    return readBasic<int>(message, type) != 0;
-}
-
-template <typename Number>
-void appendWhole(sd_bus_message* message, char type, const Json& value)
-{
-    using Limits = std::numeric_limits<Number>;
-    const auto number =
-        static_cast<Number>(asWhole(value, Limits::min(), Limits::max(), type));
-    appendBasic(message, type, &number);
-}
-
-template <typename Value>
-Json readPlain(sd_bus_message* message, char type)
-{
-    return readBasic<Value>(message, type);
-}
-
-void appendDouble(sd_bus_message* message, char type, const Json& value)
-{
-    const auto isWord = value == "nan" || value == "inf" || value == "-inf";
-    demand(isWord || value.is_number(), value,
+    const auto isWord = json == "nan" || json == "inf" || json == "-inf";
+    demand(isWord || json.is_number(), json,
            R"(must be a number, "nan", "inf" or "-inf" (type d))");
-    const auto number = isWord ? std::stod(asText(value)) : value.get<double>();
-    appendBasic(message, type, &number);
+    return isWord ? std::stod(asText(json)) : json.get<double>();
 }
 
-Json readDouble(sd_bus_message* message, char type)
+template <>
+const char* fromJson(const Json& json, char)
 {
-    const auto number = readBasic<double>(message, type);
-    if (std::isfinite(number))
-    {
-        return number;
-    }
-    return std::isnan(number) ? "nan" : number > 0 ? "inf" : "-inf";
+    demand(!hasZero(asText(json)), json,
+           "the bus carries no text with a zero character");
+    return asText(json).c_str();
 }
 
-void appendText(sd_bus_message* message, char type, const Json& value)
+const void* dataOf(const auto& value) { return &value; }
+
+const void* dataOf(const char* text) { return text; }
+
+Json toJson(auto value) { return value; }
+
+Json toJson(Boolean value) { return value != Boolean{}; }
+
+Json toJson(double number)
 {
-    const auto& text = asText(value);
-    const auto result =
-        hasZero(text)
-            ? -EINVAL
-            : sd_bus_message_append_basic(message, type, text.c_str());
-    demand(result != -EINVAL, value,
-           std::string("the bus does not carry this text as type ") + type);
-    check(result, "sd_bus_message_append_basic");
+    const auto* word = std::isnan(number) ? "nan" : number > 0 ? "inf" : "-inf";
+    return std::isfinite(number) ? Json(number) : Json(word);
 }
 
+/** A type that sd-bus reads and appends by itself. */
 struct BasicType
 {
     char type;
-    void (*append)(sd_bus_message* message, char type, const Json& value);
+    int (*append)(sd_bus_message* message, char type, const Json& value);
     Json (*read)(sd_bus_message* message, char type);
 };
 
-template <typename Number>
-constexpr BasicType whole(char type)
+template <typename Value>
+constexpr BasicType basic(char type)
 {
-    return {type, appendWhole<Number>, readPlain<Number>};
-}
-
-constexpr BasicType textual(char type)
-{
-    return {type, appendText, readPlain<const char*>};
+    return {type,
+            [](sd_bus_message* message, char type, const Json& json) {
+                const auto value = fromJson<Value>(json, type);
+                return sd_bus_message_append_basic(message, type,
+                                                   dataOf(value));
+            },
+            [](sd_bus_message* message, char type) {
+                Value value{};
+                check(sd_bus_message_read_basic(message, type, &value),
+                      "sd_bus_message_read_basic");
+                return toJson(value);
+            }};
 }
 
 constexpr std::array basicTypes{
-    whole<uint8_t>('y'),
-    whole<int16_t>('n'),
-    whole<uint16_t>('q'),
-    whole<int32_t>('i'),
-    whole<uint32_t>('u'),
-    whole<int64_t>('x'),
-    whole<uint64_t>('t'),
-    textual('s'),
-    textual('o'),
-    textual('g'),
-    BasicType{'b', appendFlag, readFlag},
-    BasicType{'d', appendDouble, readDouble},
-};
+    basic<uint8_t>('y'),     basic<int16_t>('n'),     basic<uint16_t>('q'),
+    basic<int32_t>('i'),     basic<uint32_t>('u'),    basic<int64_t>('x'),
+    basic<uint64_t>('t'),    basic<Boolean>('b'),     basic<double>('d'),
+    basic<const char*>('s'), basic<const char*>('o'), basic<const char*>('g')};
 
 /** Null for a container and for a file descriptor. */
 const BasicType* basicType(char type)
@@ -162,7 +138,12 @@ class Appender
         const auto letter = type.front();
         if (const auto* basic = basicType(letter))
         {
-            return basic->append(message, letter, value);
+            const auto result = basic->append(message, letter, value);
+            demand(result != -EINVAL, value,
+                   std::string("the bus does not carry this text as type ") +
+                       letter);
+            check(result, "sd_bus_message_append_basic");
+            return;
         }
         demand(letter != 'h', value,
                "a file descriptor cannot be written down (type h)");
@@ -174,14 +155,13 @@ class Appender
         const auto isArray = letter == 'a';
         const std::string inside(
             type.substr(1, type.size() - (isArray ? 1 : 2)));
-        appendContainer(isArray         ? 'a'
-                        : letter == '(' ? 'r'
-                                        : 'e',
-                        inside, value, [&] {
-                            isArray&& inside.front() == '{' && value.is_object()
-                                ? appendEntries(inside, value)
-                                : appendList(inside, value, isArray);
-                        });
+        if (isArray && inside.front() == '{' && value.is_object())
+        {
+            return appendDictionary(inside, value);
+        }
+        const auto container = isArray ? 'a' : letter == '(' ? 'r' : 'e';
+        appendContainer(container, inside, value,
+                        [&] { appendList(inside, value, isArray); });
     }
 
     void appendVariant(const Json& json)
@@ -228,24 +208,25 @@ class Appender
         --depth;
     }
 
-    /** A dictionary that is written as an object. */
-    void appendEntries(std::string_view entry, const Json& object)
+    void appendDictionary(const std::string& entry, const Json& object)
     {
-        const std::string inside(entry.substr(1, entry.size() - 2));
-        for (const auto& [key, value] : object.items())
-        {
-            appendContainer('e', inside, value, [&] {
-                appendKey(inside.front(), key, value);
-                append(inside.substr(1), value);
-            });
-        }
+        const auto inside = entry.substr(1, entry.size() - 2);
+        appendContainer('a', entry, object, [&] {
+            for (const auto& [key, value] : object.items())
+            {
+                appendContainer('e', inside, value, [&] {
+                    appendKey(inside.substr(0, 1), key, value);
+                    append(inside.substr(1), value);
+                });
+            }
+        });
     }
 
-    void appendKey(char type, const std::string& key, const Json& place)
+    void appendKey(const std::string& type, const Json& key, const Json& place)
     {
         try
         {
-            basicType(type)->append(message, type, key);
+            append(type, key);
         }
         catch (const Mistake& mistake)
         {
@@ -275,8 +256,8 @@ Json dictionaryOf(Json&& entries, char keyType)
     const auto isName = [&](const Json& entry) {
         return keys.insert(asText(entry[0])).second;
     };
-    if (basicType(keyType)->append != appendText ||
-        !std::ranges::all_of(entries, isName))
+    const auto isText = keyType == 's' || keyType == 'o' || keyType == 'g';
+    if (!isText || !std::ranges::all_of(entries, isName))
     {
         return std::move(entries);
     }

@@ -287,6 +287,20 @@ void checkRaid(const Json& section, const Json& place)
     }
 }
 
+Property* findProperty(std::vector<Interface>& interfaces,
+                       std::string_view interface, std::string_view property)
+{
+    const auto found =
+        std::ranges::find(interfaces, interface, &Interface::name);
+    if (found == interfaces.end())
+    {
+        return nullptr;
+    }
+    auto& own = found->properties;
+    const auto one = std::ranges::find(own, property, &Property::name);
+    return one == own.end() ? nullptr : &*one;
+}
+
 std::vector<Association>
 associationsOf(const std::vector<Interface>& interfaces)
 {

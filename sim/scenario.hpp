@@ -104,6 +104,10 @@ constexpr auto associationDefinitions =
     "xyz.openbmc_project.Association.Definitions";
 constexpr auto associationInterface = "xyz.openbmc_project.Association";
 
+/** Null when there is none. */
+Property* findProperty(std::vector<Interface>& interfaces,
+                       std::string_view interface, std::string_view property);
+
 struct Association
 {
     std::string forward;

@@ -303,20 +303,10 @@ void Service::announce(const std::string& path,
 Property* Service::find(const Place& place)
 {
     const auto object = published.find(place.path);
-    if (object == published.end())
-    {
-        return nullptr;
-    }
-    auto& interfaces = object->second.interfaces;
-    const auto interface =
-        std::ranges::find(interfaces, place.interface, &Interface::name);
-    if (interface == interfaces.end())
-    {
-        return nullptr;
-    }
-    const auto property = std::ranges::find(interface->properties,
-                                            place.property, &Property::name);
-    return property == interface->properties.end() ? nullptr : &*property;
+    return object == published.end()
+               ? nullptr
+               : findProperty(object->second.interfaces, place.interface,
+                              place.property);
 }
 
 void Service::change(std::string_view path, std::string_view interface,

@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "sim/scenario.hpp"
 
+#include "sim/process.hpp"
+
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <string>
 
 namespace morvath::tests
@@ -17,19 +16,6 @@ using sim::Scenario;
 
 namespace
 {
-
-std::string errorOf(const std::string& json)
-{
-    try
-    {
-        Scenario::parse(json, "file");
-    }
-    catch (const sim::ScenarioError& error)
-    {
-        return error.what();
-    }
-    return "";
-}
 
 /** A scenario with a gap, and the place of that. */
 struct Frame
@@ -42,17 +28,21 @@ struct Frame
 const Frame whole{"", "", "file: "};
 const Frame document{R"({"format": 1, )", "}", "file: /"};
 const Frame object{R"({"format": 1, "objects": [)", "]}", "file: /objects/0"};
-const Frame owner{R"({"format": 1, "objects": [{"path": "/a", "services": [)",
-                  "]}]}", "file: /objects/0/services/0"};
 const Frame property{
     R"({"format": 1, "objects": [{"path": "/a", "services": [
         {"name": "x.y", "interfaces": {"x.I": {"P": )",
     "}}}]}]}", "file: /objects/0/services/0/interfaces/x.I/P"};
 const Frame fault{R"({"format": 1, "faults": [)", "]}", "file: /faults/0"};
+const Frame change{
+    R"({"format": 1, "objects": [{"path": "/a", "services": [
+        {"name": "x.S", "interfaces": {"x.I": {
+            "P": {"type": "i", "value": 0}}}}]}],
+        "raid": {"controllers": [{"raid_id": 1}]}, "changes": [{"after": )",
+    "}]}", "file: /changes/0"};
 const Frame raid{R"({"format": 1, "raid": {)", "}}", "file: /raid/"};
-const Frame controller{R"({"format": 1, "raid": {"controllers": [
-                           {"raid_id": 1, )",
-                       "}]}}", "file: /raid/controllers/0/"};
+const Frame controller{
+    R"({"format": 1, "raid": {"controllers": [{"raid_id": 1, )", "}]}}",
+    "file: /raid/controllers/0/"};
 
 struct Mistake
 {
@@ -67,19 +57,22 @@ void expectRefusals(const std::vector<Mistake>& mistakes)
     for (const auto& [frame, part, message] : mistakes)
     {
         const auto json = frame.before + part + frame.after;
-        const auto text = message.empty() ? "" : frame.place + message;
-        EXPECT_EQ(errorOf(json), text) << json;
+        std::string told;
+        try
+        {
+            Scenario::parse(json, "file");
+        }
+        catch (const sim::ScenarioError& error)
+        {
+            told = error.what();
+        }
+        EXPECT_EQ(told, message.empty() ? "" : frame.place + message) << json;
     }
 }
 
 std::string times(unsigned count, const std::string& text)
 {
-    std::string result;
-    while (count-- > 0)
-    {
-        result += text;
-    }
-    return result;
+    return count == 0 ? "" : text + times(count - 1, text);
 }
 
 /** A value inside so many variants. */
@@ -89,44 +82,19 @@ std::string variants(unsigned count)
            R"({"type": "y", "value": 1})" + times(count, "}");
 }
 
-/** A folder that goes with its contents. */
-class Folder
-{
-  public:
-    Folder()
-    {
-        std::string name =
-            std::filesystem::temp_directory_path() / "scenarios-XXXXXX";
-        path = mkdtemp(name.data());
-    }
-
-    ~Folder() { std::filesystem::remove_all(path); }
-
-    Scenario load(const std::string& name, const std::string& text) const
-    {
-        std::ofstream(path / name) << text;
-        return Scenario::load(path / name);
-    }
-
-  private:
-    std::filesystem::path path;
-};
-
 } // namespace
 
 TEST(Scenario, MistakesHaveTheirPlace)
 {
-    const std::string noCall = ": no call can meet this: the machine has no "
-                               "such ";
     const std::string some =
         R"({"path": "/a", "services": [{"name": "x.y", "interfaces": {}}]})";
+    const std::string none =
+        ": no call can meet this: the machine has no such ";
     expectRefusals({
         {whole, "{\n\"format\": 1,,}",
          "parse error at line 2, column 13: syntax error while parsing object "
          "key - unexpected ','; expected string literal"},
         {whole, std::string(200, '['), "/: the nesting is too deep"},
-        {whole, R"({"format": 2})",
-         "/format: must be 1, the only format there is"},
         {document, R"("a": {"b~/": [0, {"c": 1, "c": 2}]})",
          "a/b~0~1/1/c: the key stands here twice"},
         {document, R"("fault": [])",
@@ -135,19 +103,17 @@ TEST(Scenario, MistakesHaveTheirPlace)
          "behaviours/1: there is no behaviour \"magic\""},
         {document, R"("extends": "none.json")",
          "extends: there is no file none.json"},
-        {object, R"({"path": "/a/", "services": []})",
-         "/path: \"/a/\" is not an object path"},
-        {object, R"({"path": "/a", "services": []})",
-         "/services: an object needs a service"},
         {document, R"("objects": [)" + some + ',' + some + ']',
          "objects/1: the object \"/a\" stands here twice"},
         {document, R"("objects": [{"path": "/a", "services": [{"interfaces": {},
                       "name": "xyz.openbmc_project.ObjectMapper"}]}])",
          ": the object mapper's name is taken by a service"},
+        {object, R"({"path": "/a/", "services": []})",
+         "/path: \"/a/\" is not an object path"},
         {object, R"({"path": "/a", "remove": true})",
          ": there is no such object to remove"},
-        {owner, R"({"name": ":1.7", "interfaces": {}})",
-         "/name: \":1.7\" is not a name to ask the bus for"},
+        {object, R"({"path": "/a", "services": [{"name": ":1.7"}]})",
+         "/services/0/name: \":1.7\" is not a name to ask the bus for"},
         {property, R"({"type": "a{vs}", "value": {}})",
          "/type: \"a{vs}\" is not one complete D-Bus type"},
         {property, R"({"type": "t", "value": -1})",
@@ -158,7 +124,7 @@ TEST(Scenario, MistakesHaveTheirPlace)
         {property, R"({"type": "d", "value": "NaN"})",
          R"(/value: must be a number, "nan", "inf" or "-inf" (type d))"},
         {property, R"({"type": "s", "value": "a\u0000b"})",
-         "/value: the bus does not carry this text as type s"},
+         "/value: the bus carries no text with a zero character"},
         {property, R"({"type": "s", "value": "\ufdd0"})",
          "/value: the bus does not carry this text as type s"},
         {property, R"json({"type": "(so)", "value": ["a"]})json",
@@ -171,17 +137,37 @@ TEST(Scenario, MistakesHaveTheirPlace)
         {property, variants(62),
          times(62, "/value") + "/type: is nested too deep for the bus"},
         {fault, R"({"when": {"service": "x.S"}, "then": {"die": true}})",
-         "/when/service" + noCall + "service"},
-        {fault, R"({"when": {"path": "/a/c"}, "then": {"silent": true}})",
-         "/when/path" + noCall + "path"},
+         "/when/service" + none + "service"},
+        {fault, R"({"when": {"path": "/a/c"}, "then": {"die": true}})",
+         "/when/path" + none + "path"},
         {fault, R"({"when": {"interface": "x.N"}, "then": {"die": true}})",
-         "/when/interface" + noCall + "interface"},
+         "/when/interface" + none + "interface"},
         {fault, R"({"when": {"property": "P"}, "then": {"die": true}})",
-         "/when/property" + noCall + "property"},
-        {fault, R"({"when": {"path": "/a"}, "then": {"missing": true}})",
+         "/when/property" + none + "property"},
+        {fault, R"({"when": {"path": "/"}, "then": {"missing": true}})",
          "/when: \"property\" is needed for this fault"},
         {fault, R"({"when": {}, "then": {"error": "plain"}})",
          "/then/error: \"plain\" is not an interface name"},
+        {change, "-1", "/after: must be a number of seconds, at least 0.0"},
+        {change, R"(1, "every": 0)",
+         "/every: must be a number of seconds, at least 0.01"},
+        {change, R"(1, "path": "/a")",
+         ": must say one of set, add, remove, die, start, raid"},
+        {change, R"(1, "path": "/b", "set": {})",
+         "/path: there is no such object"},
+        {change, R"(1, "path": "/a", "set": {"x.I": {"R": 1}})",
+         "/set/x.I/R: there is no such property"},
+        {change, R"(1, "path": "/a", "set": {"x.I": {"P": true}})",
+         "/set/x.I/P: must be a whole number from -2147483648 to 2147483647 "
+         "(type i)"},
+        {change, R"(1, "service": "x.T", "die": true)",
+         "/service: there is no such service"},
+        {change, R"(1, "raid": {"/controllers/1/raid_id": 2})",
+         "/raid/~1controllers~11~1raid_id: there is no such place in the RAID "
+         "section"},
+        {change, R"(1, "raid": {"/controllers/0/raid_id": -2})",
+         "/raid/~1controllers~10~1raid_id/controllers/0/raid_id: must be a "
+         "whole number from 0 to 4294967295"},
     });
 }
 
@@ -196,8 +182,6 @@ TEST(Scenario, RaidSectionHasMistakesWithTheirPlace)
         "outputs": ["", "", "", ""]})";
     expectRefusals({
         {raid, R"("manager": true)", "manager: the key is unknown here"},
-        {raid, R"("controllers": [{}])",
-         "controllers/0: \"raid_id\" is missing"},
         {raid, R"("controllers": [{"raid_id": 2}, {"raid_id": 2}])",
          "controllers/1/raid_id: the id stands here twice"},
         {raid, R"("configuration": [)" + board + ',' + board + ']',
@@ -223,17 +207,19 @@ TEST(Scenario, RaidSectionHasMistakesWithTheirPlace)
 
 TEST(Scenario, ExtensionReplacesAddsAndRemoves)
 {
-    const Folder folder;
-    folder.load("base.json", R"({"format": 1, "mapper": false,
+    sim::MemoryFile base(R"({"format": 1, "mapper": false,
         "behaviours": ["host-power"], "raid": {"controllers": []},
         "faults": [{"when": {}, "then": {"die": true}}], "objects": [
         {"path": "/a", "services": [{"name": "x.A", "interfaces": {}}]},
         {"path": "/b", "services": [{"name": "x.B", "interfaces": {}}]}]})");
-    const auto own = folder.load("own.json", R"(
-        {"format": 1, "extends": "base.json", "objects": [
+    const auto extended = [&](const std::string& rest) {
+        return R"({"format": 1, "extends": ")" + base.path() + '"' + rest + '}';
+    };
+    const auto own = Scenario::parse(extended(R"(, "objects": [
         {"path": "/c", "services": [{"name": "x.C", "interfaces": {}}]},
         {"path": "/b", "remove": true},
-        {"path": "/a", "services": [{"name": "x.D", "interfaces": {}}]}]})");
+        {"path": "/a", "services": [{"name": "x.D", "interfaces": {}}]}])"),
+                                     "own");
     ASSERT_EQ(own.objects.size(), 2U);
     EXPECT_EQ(own.objects[0].path, "/a");
     EXPECT_EQ(own.objects[0].owners[0].service, "x.D");
@@ -242,13 +228,12 @@ TEST(Scenario, ExtensionReplacesAddsAndRemoves)
     EXPECT_TRUE(own.hasMapper);
     EXPECT_EQ(own.behaviours, std::set<std::string>{"host-power"});
     EXPECT_EQ(*own.raid, Json({{"controllers", Json::array()}}));
-    const auto bare = folder.load("bare.json", R"({"format": 1,
-        "extends": "base.json", "behaviours": [], "raid": {}})");
+    const auto bare =
+        Scenario::parse(extended(R"(, "behaviours": [], "raid": {})"), "bare");
     EXPECT_TRUE(bare.behaviours.empty());
     EXPECT_EQ(*bare.raid, Json::object());
-    EXPECT_THROW(
-        folder.load("it.json", R"({"format": 1, "extends": "it.json"})"),
-        sim::ScenarioError);
+    base.replace(extended(""));
+    EXPECT_THROW(Scenario::load(base.path()), sim::ScenarioError);
 }
 
 } // namespace morvath::tests

@@ -8,9 +8,7 @@
 #include <utility>
 #include <vector>
 
-namespace morvath::tests
-{
-namespace
+namespace morvath::tests::changes
 {
 
 using sim::Seconds;
@@ -53,8 +51,6 @@ class Changes : public testing::Test
     sim::Platform platform{sim::Scenario::parse(moving, "moving")};
     Client client;
 };
-
-} // namespace
 
 TEST_F(Changes, HappenInTheirOrderAndAgain)
 {
@@ -114,4 +110,4 @@ TEST(Busy, StopsAFanAndLetsItRecover)
     }
 }
 
-} // namespace morvath::tests
+} // namespace morvath::tests::changes

@@ -9,9 +9,7 @@
 #include <utility>
 #include <vector>
 
-namespace morvath::tests
-{
-namespace
+namespace morvath::tests::faults
 {
 
 constexpr auto objects = R"([
@@ -29,8 +27,6 @@ sim::Scenario withFaults(const std::string& faults)
                                     faults + "]}",
                                 "faults");
 }
-
-} // namespace
 
 /** What Get P, Get Q and GetAll of x.I on /a and Get P on /b answer. */
 TEST(Faults, ReachExactlyTheCallsTheyDescribe)
@@ -132,4 +128,4 @@ TEST(Faults, AreToldWhenNoCallMeetsThem)
     EXPECT_EQ(platform.unusedFaults(), std::vector<std::string>{"/faults/1"});
 }
 
-} // namespace morvath::tests
+} // namespace morvath::tests::faults

@@ -8,14 +8,11 @@
 
 #include <string>
 
-namespace morvath::tests
+namespace morvath::tests::scenarios
 {
 
 using sim::Json;
 using sim::Scenario;
-
-namespace
-{
 
 /** A scenario with a gap, and the place of that. */
 struct Frame
@@ -81,8 +78,6 @@ std::string variants(unsigned count)
     return times(count, R"({"type": "v", "value": )") +
            R"({"type": "y", "value": 1})" + times(count, "}");
 }
-
-} // namespace
 
 TEST(Scenario, MistakesHaveTheirPlace)
 {
@@ -236,4 +231,4 @@ TEST(Scenario, ExtensionReplacesAddsAndRemoves)
     EXPECT_THROW(Scenario::load(base.path()), sim::ScenarioError);
 }
 
-} // namespace morvath::tests
+} // namespace morvath::tests::scenarios

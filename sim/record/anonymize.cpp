@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "sim/document.hpp"
 #include "sim/record/parts.hpp"
 
 #include <arpa/inet.h>
@@ -23,8 +24,6 @@ namespace morvath::sim
 {
 namespace
 {
-
-using Json = nlohmann::ordered_json;
 
 // What is shorter stands in other texts by chance; from the second length on
 // it may be a part of a word.
@@ -143,6 +142,7 @@ struct View
     /** @param[in] isPath  whether characters may be written as "_3a" */
     View(const std::string& whole, bool isPath)
     {
+        std::size_t word = 0;
         for (std::size_t place = 0; place < whole.size(); ++place)
         {
             auto character = whole[place];
@@ -159,19 +159,22 @@ struct View
                 std::tolower(static_cast<unsigned char>(character)));
             if (isLetter(character))
             {
-                isFirst.push_back(text.size() == 1 ||
-                                  !isLetter(text[text.size() - 2]));
-                places.push_back(start);
                 letters += text.back();
+                places.push_back(start);
+                words.push_back(word);
+            }
+            else
+            {
+                ++word;
             }
         }
-        isFirst.push_back(true);
+        words.push_back(word + 1);
     }
 
     std::string text{};
     std::string letters{};
-    /** Of each letter and the end: whether nothing joins it to those before. */
-    std::vector<bool> isFirst{};
+    // Of each letter, and the last also of the end.
+    std::vector<std::size_t> words{};
     std::vector<std::size_t> places{};
 };
 
@@ -482,15 +485,17 @@ class Anonymizer
     {
         const auto& [letters, rest] = secret;
         const auto end = start + letters.size();
-        const auto isEnumeration = text.starts_with("xyz.openbmc_project.");
+        const auto& words = view.words;
+        const auto isApart = (start == 0 || words[start - 1] != words[start]) &&
+                             words[end - 1] != words[end];
         if (rest.secrecy == Secrecy::identifier &&
             letters.size() >= unmistakable)
         {
             return true;
         }
-        if (!view.isFirst[start] || !view.isFirst[end] ||
-            (rest.secrecy == Secrecy::host &&
-             (isEnumeration || text.starts_with('/'))))
+        if (!isApart || (rest.secrecy == Secrecy::host &&
+                         (text.starts_with('/') ||
+                          text.starts_with("xyz.openbmc_project."))))
         {
             return false;
         }
@@ -504,11 +509,7 @@ class Anonymizer
         }
         // Numbers alone make an address only with marks, and a serial number
         // only without.
-        const auto first = view.isFirst.begin();
-        const auto hasMarks =
-            std::find(first + static_cast<std::ptrdiff_t>(start) + 1,
-                      first + static_cast<std::ptrdiff_t>(end),
-                      true) != first + static_cast<std::ptrdiff_t>(end);
+        const auto hasMarks = words[start] != words[end - 1];
         return hasMarks == (rest.secrecy == Secrecy::address) ||
                !std::ranges::all_of(letters, isDigit);
     }

@@ -42,7 +42,7 @@ struct RecordKind
     uint64_t mostId;
     std::span<const Field> fields;
     /** What a description may have besides. */
-    std::span<const std::string_view> otherKeys{};
+    std::vector<std::string_view> otherKeys{};
 };
 
 constexpr Field controllerFields[]{
@@ -86,13 +86,13 @@ constexpr Field logicalFields[]{
      1 + mostMembers* logical_drive::memberSize},
 };
 
-constexpr std::string_view otherControllerKeys[]{"supported_raid_levels",
-                                                 "physical", "logical"};
-
-constexpr RecordKind controllerKind{"raid_id", UINT32_MAX, controllerFields,
-                                    otherControllerKeys};
-constexpr RecordKind physicalKind{"device_id", UINT16_MAX, physicalFields};
-constexpr RecordKind logicalKind{"id", UINT16_MAX, logicalFields};
+const RecordKind controllerKind{
+    "raid_id",
+    UINT32_MAX,
+    controllerFields,
+    {"supported_raid_levels", "physical", "logical"}};
+const RecordKind physicalKind{"device_id", UINT16_MAX, physicalFields};
+const RecordKind logicalKind{"id", UINT16_MAX, logicalFields};
 
 constexpr std::array<std::string_view, 4> identifierKeys{
     "vendor", "device", "subvendor", "subdevice"};
@@ -140,24 +140,43 @@ const Json& listOf(const Json& value)
     return value;
 }
 
-/** The members of an object; each has to be one that is taken. */
-void forEachMember(const Json& object, const auto& take)
+const Json& objectOf(const Json& value)
 {
-    demand(object.is_object(), object, "must be an object");
-    for (const auto& [key, value] : object.items())
-    {
-        demand(take(std::string_view(key), value), value,
-               "the key is unknown here");
-    }
+    demand(value.is_object(), value, "must be an object");
+    return value;
 }
 
 const Json& required(const Json& object, std::string_view key)
 {
-    demand(object.is_object(), object, "must be an object");
-    const auto found = object.find(key);
+    const auto found = objectOf(object).find(key);
     demand(found != object.end(), object,
            '"' + std::string(key) + "\" is missing");
     return *found;
+}
+
+/** The member of an object, or an empty list. */
+const Json& listAt(const Json& object, std::string_view key)
+{
+    static const Json none = Json::array();
+    const auto found = object.find(key);
+    return found == object.end() ? none : listOf(*found);
+}
+
+/** The member of an object, or an empty object. */
+const Json& objectAt(const Json& object, std::string_view key)
+{
+    static const Json none = Json::object();
+    const auto found = object.find(key);
+    return found == object.end() ? none : objectOf(*found);
+}
+
+void allowOnly(const Json& object, const std::vector<std::string_view>& keys)
+{
+    for (const auto& [key, value] : objectOf(object).items())
+    {
+        demand(std::ranges::count(keys, key) > 0, value,
+               "the key is unknown here");
+    }
 }
 
 /** Little-endian, as wide as the area. */
@@ -288,22 +307,21 @@ Json differences(Bytes record, Bytes described)
 /** Bytes without a key stay as they are; "raw" goes over all that have one. */
 void fill(const Json& description, const RecordKind& kind, Bytes record)
 {
-    const auto take = [&](std::string_view key, const Json& value) {
-        const auto field = std::ranges::find(kind.fields, key, &Field::key);
-        if (field != kind.fields.end())
-        {
-            store(*field, value, record);
-        }
-        return field != kind.fields.end() || key == kind.idKey ||
-               key == "raw" || std::ranges::count(kind.otherKeys, key) > 0;
-    };
-    forEachMember(description, take);
-    if (const auto raw = description.find("raw"); raw != description.end())
+    auto keys = kind.otherKeys;
+    keys.insert(keys.end(), {kind.idKey, "raw"});
+    std::ranges::transform(kind.fields, std::back_inserter(keys), &Field::key);
+    allowOnly(description, keys);
+    for (const auto& field : kind.fields)
     {
-        forEachMember(*raw, [&](std::string_view key, const Json& value) {
-            storeRaw(std::string(key), value, record);
-            return true;
-        });
+        const auto value = description.find(field.key);
+        if (value != description.end())
+        {
+            store(field, *value, record);
+        }
+    }
+    for (const auto& [offset, bytes] : objectAt(description, "raw").items())
+    {
+        storeRaw(offset, bytes, record);
     }
 }
 
@@ -351,22 +369,12 @@ void readControllers(const Json& list, std::vector<Controller>& controllers)
     for (std::size_t index = 0; index < list.size(); ++index)
     {
         auto& controller = controllers[index];
-        for (const auto& [key, value] : list[index].items())
-        {
-            if (key == "supported_raid_levels")
-            {
-                controller.levels = textOf(value);
-            }
-            else if (key == "physical")
-            {
-                readItems(value, physicalKind, blankDrive(controller.id),
-                          controller.physical);
-            }
-            else if (key == "logical")
-            {
-                readItems(value, logicalKind, {}, controller.logical);
-            }
-        }
+        const auto& json = list[index];
+        const auto levels = json.find("supported_raid_levels");
+        controller.levels = levels == json.end() ? "" : textOf(*levels);
+        readItems(listAt(json, "physical"), physicalKind,
+                  blankDrive(controller.id), controller.physical);
+        readItems(listAt(json, "logical"), logicalKind, {}, controller.logical);
     }
 }
 
@@ -384,10 +392,8 @@ void readConfiguration(const Json& list, std::vector<Configuration>& entries)
     for (const auto& json : listOf(list))
     {
         Configuration entry;
-        forEachMember(json, [](std::string_view key, const Json&) {
-            return key == "outputs" ||
-                   std::ranges::count(identifierKeys, key) > 0;
-        });
+        allowOnly(json,
+                  {"vendor", "device", "subvendor", "subdevice", "outputs"});
         std::ranges::transform(identifierKeys, entry.identifiers.begin(),
                                [&](std::string_view key) {
                                    return identifierOf(required(json, key));
@@ -405,32 +411,29 @@ void readConfiguration(const Json& list, std::vector<Configuration>& entries)
 
 void readTexts(const Json& json, Section& section)
 {
-    forEachMember(json, [&](std::string_view key, const Json& value) {
-        const auto kind = std::ranges::find(codeKinds, key);
-        if (key == "unknown")
+    std::vector<std::string_view> keys(codeKinds.begin(), codeKinds.end());
+    keys.push_back("unknown");
+    allowOnly(json, keys);
+    const auto unknown = json.find("unknown");
+    section.unknown =
+        unknown == json.end() ? section.unknown : textOf(*unknown);
+    for (std::size_t kind = 0; kind < codeKinds.size(); ++kind)
+    {
+        for (const auto& [key, text] : objectAt(json, codeKinds[kind]).items())
         {
-            section.unknown = textOf(value);
-            return true;
-        }
-        if (kind == codeKinds.end())
-        {
-            return false;
-        }
-        forEachMember(value, [&](std::string_view number, const Json& text) {
             uint8_t code = 0;
-            std::from_chars(number.begin(), number.end(), code);
-            demand(std::to_string(code) == number, text,
+            std::from_chars(key.data(), key.data() + key.size(), code);
+            demand(std::to_string(code) == key, text,
                    "must be the text of a code from 0 to 255");
-            section.texts[{kind - codeKinds.begin(), code}] = textOf(text);
-            return true;
-        });
-        return true;
-    });
+            section.texts[{kind, code}] = textOf(text);
+        }
+    }
 }
 
 Fault readFault(const Json& json)
 {
-    Fault fault{textOf(required(json, "operation")), 0, {}};
+    Fault fault{textOf(required(json, "operation"))};
+    allowOnly(json, {"operation", "result", "call"});
     demand(std::ranges::count(operationsWithResult, fault.operation) > 0,
            json["operation"],
            '"' + fault.operation + "\" is not an operation with a result");
@@ -438,48 +441,28 @@ Fault readFault(const Json& json)
     demand(result.is_number_integer() && result == result.get<int>(), result,
            "must be a whole number of 32 bits");
     fault.result = result;
-    forEachMember(json, [&](std::string_view key, const Json& value) {
-        if (key == "call")
-        {
-            fault.call = static_cast<uint32_t>(numberOf(value, UINT32_MAX));
-            demand(fault.call != 0, value, "must be at least 1");
-        }
-        return key == "call" || key == "operation" || key == "result";
-    });
+    if (const auto call = json.find("call"); call != json.end())
+    {
+        fault.call = static_cast<uint32_t>(numberOf(*call, UINT32_MAX));
+        demand(fault.call != 0, *call, "must be at least 1");
+    }
     return fault;
 }
 
 void readSection(const Json& json, Section& section)
 {
-    forEachMember(json, [&](std::string_view key, const Json& value) {
-        if (key == "manager_present")
-        {
-            demand(value.is_boolean(), value, "must be true or false");
-            section.hasManager = value;
-        }
-        else if (key == "controllers")
-        {
-            readControllers(value, section.controllers);
-        }
-        else if (key == "configuration")
-        {
-            readConfiguration(value, section.configuration);
-        }
-        else if (key == "texts")
-        {
-            readTexts(value, section);
-        }
-        else if (key == "faults")
-        {
-            std::ranges::transform(
-                listOf(value), std::back_inserter(section.faults), readFault);
-        }
-        else
-        {
-            return false;
-        }
-        return true;
-    });
+    allowOnly(json, {"manager_present", "controllers", "configuration", "texts",
+                     "faults"});
+    if (const auto flag = json.find("manager_present"); flag != json.end())
+    {
+        demand(flag->is_boolean(), *flag, "must be true or false");
+        section.hasManager = *flag;
+    }
+    readControllers(listAt(json, "controllers"), section.controllers);
+    readConfiguration(listAt(json, "configuration"), section.configuration);
+    readTexts(objectAt(json, "texts"), section);
+    std::ranges::transform(listAt(json, "faults"),
+                           std::back_inserter(section.faults), readFault);
 }
 
 /** Where a value stands; it is looked for only when that is wanted. */

@@ -57,7 +57,7 @@ struct Configuration
 
 struct Fault
 {
-    std::string operation{};
+    std::string operation;
     int result = 0;
     /** Counted from 1; 0: all of them. */
     uint32_t call = 0;

@@ -129,6 +129,14 @@ bool isLetter(char character)
 
 bool isDigit(char character) { return character >= '0' && character <= '9'; }
 
+/** Whether a character is written as "_3a" there, as in object paths. */
+bool isCode(std::string_view text, std::size_t place)
+{
+    const auto code = text.substr(place, sizeof("_3a") - 1);
+    return code.size() == 3 && code[0] == '_' &&
+           code.find_first_not_of("0123456789abcdefABCDEF", 1) == code.npos;
+}
+
 /** The letters and digits alone. */
 std::string lettersOf(std::string text)
 {
@@ -139,7 +147,6 @@ std::string lettersOf(std::string text)
 /** A text in small letters. */
 struct View
 {
-    /** @param[in] isPath  whether characters may be written as "_3a" */
     View(const std::string& whole, bool isPath)
     {
         std::size_t word = 0;
@@ -147,9 +154,7 @@ struct View
         {
             auto character = whole[place];
             const auto start = place;
-            if (isPath && character == '_' && place + 2 < whole.size() &&
-                std::isxdigit(whole[place + 1]) &&
-                std::isxdigit(whole[place + 2]))
+            if (isPath && isCode(whole, place))
             {
                 const auto code = whole.substr(place + 1, 2);
                 character = static_cast<char>(std::stoi(code, nullptr, 16));
@@ -275,6 +280,8 @@ class Anonymizer
         Secrecy secrecy;
         std::string spelling;
         std::string mask{};
+        /** Whether it is one of another kind, too. */
+        bool isMixed = false;
     };
 
     /** By their letters and digits. */
@@ -423,7 +430,10 @@ class Anonymizer
         const auto letters = lettersOf(spelling);
         if (!forms.placeholder.matches(letters))
         {
-            secrets.emplace(letters, Secret{secrecy, spelling});
+            auto& secret = secrets.emplace(letters, Secret{secrecy, spelling})
+                               .first->second;
+            secret.isMixed |= secret.secrecy != secrecy;
+            secret.secrecy = std::min(secret.secrecy, secrecy);
             lengths.insert(letters.size());
         }
     }
@@ -434,7 +444,7 @@ class Anonymizer
         std::map<std::string, std::vector<Secrets::pointer>> shapes;
         for (auto& secret : secrets)
         {
-            const auto& [secrecy, spelling, mask] = secret.second;
+            const auto& [secrecy, spelling, mask, isMixed] = secret.second;
             shapes[maskOf(spelling, secrecy, 0)].push_back(&secret);
         }
         for (const auto& [shape, alike] : shapes)
@@ -442,7 +452,7 @@ class Anonymizer
             uint64_t number = 0;
             for (std::size_t index = 0; index < alike.size(); ++index)
             {
-                auto& [secrecy, spelling, mask] = alike[index]->second;
+                auto& [secrecy, spelling, mask, isMixed] = alike[index]->second;
                 do
                 {
                     mask = maskOf(spelling, secrecy, ++number);
@@ -484,15 +494,15 @@ class Anonymizer
                      const View& view, std::size_t start, Secrecy secrecy)
     {
         const auto& [letters, rest] = secret;
+        const auto isIdentifier = rest.secrecy == Secrecy::identifier;
+        if (isIdentifier && letters.size() >= unmistakable)
+        {
+            return true;
+        }
         const auto end = start + letters.size();
         const auto& words = view.words;
         const auto isApart = (start == 0 || words[start - 1] != words[start]) &&
                              words[end - 1] != words[end];
-        if (rest.secrecy == Secrecy::identifier &&
-            letters.size() >= unmistakable)
-        {
-            return true;
-        }
         if (!isApart || (rest.secrecy == Secrecy::host &&
                          (text.starts_with('/') ||
                           text.starts_with("xyz.openbmc_project."))))
@@ -501,16 +511,16 @@ class Anonymizer
         }
         if (letters.size() < shortest)
         {
-            const auto isNamed = secrecy > Secrecy::harmless &&
-                                 (secrecy == Secrecy::identifier) ==
-                                     (rest.secrecy == Secrecy::identifier);
+            const auto isNamed =
+                secrecy > Secrecy::harmless &&
+                (secrecy == Secrecy::identifier) == isIdentifier;
             return text.substr(0, view.places[start]).ends_with("://") ||
                    (isNamed && letters.size() == view.letters.size());
         }
         // Numbers alone make an address only with marks, and a serial number
         // only without.
         const auto hasMarks = words[start] != words[end - 1];
-        return hasMarks == (rest.secrecy == Secrecy::address) ||
+        return rest.isMixed || hasMarks == (rest.secrecy == Secrecy::address) ||
                !std::ranges::all_of(letters, isDigit);
     }
 

@@ -32,27 +32,37 @@ void checkPath(const Json& path, const Scenario& machine)
            path, "there is no such object");
 }
 
+/** The type of a property of any object that is ever at the path. */
+const std::string* typeOf(const Scenario& machine, const std::string& path,
+                          const std::string& interface, const std::string& name)
+{
+    for (const auto& object : machine.objects)
+    {
+        for (const auto& owner : object.owners)
+        {
+            const auto* found =
+                object.path == path
+                    ? findProperty(owner.interfaces, interface, name)
+                    : nullptr;
+            if (found)
+            {
+                return &found->type;
+            }
+        }
+    }
+    return nullptr;
+}
+
 void checkSet(const Json& change, const Json& set, Scenario& machine)
 {
-    const auto& path = member(change, "path");
-    checkPath(path, machine);
+    checkPath(member(change, "path"), machine);
     for (const auto& [interface, properties] : asObject(set).items())
     {
         for (const auto& [name, value] : asObject(properties).items())
         {
-            const Property* property = nullptr;
-            for (auto& object : machine.objects)
-            {
-                for (auto& owner : object.owners)
-                {
-                    property =
-                        property || object.path != path
-                            ? property
-                            : findProperty(owner.interfaces, interface, name);
-                }
-            }
-            demand(property, value, "there is no such property");
-            checkValue(property->type, value);
+            const auto* type = typeOf(machine, change["path"], interface, name);
+            demand(type, value, "there is no such property");
+            checkValue(*type, value);
         }
     }
 }

@@ -104,9 +104,11 @@ bool isThere(const Condition& when, std::string_view service,
 {
     const auto isBare = when.property.empty() &&
                         (when.interface.empty() || isStandard(when.interface));
-    const auto isAbove = when.path == "/" || path.starts_with(when.path + '/');
+    const auto isAbove = [&] {
+        return when.path == "/" || path.starts_with(when.path + '/');
+    };
     return fits(when.service, service) &&
-           (fits(when.path, path) || (isBare && isAbove)) &&
+           (fits(when.path, path) || (isBare && isAbove())) &&
            (isBare || concerns(when, interfaces, {}, false));
 }
 
@@ -121,22 +123,20 @@ bool isThere(const Condition& when, const Scenario& scenario)
         return scenario.hasMapper &&
                isThere(when, mapperService, path, interfaces);
     };
-    auto found = isAtMapper(mapperPath, mapper);
-    for (const auto& [path, owners] : scenario.objects)
-    {
-        for (const auto& [service, interfaces] : owners)
-        {
-            found = found || isThere(when, service, path, interfaces);
-            for (const auto& one : associationsOf(interfaces))
-            {
-                found =
-                    found ||
-                    isAtMapper(path + '/' + one.forward, association) ||
-                    isAtMapper(one.endpoint + '/' + one.backward, association);
-            }
-        }
-    }
-    return found;
+    const auto isAtOwner = [&](const Object& object, const Owner& owner) {
+        const auto isAtEnd = [&](const Association& one) {
+            return isAtMapper(object.path + '/' + one.forward, association) ||
+                   isAtMapper(one.endpoint + '/' + one.backward, association);
+        };
+        return isThere(when, owner.service, object.path, owner.interfaces) ||
+               std::ranges::any_of(associationsOf(owner.interfaces), isAtEnd);
+    };
+    return isAtMapper(mapperPath, mapper) ||
+           std::ranges::any_of(scenario.objects, [&](const Object& object) {
+               return std::ranges::any_of(object.owners, [&](const Owner& one) {
+                   return isAtOwner(object, one);
+               });
+           });
 }
 
 Condition readCondition(const Json& json, const Scenario& scenario)

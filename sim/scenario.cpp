@@ -287,36 +287,17 @@ void checkRaid(const Json& section, const Json& place)
     }
 }
 
-Property* findProperty(std::vector<Interface>& interfaces,
-                       std::string_view interface, std::string_view property)
-{
-    const auto found =
-        std::ranges::find(interfaces, interface, &Interface::name);
-    if (found == interfaces.end())
-    {
-        return nullptr;
-    }
-    auto& own = found->properties;
-    const auto one = std::ranges::find(own, property, &Property::name);
-    return one == own.end() ? nullptr : &*one;
-}
-
 std::vector<Association>
 associationsOf(const std::vector<Interface>& interfaces)
 {
     std::vector<Association> found;
-    for (const auto& [interface, properties] : interfaces)
+    const auto* own =
+        findProperty(interfaces, associationDefinitions, "Associations");
+    if (own && own->type == "a(sss)")
     {
-        for (const auto& property : properties)
+        for (const auto& one : *own->value)
         {
-            if (interface == associationDefinitions &&
-                property.name == "Associations" && property.type == "a(sss)")
-            {
-                for (const auto& one : *property.value)
-                {
-                    found.push_back({one[0], one[1], one[2]});
-                }
-            }
+            found.push_back({one[0], one[1], one[2]});
         }
     }
     return found;

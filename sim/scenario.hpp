@@ -104,9 +104,17 @@ constexpr auto associationDefinitions =
     "xyz.openbmc_project.Association.Definitions";
 constexpr auto associationInterface = "xyz.openbmc_project.Association";
 
-/** Null when there is none. */
-Property* findProperty(std::vector<Interface>& interfaces,
-                       std::string_view interface, std::string_view property);
+/** A property among interfaces; null when there is none. */
+auto* findProperty(auto& interfaces, std::string_view interface,
+                   std::string_view property)
+{
+    const auto owner =
+        std::ranges::find(interfaces, interface, &Interface::name);
+    auto* all = owner == interfaces.end() ? nullptr : &owner->properties;
+    const auto found = all ? std::ranges::find(*all, property, &Property::name)
+                           : decltype(all->end()){};
+    return all && found != all->end() ? &*found : nullptr;
+}
 
 struct Association
 {

@@ -26,7 +26,6 @@ namespace
 using namespace morvath::sim;
 namespace cli = morvath::cli;
 
-constexpr auto daemonName = "dbus-daemon";
 constexpr auto brokerName = "dbus-broker";
 constexpr auto busVariable = "MORVATH_SIM_BUS";
 
@@ -37,8 +36,7 @@ struct Options
     std::string address;
     std::vector<std::string> command;
     bool raidOnly = false;
-    std::string bus;
-    bool strict = false;
+    RunOptions run;
     RecordOptions record;
 };
 
@@ -58,17 +56,15 @@ File openLog(const std::string& name)
 /** In UTC, to the microsecond. */
 std::string stampOf(std::chrono::system_clock::time_point time)
 {
-    using namespace std::chrono;
-    const auto seconds = system_clock::to_time_t(time);
-    const auto rest = duration_cast<microseconds>(time.time_since_epoch()) % 1s;
-    std::tm fields{};
-    gmtime_r(&seconds, &fields);
+    constexpr int64_t second = 1'000'000;
+    const auto passed = std::chrono::duration_cast<std::chrono::microseconds>(
+                            time.time_since_epoch())
+                            .count();
+    const std::time_t seconds = passed / second;
     std::array<char, 64> text{};
-    const auto length =
-        std::strftime(text.data(), text.size(), "%FT%T", &fields);
-    std::snprintf(text.data() + length, text.size() - length, ".%06dZ",
-                  static_cast<int>(rest.count()));
-    return text.data();
+    std::strftime(text.data(), text.size(), "%FT%T.", std::gmtime(&seconds));
+    return text.data() + std::to_string(second + passed % second).substr(1) +
+           'Z';
 }
 
 std::string lineOf(const Call& call)
@@ -96,7 +92,7 @@ std::vector<cli::Parameter> servingOptions(Options& options)
     return {scenarioOption(options),
             cli::text("--log", cli::fileValue, options.log,
                       "Write every method call and what became of it"),
-            cli::flag("--strict", options.strict,
+            cli::flag("--strict", options.run.strict,
                       "Fail when no call has met one of the faults")};
 }
 
@@ -117,18 +113,14 @@ int checkScenario(const Options& options)
 }
 
 /**
- * Runs one of the two commands that serve, with its log. A lost log fails the
- * run but does not hide how the command itself failed.
+ * Runs the command, or serves without one. A lost log fails the run but does
+ * not hide how the command itself failed.
  */
-template <typename Serving>
-int withLog(const Options& options, const Serving& serving)
+int serveOrRun(const Options& options)
 {
     const auto scenario = Scenario::load(options.scenario);
     const auto log = openLog(options.log);
-    RunOptions run{.log = {},
-                   .strict = options.strict,
-                   .bus = options.bus == brokerName ? BusProgram::broker
-                                                    : BusProgram::daemon};
+    auto run = options.run;
     if (log)
     {
         // Flushed, so that a log can be followed and survives a kill.
@@ -137,7 +129,9 @@ int withLog(const Options& options, const Serving& serving)
             std::fflush(log.get());
         };
     }
-    const int status = serving(scenario, run);
+    const int status = options.command.empty()
+                           ? serve(scenario, run, options.address)
+                           : runCommand(scenario, run, options.command);
     if (!log || std::ferror(log.get()) == 0)
     {
         return status;
@@ -146,31 +140,20 @@ int withLog(const Options& options, const Serving& serving)
     return status == EXIT_SUCCESS ? EXIT_FAILURE : status;
 }
 
-int run(const Options& options)
-{
-    return withLog(options, [&](const auto& scenario, const auto& how) {
-        return runCommand(scenario, how, options.command);
-    });
-}
-
-int serveHere(const Options& options)
-{
-    return withLog(options, [&](const auto& scenario, const auto& how) {
-        return serve(scenario, how, options.address);
-    });
-}
-
 cli::Parameter busOption(Options& options)
 {
+    const auto choose = [&](const std::string& name) {
+        options.run.usesBroker = name == brokerName;
+    };
     if (const auto* chosen = std::getenv(busVariable))
     {
-        options.bus = chosen;
+        choose(chosen);
     }
     return {.names = "--bus",
             .meaning = "The program that is the bus (default: dbus-daemon)",
-            .take = [&](const std::string& name) { options.bus = name; },
+            .take = choose,
             .value = "PROGRAM",
-            .words = {{daemonName, "the reference implementation"},
+            .words = {{"dbus-daemon", "the reference implementation"},
                       {brokerName, "what controllers run"}}};
 }
 
@@ -190,7 +173,7 @@ cli::Command runOf(Options& options)
         .name = "run",
         .meaning = "Run a command with a simulated platform",
         .parameters = std::move(parameters),
-        .run = [&options] { return run(options); },
+        .run = [&options] { return serveOrRun(options); },
     };
 }
 
@@ -204,7 +187,7 @@ cli::Command serveOf(Options& options)
         .name = "serve",
         .meaning = "Serve on a bus that is already there",
         .parameters = std::move(parameters),
-        .run = [&options] { return serveHere(options); },
+        .run = [&options] { return serveOrRun(options); },
     };
 }
 

@@ -4,8 +4,6 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <cerrno>
-#include <exception>
 #include <utility>
 
 namespace morvath::sim
@@ -161,21 +159,12 @@ void Mapper::prepare()
 int Mapper::onCall(sd_bus_message* call, void* self,
                    sd_bus_error* error) noexcept
 {
-    try
-    {
+    return answering(error, [&] {
         const auto reply = newReply(call);
         static_cast<const Mapper*>(self)->answer(
             reply.get(), sd_bus_message_get_member(call), readJsonList(call));
         return sd_bus_send(nullptr, reply.get(), nullptr);
-    }
-    catch (const BusError& refusal)
-    {
-        return sd_bus_error_set(error, refusal.name().c_str(), refusal.what());
-    }
-    catch (const std::exception&)
-    {
-        return -ENOMEM;
-    }
+    });
 }
 
 /** @param[in] arguments  of the types that sd-bus has checked */

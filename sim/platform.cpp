@@ -12,7 +12,6 @@
 #include <cmath>
 #include <exception>
 #include <limits>
-#include <numeric>
 #include <stdexcept>
 
 namespace morvath::sim
@@ -193,15 +192,6 @@ std::vector<std::string> Platform::unusedFaults() const
 {
     const std::lock_guard lock(mutex);
     return services.faults.unused();
-}
-
-std::size_t Platform::objectCount() const
-{
-    const std::lock_guard lock(mutex);
-    return std::accumulate(services.all.begin(), services.all.end(),
-                           std::size_t{0}, [](auto count, const auto& service) {
-                               return count + service->objects().size();
-                           });
 }
 
 } // namespace morvath::sim

@@ -5,7 +5,6 @@
 #include "sim/service.hpp"
 
 #include <chrono>
-#include <cstddef>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -71,9 +70,6 @@ class Platform
 
     /** The places of the faults that no call has met. */
     std::vector<std::string> unusedFaults() const;
-
-    /** Objects, counted once per service that publishes them. */
-    std::size_t objectCount() const;
 
   private:
     Platform(const Scenario& scenario, const Live& options, bool keepsCalls);

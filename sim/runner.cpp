@@ -17,6 +17,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <numeric>
 #include <system_error>
 
 namespace morvath::sim
@@ -57,14 +58,13 @@ std::string newAddress()
            sd_id128_to_string(id, name.data());
 }
 
-std::string configurationFor(BusProgram program, const std::string& address)
+std::string configurationFor(bool isBroker, const std::string& address)
 {
     // The other one gets its socket, and knows nothing else.
-    const auto own = program == BusProgram::daemon
-                         ? " <type>session</type>\n <keep_umask/>\n"
-                           " <auth>EXTERNAL</auth>\n <listen>" +
-                               address + "</listen>\n"
-                         : std::string();
+    const auto own = isBroker ? std::string()
+                              : " <type>session</type>\n <keep_umask/>\n"
+                                " <auth>EXTERNAL</auth>\n <listen>" +
+                                    address + "</listen>\n";
     return busRules + own + "</busconfig>\n";
 }
 
@@ -127,19 +127,19 @@ void startBroker(std::optional<Process>& process,
 
 } // namespace
 
-Daemon::Daemon(BusProgram program) :
+Daemon::Daemon(bool isBroker) :
     busAddress(newAddress()),
-    configuration(configurationFor(program, busAddress)),
+    configuration(configurationFor(isBroker, busAddress)),
     messages("")
 {
     const auto output = messages.descriptor().get();
-    if (program == BusProgram::daemon)
+    if (isBroker)
     {
-        startDaemon(process, configuration, output);
+        startBroker(process, configuration, output, busAddress);
     }
     else
     {
-        startBroker(process, configuration, output, busAddress);
+        startDaemon(process, configuration, output);
     }
     try
     {
@@ -160,22 +160,32 @@ namespace
 {
 
 /** What ends the program, and what it waits for. */
-const sigset_t& watchedSignals()
+sigset_t watchedSignals()
 {
-    static const auto signals = [] {
-        sigset_t set;
-        sigemptyset(&set);
-        for (const auto signal : {SIGINT, SIGTERM, SIGHUP, SIGCHLD})
-        {
-            sigaddset(&set, signal);
-        }
-        return set;
-    }();
+    sigset_t signals;
+    sigemptyset(&signals);
+    for (const auto signal : {SIGINT, SIGTERM, SIGHUP, SIGCHLD})
+    {
+        sigaddset(&signals, signal);
+    }
     return signals;
 }
 
 /** To be called before there are other threads, which inherit it. */
-void blockSignals() { sigprocmask(SIG_BLOCK, &watchedSignals(), nullptr); }
+void blockSignals()
+{
+    const auto signals = watchedSignals();
+    sigprocmask(SIG_BLOCK, &signals, nullptr);
+}
+
+siginfo_t nextSignal()
+{
+    const auto signals = watchedSignals();
+    siginfo_t info{};
+    while (sigwaitinfo(&signals, &info) < 0)
+    {}
+    return info;
+}
 
 int waitFor(Process& process)
 {
@@ -185,8 +195,7 @@ int waitFor(Process& process)
         {
             return *status;
         }
-        siginfo_t info{};
-        sigwaitinfo(&watchedSignals(), &info);
+        const auto info = nextSignal();
         // What the terminal sends, it sends to the command as well.
         if (info.si_signo != SIGCHLD && info.si_code != SI_KERNEL)
         {
@@ -216,7 +225,7 @@ int runCommand(const Scenario& scenario, const RunOptions& options,
 {
     blockSignals();
     // In this order, so that names are released while there is still a bus.
-    const Daemon daemon(options.bus);
+    const Daemon daemon(options.usesBroker);
     MemoryFile raid(scenario.raid->dump());
     // For the command, and before there is a thread that may look.
     setenv("DBUS_STARTER_BUS_TYPE", "system", true);
@@ -245,12 +254,13 @@ int serve(const Scenario& scenario, const RunOptions& options,
                        isLost = true;
                        kill(getpid(), SIGTERM);
                    }});
-    std::printf("serving %zu objects of %zu services\n", platform.objectCount(),
+    const auto objects = std::accumulate(
+        scenario.objects.begin(), scenario.objects.end(), std::size_t{0},
+        [](auto count, const auto& one) { return count + one.owners.size(); });
+    std::printf("serving %zu objects of %zu services\n", objects,
                 scenario.services().size());
     std::fflush(stdout);
-    siginfo_t info{};
-    while (sigwaitinfo(&watchedSignals(), &info) < 0 ||
-           info.si_signo == SIGCHLD)
+    while (nextSignal().si_signo == SIGCHLD)
     {}
     if (isLost)
     {

@@ -12,12 +12,6 @@ namespace morvath::sim
 
 constexpr auto programName = "morvath-sim";
 
-enum class BusProgram
-{
-    daemon,
-    broker,
-};
-
 /**
  * A private message bus. It ends with the object, or with the thread that
  * made the object, however that one ends; it leaves no files.
@@ -25,7 +19,8 @@ enum class BusProgram
 class Daemon
 {
   public:
-    explicit Daemon(BusProgram program = BusProgram::daemon);
+    /** @param[in] isBroker  dbus-broker in place of dbus-daemon */
+    explicit Daemon(bool isBroker = false);
 
     const std::string& address() const noexcept { return busAddress; }
 
@@ -43,7 +38,7 @@ struct RunOptions
     CallSink log;
     /** Whether a fault that no call has met fails the run. */
     bool strict = false;
-    BusProgram bus = BusProgram::daemon;
+    bool usesBroker = false;
 };
 
 /** Runs a command on a bus of its own; returns its status as a shell does. */

@@ -11,13 +11,6 @@
 namespace morvath::sim
 {
 
-namespace
-{
-
-constexpr auto connecting = "connecting to the bus";
-
-} // namespace
-
 int check(int result, const char* operation)
 {
     if (result < 0)
@@ -30,23 +23,23 @@ int check(int result, const char* operation)
 Message newReply(sd_bus_message* call)
 {
     sd_bus_message* reply = nullptr;
-    check(sd_bus_message_new_method_return(call, &reply),
-          "sd_bus_message_new_method_return");
+    check(sd_bus_message_new_method_return(call, &reply));
     return Message(reply);
 }
 
 Bus openBus(const std::string& address)
 {
+    constexpr auto connecting = "connecting to the bus";
     sd_bus* bus = nullptr;
     if (address.empty())
     {
         check(sd_bus_open(&bus), connecting);
         return Bus(bus);
     }
-    check(sd_bus_new(&bus), "sd_bus_new");
+    check(sd_bus_new(&bus));
     Bus owned(bus);
-    check(sd_bus_set_address(bus, address.c_str()), "sd_bus_set_address");
-    check(sd_bus_set_bus_client(bus, true), "sd_bus_set_bus_client");
+    check(sd_bus_set_address(bus, address.c_str()), connecting);
+    check(sd_bus_set_bus_client(bus, true));
     check(sd_bus_start(bus), connecting);
     return owned;
 }
@@ -58,12 +51,12 @@ Bus openNothing()
         AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0, ends.data());
     check(made < 0 ? -errno : 0, "socketpair");
     sd_bus* bus = nullptr;
-    check(sd_bus_new(&bus), "sd_bus_new");
+    check(sd_bus_new(&bus));
     Bus owned(bus);
-    check(sd_bus_set_fd(bus, ends[0], ends[0]), "sd_bus_set_fd");
+    check(sd_bus_set_fd(bus, ends[0], ends[0]));
     const auto started = sd_bus_start(bus);
     close(ends[1]);
-    check(started, "sd_bus_start");
+    check(started);
     return owned;
 }
 

@@ -40,6 +40,24 @@ class BusError : public std::runtime_error
     std::string errorName;
 };
 
+/** Does what sd-bus calls back for; an exception becomes the error. */
+template <typename Action>
+int answering(sd_bus_error* error, const Action& action) noexcept
+{
+    try
+    {
+        return action();
+    }
+    catch (const BusError& refusal)
+    {
+        return sd_bus_error_set(error, refusal.name().c_str(), refusal.what());
+    }
+    catch (const std::exception& failure)
+    {
+        return sd_bus_error_set(error, SD_BUS_ERROR_FAILED, failure.what());
+    }
+}
+
 /**
  * Throws std::system_error with the name of the operation when the result of
  * a libsystemd call is negative, otherwise returns the result.

@@ -56,29 +56,24 @@ Call callOf(sd_bus_message* message)
             .arguments = std::make_shared<const Json>(std::move(arguments))};
 }
 
-CallKeys keysOf(sd_bus_message* message, std::string_view service)
+/** The views are of the call. */
+CallKeys keysOf(const Call& call, std::string_view service)
 {
-    CallKeys keys{.service = service,
-                  .path = viewOf(sd_bus_message_get_path(message)),
-                  .interface = viewOf(sd_bus_message_get_interface(message)),
-                  .member = viewOf(sd_bus_message_get_member(message)),
-                  .propertyInterface = {},
-                  .property = {}};
-    const auto signature = viewOf(sd_bus_message_get_signature(message, true));
-    if (keys.interface == propertiesInterface && signature.starts_with('s'))
-    {
-        const char* interface = nullptr;
-        const char* property = nullptr;
-        check(sd_bus_message_read_basic(message, 's', &interface));
-        if (signature.starts_with("ss"))
-        {
-            check(sd_bus_message_read_basic(message, 's', &property));
-        }
-        check(sd_bus_message_rewind(message, true));
-        keys.propertyInterface = interface;
-        keys.property = viewOf(property);
-    }
-    return keys;
+    const auto text = [&](std::size_t position) {
+        const auto& all = *call.arguments;
+        const auto isProperties = call.interface == propertiesInterface;
+        return isProperties && position < all.size() &&
+                       all[position].is_string()
+                   ? std::string_view(
+                         all[position].get_ref<const std::string&>())
+                   : std::string_view();
+    };
+    return {.service = service,
+            .path = call.path,
+            .interface = call.interface,
+            .member = call.member,
+            .propertyInterface = text(0),
+            .property = text(1)};
 }
 
 void send(const Message& message)
@@ -87,38 +82,25 @@ void send(const Message& message)
 }
 
 int getProperty(sd_bus*, const char*, const char*, const char*,
-                sd_bus_message* reply, void* property, sd_bus_error*) noexcept
+                sd_bus_message* reply, void* property,
+                sd_bus_error* error) noexcept
 {
-    try
-    {
+    return answering(error, [&] {
         const auto& own = *static_cast<const Property*>(property);
         append(reply, own.type, *own.value);
         return 0;
-    }
-    catch (const std::exception&)
-    {
-        return -ENOMEM;
-    }
+    });
 }
 
 int setProperty(sd_bus*, const char* path, const char* interface, const char*,
                 sd_bus_message* value, void* property,
                 sd_bus_error* error) noexcept
 {
-    try
-    {
+    return answering(error, [&] {
         auto& own = *static_cast<Property*>(property);
         own.publisher->set(path, interface, own, readJson(value));
         return 0;
-    }
-    catch (const BusError& refusal)
-    {
-        return sd_bus_error_set(error, refusal.name().c_str(), refusal.what());
-    }
-    catch (const std::exception& failure)
-    {
-        return sd_bus_error_set(error, SD_BUS_ERROR_FAILED, failure.what());
-    }
+    });
 }
 
 sd_bus_vtable entryOf(const Property& property, const char* name,
@@ -133,20 +115,6 @@ sd_bus_vtable entryOf(const Property& property, const char* name,
     }
     return SD_BUS_WRITABLE_PROPERTY(name, type, getProperty, setProperty,
                                     offset, flags | SD_BUS_VTABLE_UNPRIVILEGED);
-}
-
-/** For what is called by C and can only fail to send: nobody is left to tell.
- */
-int withoutFailure(const auto& action) noexcept
-{
-    try
-    {
-        return action();
-    }
-    catch (const std::exception&)
-    {
-        return 1;
-    }
 }
 
 } // namespace
@@ -410,10 +378,10 @@ void Service::leaveOut(std::string_view path, const Decision& decision)
 }
 
 int Service::onMessage(sd_bus_message* message, void* self,
-                       sd_bus_error*) noexcept
+                       sd_bus_error* error) noexcept
 {
-    return withoutFailure(
-        [&] { return static_cast<Service*>(self)->receive(message); });
+    return answering(
+        error, [&] { return static_cast<Service*>(self)->receive(message); });
 }
 
 int Service::receive(sd_bus_message* message)
@@ -448,23 +416,19 @@ int Service::receive(sd_bus_message* message)
 /** What the filter does not take is answered by the tables of sd-bus. */
 int Service::decide(sd_bus_message* message)
 {
-    const auto keys = keysOf(message, name);
-    const auto object = published.find(keys.path);
+    auto call = callOf(message);
+    const auto object = published.find(call.path);
     auto decision = services.faults.decide(
-        keys, object == published.end() ? nullptr : &object->second.interfaces);
+        keysOf(call, name),
+        object == published.end() ? nullptr : &object->second.interfaces);
     const auto* fault = decision.fault;
-    Call call;
-    if (services.log)
+    if (fault || !decision.missing.empty())
     {
-        call = callOf(message);
-        if (fault || !decision.missing.empty())
-        {
-            call.fault = (fault ? fault : decision.missing.front())->place;
-        }
-        if (!services.logsOutcome)
-        {
-            services.log(call);
-        }
+        call.fault = (fault ? fault : decision.missing.front())->place;
+    }
+    if (services.log && !services.logsOutcome)
+    {
+        services.log(call);
     }
     if (fault && fault->then != Effect::delay)
     {
@@ -473,7 +437,7 @@ int Service::decide(sd_bus_message* message)
     }
     if (!fault && !services.logsOutcome)
     {
-        leaveOut(keys.path, decision);
+        leaveOut(call.path, decision);
         return 0;
     }
     auto& one = held.emplace_back(*this, Message(sd_bus_message_ref(message)),
@@ -534,7 +498,7 @@ void Service::meet(const Fault& fault, sd_bus_message* message, Call& call)
 
 int Service::onTimer(sd_event_source*, uint64_t, void* data) noexcept
 {
-    return withoutFailure([&] {
+    return answering(nullptr, [&] {
         auto& call = *static_cast<Held*>(data);
         call.service.sendAgain(call);
         return 0;
@@ -559,16 +523,17 @@ void Service::sendAgain(Held& call)
     check(sd_bus_message_get_cookie(raw, &call.cookie));
 }
 
-int Service::onReply(sd_bus_message* reply, void* data, sd_bus_error*) noexcept
+int Service::onReply(sd_bus_message* reply, void* data,
+                     sd_bus_error* error) noexcept
 {
     auto& call = *static_cast<Held*>(data);
-    auto& service = call.service;
-    withoutFailure([&] {
-        service.answer(call, reply);
+    auto& calls = call.service.held;
+    const auto result = answering(error, [&] {
+        call.service.answer(call, reply);
         return 1;
     });
-    service.held.remove_if([&](const Held& one) { return &one == &call; });
-    return 1;
+    calls.remove_if([&](const Held& one) { return &one == &call; });
+    return result;
 }
 
 void Service::answer(Held& call, sd_bus_message* reply)

@@ -524,7 +524,7 @@ class Anonymizer
                !std::ranges::all_of(letters, isDigit);
     }
 
-    const Forms forms;
+    const Forms forms{};
     Secrets secrets;
     std::set<std::size_t, std::greater<>> lengths;
     bool isMasking = false;

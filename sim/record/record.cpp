@@ -11,12 +11,12 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <map>
 #include <memory>
-#include <ranges>
 #include <set>
 #include <string_view>
 #include <system_error>
@@ -91,12 +91,12 @@ struct Introspection
 
     void start(const std::string_view element, const char** attributes)
     {
-        std::map<std::string_view, const char*> values;
+        std::map<std::string_view, std::string_view> values;
         for (; *attributes; attributes += 2)
         {
             values.emplace(attributes[0], attributes[1]);
         }
-        const std::string name = values.contains("name") ? values["name"] : "";
+        const std::string name(values["name"]);
         depth += element == nodeElement ? 1 : 0;
         // A child may be described in its parent; that is another object.
         if (depth == 1 && element == "interface")
@@ -105,9 +105,8 @@ struct Introspection
         }
         else if (depth == 1 && element == "property" && !interfaces.empty())
         {
-            const auto isReadOnly =
-                values["access"] == std::string_view("read");
-            interfaces.back().properties.emplace_back(name, isReadOnly);
+            interfaces.back().properties.emplace_back(name, values["access"] ==
+                                                                "read");
         }
     }
 
@@ -267,7 +266,8 @@ class Recorder
             }
         });
         // What was registered last is introspected first.
-        for (const auto& one : known.interfaces | std::views::reverse)
+        std::ranges::reverse(known.interfaces);
+        for (const auto& one : known.interfaces)
         {
             if (std::erase(names, one.name) > 0)
             {
@@ -310,18 +310,19 @@ class Recorder
             }
         }
         // One getter that fails takes GetAll with it; the others are not lost.
-        for (const auto& [property, isReadOnly] : known.properties)
+        for (const auto& property : known.properties)
         {
-            if (unseen.contains(property))
+            if (unseen.contains(property.first))
             {
-                attempt(source, name + "." + property, [&] {
-                    auto value = ask(source, propertiesInterface.data(), "Get",
-                                     "v", "ss", name.c_str(), property.c_str());
+                attempt(source, name + "." + property.first, [&] {
+                    auto value =
+                        ask(source, propertiesInterface.data(), "Get", "v",
+                            "ss", name.c_str(), property.first.c_str());
                     if (isListed)
                     {
                         value["hidden"] = true;
                     }
-                    addProperty(own, property, value, isReadOnly);
+                    addProperty(own, property.first, value, property.second);
                 });
             }
         }

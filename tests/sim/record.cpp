@@ -4,6 +4,7 @@
 #include "support/program.hpp"
 
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include <string>
 
@@ -110,7 +111,7 @@ TEST(Record, TellsWhatItLeavesOut)
         R"(<?xml version='1.0'?><!-- <interface name='x.No'> --><node>)"
         R"(<interface name='x.I'><property access='read' type='i' name='P'>)"
         R"(<annotation name='a' value='b'/></property>)"
-        R"(<property name='Q' type='i' access='readwrite'/></interface>)"
+        R"(<property name='Q' type='i'/></interface>)"
         R"(<node name='c'><interface name='x.J'/></node>)"
         R"(<interface name='x.Empty'/>)";
     const std::string introspect =

@@ -47,8 +47,7 @@ bool findPlace(const Json* wanted, const Json& inside,
 class DocumentBuilder
 {
   public:
-    DocumentBuilder(std::string_view source, Json& document) :
-        source(source),
+    explicit DocumentBuilder(Json& document) :
         document(document),
         next(&document)
     {}
@@ -87,8 +86,7 @@ class DocumentBuilder
         // In front of the text stands the parser's own error number.
         const std::string what = error.what();
         const auto end = what.find("] ");
-        throw ScenarioError(std::string(source) + ": " +
-                            what.substr(end == what.npos ? 0 : end + 2));
+        throw Mistake(document, what.substr(end == what.npos ? 0 : end + 2));
     }
 
   private:
@@ -114,7 +112,6 @@ class DocumentBuilder
         return true;
     }
 
-    std::string_view source;
     Json& document;
     /** Where the next value goes, unless that is a list. */
     Json* next;
@@ -133,9 +130,9 @@ ScenarioError located(const Mistake& mistake, const Json& document,
                          (place.empty() ? "/" : place) + ": " + mistake.what());
 }
 
-void parse(std::string_view text, std::string_view source, Json& document)
+void parse(std::string_view text, Json& document)
 {
-    DocumentBuilder builder(source, document);
+    DocumentBuilder builder(document);
     Json::sax_parse(text, &builder);
 }
 

@@ -50,10 +50,9 @@ ScenarioError located(const Mistake& mistake, const Json& document,
 
 /**
  * Parses a document. A key may stand only once in an object.
- * @throws Mistake        in what there is of the document by then
- * @throws ScenarioError  it is not JSON
+ * @throws Mistake  in what there is of the document by then
  */
-void parse(std::string_view text, std::string_view source, Json& document);
+void parse(std::string_view text, Json& document);
 
 /** @throws Mistake  unless it is right */
 void demand(bool isRight, const Json& value, std::string_view message);

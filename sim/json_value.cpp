@@ -212,11 +212,11 @@ class Appender
     {
         const auto inside = entry.substr(1, entry.size() - 2);
         appendContainer('a', entry, object, [&] {
-            for (const auto& [key, value] : object.items())
+            for (const auto& one : object.items())
             {
-                appendContainer('e', inside, value, [&] {
-                    appendKey(inside.substr(0, 1), key, value);
-                    append(inside.substr(1), value);
+                appendContainer('e', inside, one.value(), [&] {
+                    appendKey(inside.substr(0, 1), one.key(), one.value());
+                    append(inside.substr(1), one.value());
                 });
             }
         });

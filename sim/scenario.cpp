@@ -219,7 +219,7 @@ Scenario readScenario(std::string_view text, const path& source, int extensions)
     const auto document = std::make_shared<Json>();
     try
     {
-        parse(text, source.string(), *document);
+        parse(text, *document);
         allowOnly(*document,
                   {"format", "description", "extends", "mapper", "behaviours",
                    "objects", "faults", "changes", "raid"});

@@ -12,20 +12,19 @@
 namespace morvath::tests::faults
 {
 
-constexpr auto objects = R"([
+constexpr auto unknownProperty = "org.freedesktop.DBus.Error.UnknownProperty";
+
+const std::string machine = R"({"format": 1, "objects": [
 {"path": "/a", "services": [{"name": "x.S", "interfaces": {
   "x.I": {"P": {"type": "s", "value": "one"}, "Q": {"type": "i", "value": 2},
           "H": {"type": "i", "value": 3, "hidden": true}},
   "x.J": {"P": {"type": "s", "value": "other"}}}}]},
 {"path": "/b", "services": [{"name": "x.S", "interfaces": {
-  "x.I": {"P": {"type": "s", "value": "b"}}}}]}])";
+  "x.I": {"P": {"type": "s", "value": "b"}}}}]}], "faults": [)";
 
 sim::Scenario withFaults(const std::string& faults)
 {
-    return sim::Scenario::parse(R"({"format": 1, "objects": )" +
-                                    std::string(objects) + R"(, "faults": [)" +
-                                    faults + "]}",
-                                "faults");
+    return sim::Scenario::parse(machine + faults + "]}", "faults");
 }
 
 /** What Get P, Get Q and GetAll of x.I on /a and Get P on /b answer. */
@@ -37,7 +36,6 @@ TEST(Faults, ReachExactlyTheCallsTheyDescribe)
     const Json onlyQ{{"Q", two}};
     const Json all{{"P", one}, {"Q", two}};
     const std::string gone = "org.freedesktop.DBus.Error.UnknownObject";
-    const std::string unknown = "org.freedesktop.DBus.Error.UnknownProperty";
     const std::pair<std::string, Json> cases[]{
         {R"({"when": {"property": "P"}, "then": {"error": "x.E"}})",
          {"x.E", 2, "x.E", "x.E"}},
@@ -59,7 +57,7 @@ TEST(Faults, ReachExactlyTheCallsTheyDescribe)
          {"x.First", "x.First", "x.First", "x.Second"}},
         {R"({"when": {"path": "/a", "property": "P"},
              "then": {"missing": true}})",
-         {unknown, 2, onlyQ, "b"}},
+         {unknownProperty, 2, onlyQ, "b"}},
         {R"({"when": {"path": "/a"}, "then": {"vanished": true}})",
          {gone, gone, gone, "b"}},
         {R"({"when": {"path": "/b"}, "then":
@@ -84,19 +82,20 @@ TEST(Faults, ReachExactlyTheCallsTheyDescribe)
     }
 }
 
-TEST(Faults, DelayedCallIsAnsweredLate)
+TEST(Faults, DelayedCallIsAnsweredLateAndAnUnusedFaultIsTold)
 {
     const sim::Platform platform(withFaults(
         R"({"when": {"path": "/a"}, "then": {"delayMs": 60}},
            {"when": {"path": "/a", "property": "P"},
-            "then": {"missing": true}})"));
+            "then": {"missing": true}},
+           {"when": {"path": "/a", "call": 3}, "then": {"die": true}})"));
     Client client;
     const auto start = std::chrono::steady_clock::now();
     EXPECT_EQ(client.get("x.S", "/a", "x.I", "Q").value, 2);
     EXPECT_GE(std::chrono::steady_clock::now() - start,
               std::chrono::milliseconds(60));
-    EXPECT_EQ(client.get("x.S", "/a", "x.I", "P").value,
-              "org.freedesktop.DBus.Error.UnknownProperty");
+    EXPECT_EQ(client.get("x.S", "/a", "x.I", "P").value, unknownProperty);
+    EXPECT_EQ(platform.unusedFaults(), std::vector<std::string>{"/faults/2"});
 }
 
 /** The order of interfaces stays while a property comes and goes. */
@@ -115,17 +114,6 @@ TEST(Faults, MissingPropertyLeavesTheOthersInTheirOrder)
     EXPECT_EQ(contents(), R"([["P",{"type":"s","value":"other"}],)"
                           R"(["P",{"type":"s","value":"one"}],)"
                           R"(["Q",{"type":"i","value":2}]])");
-}
-
-TEST(Faults, AreToldWhenNoCallMeetsThem)
-{
-    const sim::Platform platform(withFaults(
-        R"({"when": {"path": "/b"}, "then": {"error": "x.E"}},
-           {"when": {"path": "/a", "call": 2}, "then": {"error": "x.E"}})"));
-    Client client;
-    client.getAll("x.S", "/a", "");
-    client.getAll("x.S", "/b", "");
-    EXPECT_EQ(platform.unusedFaults(), std::vector<std::string>{"/faults/1"});
 }
 
 } // namespace morvath::tests::faults

@@ -87,7 +87,8 @@ TEST(Scenario, MistakesHaveTheirPlace)
         ": no call can meet this: the machine has no such ";
     expectRefusals({
         {whole, "{\n\"format\": 1,,}",
-         "parse error at line 2, column 13: syntax error while parsing object "
+         "/: parse error at line 2, column 13: syntax error while parsing "
+         "object "
          "key - unexpected ','; expected string literal"},
         {whole, std::string(200, '['), "/: the nesting is too deep"},
         {document, R"("a": {"b~/": [0, {"c": 1, "c": 2}]})",

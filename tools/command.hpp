@@ -3,6 +3,7 @@
 
 #include "bus.hpp"
 #include "cli/program.hpp"
+#include "facts.hpp"
 
 #include <optional>
 
@@ -27,5 +28,16 @@ cli::Command showCommand();
 
 /** The longest wait for an answer. */
 cli::Parameter timeoutOption(std::optional<Seconds>& timeout);
+
+// One document, whatever could be read; what failed as a whole is null in it.
+std::string jsonOf(const std::vector<TableReading>& tables, bool inOneLine);
+std::string jsonOf(const std::vector<FactReading>& facts);
+
+/** Comma-separated values after a line with the keys of the columns. */
+std::string csvOf(Columns columns, const std::vector<Cells>& rows,
+                  bool withTitles);
+
+/** The name of this machine. */
+std::string hostName();
 
 } // namespace morvath::tools

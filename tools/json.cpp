@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "json.hpp"
+#include "command.hpp"
 
 #include "cli/terminal_text.hpp"
 #include "screen.hpp"

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "exposition.hpp"
 #include "facts.hpp"
+#include "metrics.hpp"
 #include "sensors.hpp"
 
 #include <algorithm>
@@ -21,45 +21,27 @@ constexpr std::pair<std::string_view, double> factors[]{
     {"GiB", 0x1p30}, {"MHz", 1e6},    {"Gbit/s", 1e9 / 8},
 };
 
-/** A label, and the fact that it comes from. */
-struct FactLabel
-{
-    std::string_view name;
-    std::string_view fact;
-};
-
-constexpr FactLabel systemLabels[]{
-    {"manufacturer", "system-manufacturer"},
-    {"model", "system-model"},
-    {"serial_number", "system-serial-number"},
-    {"uuid", "system-uuid"},
-    {"asset_tag", "system-asset-tag"},
-    {"host_name", "system-host-name"},
-    {"configuration", "system-configuration"},
-};
-
-constexpr FactLabel firmware[]{
-    {"bmc", "bmc-version"},
-    {"bios", "bios-version"},
-    {"cpld", "cpld-version"},
-};
+constexpr auto shared = true;
 
 constexpr std::string_view powerStates[]{"PowerOn", "PoweringOn", "PoweringOff",
                                          "PowerOff", "Unknown"};
 
+double factorOf(std::string_view unit)
+{
+    const auto* found = std::ranges::find(
+        factors, unit, &std::pair<std::string_view, double>::first);
+    return found == std::end(factors) ? 1 : found->second;
+}
+
 /** The name of a column among the metrics. */
 std::string nameOf(const Column& column)
 {
-    if (!column.metric.name.empty())
-    {
-        return std::string(column.metric.name);
-    }
-    std::string name;
-    for (const char letter : column.key)
+    std::string name(column.metric.name);
+    for (const char letter : name.empty() ? column.key : "")
     {
         const auto isCapital = letter >= 'A' && letter <= 'Z';
         name += isCapital ? "_" : "";
-        name += isCapital ? static_cast<char>(letter - 'A' + 'a') : letter;
+        name += static_cast<char>(isCapital ? letter - 'A' + 'a' : letter);
     }
     return name;
 }
@@ -93,7 +75,6 @@ std::optional<double> quantityIn(const Value& value)
 /** The labels of a row that come from columns of a role. */
 std::string labelsOf(const Table& table, const Cells& cells, auto role)
 {
-    std::set<std::string> labels;
     Texts all;
     for (std::size_t place = 0; place < cells.size(); ++place)
     {
@@ -151,17 +132,13 @@ void addInventory(const Table& table, const std::vector<Cells>& rows,
         {
             continue;
         }
-        const auto* factor = std::ranges::find(
-            factors, column.unit, &std::pair<std::string_view, double>::first);
         auto& metric =
             exposition.metric(prefix + nameOf(column), column.metric.help);
         for (std::size_t row = 0; row < rows.size(); ++row)
         {
             if (const auto number = quantityIn(rows[row][place]))
             {
-                metric.add(names[row], *number * (factor == std::end(factors)
-                                                      ? 1
-                                                      : factor->second));
+                metric.add(names[row], *number * factorOf(column.unit));
             }
         }
     }
@@ -176,11 +153,11 @@ bool isNone(const Value& cell)
 void addLimits(const std::vector<Cells>& rows, const Texts& names,
                double factor, Exposition& exposition)
 {
-    auto& numbers =
-        exposition.shared("morvath_sensor_limit", "A limit of a sensor.");
-    auto& alarms = exposition.shared(
+    auto& numbers = exposition.metric("morvath_sensor_limit",
+                                      "A limit of a sensor.", shared);
+    auto& alarms = exposition.metric(
         "morvath_sensor_alarm",
-        "Whether a sensor is beyond a limit, by the platform.");
+        "Whether a sensor is beyond a limit, by the platform.", shared);
     for (const auto& limit : limits)
     {
         for (std::size_t row = 0; row < rows.size(); ++row)
@@ -208,11 +185,12 @@ void addSensors(const Table& table, const std::vector<Cells>& rows,
     const std::string kind(table.metric);
     auto& readings = exposition.metric(
         "morvath_" + kind + '_' + std::string(table.reading), table.help);
-    auto& available = exposition.shared("morvath_sensor_available",
-                                        "Whether a sensor has a reading.");
-    auto& severity = exposition.shared(
+    auto& available = exposition.metric(
+        "morvath_sensor_available", "Whether a sensor has a reading.", shared);
+    auto& severity = exposition.metric(
         "morvath_sensor_state",
-        "The worst alarm of a sensor: 0 nominal, 1 warning, 2 critical.");
+        "The worst alarm of a sensor: 0 nominal, 1 warning, 2 critical.",
+        shared);
     auto names = identitiesOf(table, rows);
     for (std::size_t row = 0; row < rows.size(); ++row)
     {
@@ -258,12 +236,19 @@ void addHost(Exposition& exposition)
     }
 }
 
+/** All facts of the system are its labels. */
 void addSystem(Exposition& exposition)
 {
+    constexpr std::string_view prefix = "system-";
     Texts labels;
-    for (const auto& [name, fact] : systemLabels)
+    for (const auto& fact : facts())
     {
-        labels.push_back(label(name, textOfFact(fact)));
+        if (fact.name.starts_with(prefix))
+        {
+            std::string name(fact.name.substr(prefix.size()));
+            std::ranges::replace(name, '-', '_');
+            labels.push_back(label(name, textOfFact(fact.name)));
+        }
     }
     exposition.metric("morvath_system_info", "The server.")
         .add(joined(labels, ","), 1);
@@ -271,21 +256,21 @@ void addSystem(Exposition& exposition)
 
 void addFirmware(Exposition& exposition)
 {
-    Texts all;
-    for (const auto& [component, fact] : firmware)
+    std::vector<std::pair<std::string, std::string>> versions;
+    for (const std::string component : {"bmc", "bios", "cpld"})
     {
-        const auto version = textOfFact(fact);
-        if (!version.empty())
-        {
-            all.push_back(label("component", component) + ',' +
-                          label("version", version));
-        }
+        versions.emplace_back(component, textOfFact(component + "-version"));
     }
     auto& metric = exposition.metric("morvath_firmware_info",
                                      "The version of a component.");
-    for (const auto& labels : all)
+    for (const auto& [component, version] : versions)
     {
-        metric.add(labels, 1);
+        if (!version.empty())
+        {
+            metric.add(label("component", component) + ',' +
+                           label("version", version),
+                       1);
+        }
     }
 }
 

@@ -1,14 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "metrics.hpp"
+#include "cli/terminal_text.hpp"
 #include "command.hpp"
 #include "exporter/tables.hpp"
-#include "exposition.hpp"
 #include "screen.hpp"
 #include "table.hpp"
 
 #include <algorithm>
+#include <charconv>
 #include <chrono>
+#include <cmath>
 #include <memory>
 #include <stdexcept>
+#include <utility>
 
 namespace morvath::tools
 {
@@ -19,6 +23,41 @@ using Clock = std::chrono::steady_clock;
 
 /** Of the time that is left, for each answer: the rest is for the others. */
 constexpr double shareOfAnswer = 0.25;
+
+/** In bytes before they are escaped. */
+constexpr std::size_t longestLabel = 128;
+
+/** Stands for bytes that are not UTF-8. */
+constexpr std::string_view replacement = "\xef\xbf\xbd";
+
+std::string_view escaped(const cli::Character& character)
+{
+    if (character.isBroken)
+    {
+        return replacement;
+    }
+    switch (character.code)
+    {
+        case '\\': return "\\\\";
+        case '"': return "\\\"";
+        case '\n': return "\\n";
+        default: return character.bytes;
+    }
+}
+
+std::string sampleText(double value)
+{
+    if (std::isinf(value))
+    {
+        return value > 0 ? "+Inf" : "-Inf";
+    }
+    char text[32];
+    // Not all digits: 42.35 percent are 0.4235.
+    constexpr int digits = 15;
+    return {text, std::to_chars(text, text + sizeof(text), value,
+                                std::chars_format::general, digits)
+                      .ptr};
+}
 
 struct MetricOptions
 {
@@ -68,9 +107,11 @@ bool addTable(const char* name, const MetricOptions& options,
     }
     const auto labels = label("table", name);
     exposition
-        .shared("morvath_table_duration_seconds", "How long the table took.")
+        .metric("morvath_table_duration_seconds", "How long the table took.",
+                true)
         .add(labels, since(begin).count());
-    exposition.shared("morvath_table_success", "Whether the table was read.")
+    exposition
+        .metric("morvath_table_success", "Whether the table was read.", true)
         .add(labels, isRead);
     return isRead;
 }
@@ -100,6 +141,58 @@ int printMetrics(const MetricOptions& options)
 }
 
 } // namespace
+
+void Metric::add(std::string_view labels, double value)
+{
+    samples += name;
+    if (!labels.empty())
+    {
+        samples.append("{").append(labels).append("}");
+    }
+    samples.append(" ").append(sampleText(value)).append("\n");
+}
+
+Metric& Exposition::metric(const std::string& name, std::string_view help,
+                           bool isShared)
+{
+    const auto found = std::ranges::find(metrics, name, &Metric::name);
+    return found != metrics.end()
+               ? *found
+               : metrics.emplace_back(name, std::string(help), isShared);
+}
+
+std::string Exposition::take(bool withShared)
+{
+    std::string text;
+    for (auto& [name, help, isShared, samples] : metrics)
+    {
+        if (!samples.empty() && (withShared || !isShared))
+        {
+            text += "# HELP " + name + ' ' + help + "\n# TYPE " + name +
+                    " gauge\n" + std::exchange(samples, {});
+        }
+    }
+    return text;
+}
+
+std::string label(std::string_view name, std::string_view value)
+{
+    std::string text(name);
+    text += "=\"";
+    std::size_t size = 0;
+    while (!value.empty())
+    {
+        const auto character = cli::firstOf(value);
+        size += character.bytes.size();
+        if (size > longestLabel)
+        {
+            break;
+        }
+        text += escaped(character);
+        value.remove_prefix(character.bytes.size());
+    }
+    return text += '"';
+}
 
 cli::Command metricsCommand()
 {

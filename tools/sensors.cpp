@@ -3,8 +3,6 @@
 
 #include "cli/terminal_text.hpp"
 #include "command.hpp"
-#include "facts.hpp"
-#include "json.hpp"
 
 #include <fnmatch.h>
 #include <time.h>

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "cli/terminal_text.hpp"
 #include "command.hpp"
-#include "facts.hpp"
 #include "screen.hpp"
 
 #include <morvath.h>

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "command.hpp"
-#include "json.hpp"
 #include "sensors.hpp"
 
 #include <memory>

@@ -9,32 +9,27 @@ namespace morvath::tools
 {
 
 /** A metric and those of its samples that were not written yet. */
-class Metric
+struct Metric
 {
-  public:
-    Metric(std::string name, std::string_view help);
+    std::string name;
+    std::string help;
+    bool isShared;
+    std::string samples{};
 
     /** Labels are as label() gives them, with commas in between. */
     void add(std::string_view labels, double value);
-
-  private:
-    friend class Exposition;
-
-    std::string name;
-    std::string head;
-    std::string samples;
-    bool isShared = false;
 };
 
 /** What is printed for Prometheus: metrics with their samples. */
 class Exposition
 {
   public:
-    /** The metric of that name; the help counts when it is new. */
-    Metric& metric(std::string name, std::string_view help);
-
-    /** One that several tables add to. */
-    Metric& shared(std::string name, std::string_view help);
+    /**
+     * The metric of that name; the help counts when it is new. Several tables
+     * add to one that is shared.
+     */
+    Metric& metric(const std::string& name, std::string_view help,
+                   bool isShared = false);
 
     /**
      * Takes the samples so far, with those of shared metrics or without: only

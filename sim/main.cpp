@@ -101,7 +101,7 @@ int checkScenario(const Options& options)
     const auto scenario = Scenario::load(options.scenario);
     if (options.raidOnly)
     {
-        std::puts(scenario.raid->dump(2).c_str());
+        std::puts(cli::visibleJson(scenario.raid->dump(2)).c_str());
         return EXIT_SUCCESS;
     }
     std::printf("%zu objects, %zu services, %zu faults%s%s\n",
@@ -125,7 +125,7 @@ int serveOrRun(const Options& options)
     {
         // Flushed, so that a log can be followed and survives a kill.
         run.log = [&](const Call& call) {
-            std::fputs(lineOf(call).c_str(), log.get());
+            std::fputs(cli::visibleJson(lineOf(call)).c_str(), log.get());
             std::fflush(log.get());
         };
     }

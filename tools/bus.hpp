@@ -56,12 +56,14 @@ struct CallFailure
     bool isAbsence;
 };
 
+/** How long the library waits for each answer; absent for as long as usual. */
+std::optional<Seconds>& answerLimit();
+
 /**
- * Makes sure that there is a bus, and limits how long the library waits for
- * each answer. Raises
+ * Makes sure that there is a bus, and sets the limit. Raises
  * std::runtime_error that says what to do when there is no bus.
  */
-void useBus(std::optional<Seconds> timeout);
+void useBus();
 
 /** Begins the reading of one table or fact: nothing failed yet. */
 void beginReading(std::string_view what);

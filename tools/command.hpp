@@ -27,7 +27,7 @@ cli::Command setCommand();
 cli::Command showCommand();
 
 /** The longest wait for an answer. */
-cli::Parameter timeoutOption(std::optional<Seconds>& timeout);
+cli::Parameter timeoutOption();
 
 // One document, whatever could be read; what failed as a whole is null in it.
 std::string jsonOf(const std::vector<TableReading>& tables, bool inOneLine);

@@ -176,7 +176,13 @@ std::string textOf(Seconds seconds)
     return text.data();
 }
 
-void useBus(std::optional<Seconds> timeout)
+std::optional<Seconds>& answerLimit()
+{
+    static std::optional<Seconds> limit;
+    return limit;
+}
+
+void useBus()
 {
     // On the thread that loaded the library this is the library's own.
     sd_bus* opened = nullptr;
@@ -190,10 +196,11 @@ void useBus(std::optional<Seconds> timeout)
     {
         throw noBus(ENOTCONN);
     }
-    if (timeout)
+    if (const auto limit = answerLimit())
     {
-        const auto limit = std::chrono::duration_cast<Microseconds>(*timeout);
-        sd_bus_set_method_call_timeout(bus.get(), limit.count());
+        sd_bus_set_method_call_timeout(
+            bus.get(),
+            std::chrono::duration_cast<Microseconds>(*limit).count());
     }
 }
 

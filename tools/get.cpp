@@ -17,7 +17,6 @@ struct GetOptions
     /** Whatever there is: what the platform does not have is no failure. */
     bool all = false;
     bool asJson = false;
-    std::optional<Seconds> timeout;
 };
 
 int listFacts()
@@ -61,7 +60,7 @@ int get(GetOptions& options)
             options.facts.push_back(&fact);
         }
     }
-    useBus(options.timeout);
+    useBus();
     std::vector<FactReading> readings;
     bool isComplete = true;
     for (const auto* fact : options.facts)
@@ -123,7 +122,7 @@ cli::Command getCommand()
                                  "Print all facts, - for what is missing"),
                        cli::flag("--json", options->asJson,
                                  "Print one JSON document instead of text"),
-                       timeoutOption(options->timeout)},
+                       timeoutOption()},
         .run = [options] { return get(*options); },
     };
 }

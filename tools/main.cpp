@@ -12,9 +12,9 @@ namespace cli = morvath::cli;
 namespace morvath::tools
 {
 
-cli::Parameter timeoutOption(std::optional<Seconds>& timeout)
+cli::Parameter timeoutOption()
 {
-    return cli::seconds("--timeout", timeout,
+    return cli::seconds("--timeout", answerLimit(),
                         "Longest wait for each answer, in seconds (25)");
 }
 

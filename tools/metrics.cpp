@@ -92,7 +92,8 @@ bool addTable(const char* name, const MetricOptions& options,
     bool isRead = true;
     try
     {
-        useBus(waitFor(options, start));
+        answerLimit() = waitFor(options, start);
+        useBus();
         beginReading(name);
         addMetrics(name, exposition);
     }
@@ -116,9 +117,10 @@ bool addTable(const char* name, const MetricOptions& options,
     return isRead;
 }
 
-int printMetrics(const MetricOptions& options)
+int printMetrics(MetricOptions& options)
 {
     const auto start = Clock::now();
+    options.timeout = answerLimit();
     Exposition exposition;
     int status = complete;
     for (const auto* name : exporter::tableNames)
@@ -200,7 +202,7 @@ cli::Command metricsCommand()
     return {
         .name = "metrics",
         .meaning = "Print all for Prometheus, in its text format",
-        .parameters = {timeoutOption(options->timeout),
+        .parameters = {timeoutOption(),
                        cli::seconds("--deadline", options->deadline,
                                     "Longest time for all, in seconds"),
                        cli::flag("--by-table", options->byTable,

@@ -13,12 +13,6 @@ namespace morvath::tools
 namespace
 {
 
-struct OverviewOptions
-{
-    Look look;
-    std::optional<Seconds> timeout;
-};
-
 constexpr std::size_t labelWidth = 16;
 constexpr std::size_t widestFact = 60;
 
@@ -192,11 +186,11 @@ void addSensors(Overview& overview)
     }
 }
 
-int show(OverviewOptions& options)
+int show(Look& look)
 {
-    options.look.measure();
-    useBus(options.timeout);
-    Overview overview(options.look);
+    look.measure();
+    useBus();
+    Overview overview(look);
     addMachine(overview);
     addSensors(overview);
     for (const auto& [reason, what] : overview.failures)
@@ -212,13 +206,13 @@ int show(OverviewOptions& options)
 
 cli::Command overviewCommand()
 {
-    const auto options = std::make_shared<OverviewOptions>();
+    const auto look = std::make_shared<Look>();
     return {
         .name = "overview",
         .meaning = "Print what matters in some 15 lines",
-        .parameters = {colourOption(options->look), plainOption(options->look),
-                       timeoutOption(options->timeout)},
-        .run = [options] { return show(*options); },
+        .parameters = {colourOption(*look), plainOption(*look),
+                       timeoutOption()},
+        .run = [look] { return show(*look); },
     };
 }
 

@@ -28,7 +28,6 @@ struct SensorOptions
     std::string order;
     bool alarmsOnly = false;
     bool check = false;
-    std::optional<Seconds> timeout;
     /** The pause between rounds; absent for a single one. */
     std::optional<Seconds> watch;
 };
@@ -181,7 +180,7 @@ std::string serverName()
 
 Round readAll(const SensorOptions& options)
 {
-    useBus(options.timeout);
+    useBus();
     Round round{allSensorTables(), {}, serverName()};
     const auto& look = options.look;
     bool isKnown = options.className.empty();
@@ -303,7 +302,7 @@ std::vector<cli::Parameter> parametersFor(SensorOptions& options)
         cli::seconds("--watch", options.watch,
                      "Repeat with this pause, each JSON in one line")};
     addOptions(parameters, options.look);
-    parameters.push_back(timeoutOption(options.timeout));
+    parameters.push_back(timeoutOption());
     return parameters;
 }
 

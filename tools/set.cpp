@@ -25,18 +25,11 @@ constexpr int32_t rejected = -3;
 constexpr std::size_t longestText = 199;
 constexpr std::size_t widestValue = 60;
 
-struct SetOptions
-{
-    std::string value;
-    std::optional<Seconds> timeout;
-};
-
 struct LldpOptions
 {
     std::string adapter;
     std::string port;
     std::string state;
-    std::optional<Seconds> timeout;
 };
 
 // The library ends the process for a path of more than 127 characters, of
@@ -165,12 +158,12 @@ catch (const std::exception& error)
 
 int setLldp(const LldpOptions& options)
 {
-    const auto& [adapter, port, state, timeout] = options;
+    const auto& [adapter, port, state] = options;
     if (adapter.size() + port.size() > longestNames)
     {
         throw cli::Misuse("ADAPTER PORT: the names are too long together");
     }
-    useBus(timeout);
+    useBus();
     return write("port " + port + " of " + adapter, [&options] {
         requireSuccess(setLldpEnalbed(options.adapter.c_str(),
                                       options.port.c_str(),
@@ -197,25 +190,25 @@ cli::Command lldpSetting()
               .take = take,
               .isRequired = true,
               .words = {{"on", ""}, {"off", ""}}},
-             timeoutOption(options->timeout)},
+             timeoutOption()},
         .run = [options] { return setLldp(*options); },
     };
 }
 
-void setFact(const Fact& fact, const SetOptions& options)
+void setFact(const Fact& fact, const std::string& value)
 {
-    useBus(options.timeout);
-    const auto code = send(fact, options.value);
+    useBus();
+    const auto code = send(fact, value);
     if (code == rejected)
     {
         throw cli::Misuse(std::string(fact.name) + ": \"" +
-                          cli::visible(options.value, widestValue) +
-                          "\" is not " + acceptedBy(fact));
+                          cli::visible(value, widestValue) + "\" is not " +
+                          acceptedBy(fact));
     }
     requireSuccess(code);
     // Writing a list can seem to work.
     if (fact.kind == Fact::Kind::list &&
-        readFact(fact) != Value(partsOf(options.value)))
+        readFact(fact) != Value(partsOf(value)))
     {
         throw std::runtime_error(
             "the platform accepted the value, but does not use it");
@@ -224,9 +217,9 @@ void setFact(const Fact& fact, const SetOptions& options)
 
 cli::Command settingOf(const Fact& fact)
 {
-    const auto options = std::make_shared<SetOptions>();
-    const auto take = [options](const std::string& value) {
-        options->value += (options->value.empty() ? "" : " ") + value;
+    const auto value = std::make_shared<std::string>();
+    const auto take = [value](const std::string& given) {
+        *value += (value->empty() ? "" : " ") + given;
     };
     cli::Terms words;
     for (const auto& word : fact.words)
@@ -243,11 +236,11 @@ cli::Command settingOf(const Fact& fact)
                         .isRepeated = fact.kind == Fact::Kind::list,
                         .words = words,
                         .takesOthers = true},
-                       timeoutOption(options->timeout)},
+                       timeoutOption()},
         .run =
-            [&fact, options] {
+            [&fact, value] {
                 return write(std::string(fact.name),
-                             [&] { setFact(fact, *options); });
+                             [&] { setFact(fact, *value); });
             },
         .notes = "VALUE is " + acceptedBy(fact) + '.',
     };

@@ -15,7 +15,6 @@ struct ShowOptions
     std::vector<const Table*> tables;
     bool all = false;
     Look look;
-    std::optional<Seconds> timeout;
 };
 
 cli::Terms tableTerms()
@@ -75,7 +74,7 @@ int show(ShowOptions& options)
     {
         throw cli::Misuse("--csv takes one table");
     }
-    useBus(options.timeout);
+    useBus();
     // On any platform some kind of thing is missing, which is no failure if
     // nobody asked for it.
     const auto absence = options.all ? Absence::emptyTable : Absence::failure;
@@ -124,7 +123,7 @@ cli::Command showCommand()
          .words = tableTerms()},
         cli::flag("--all", options->all, "Print all tables, empty ones too")};
     addOptions(parameters, options->look);
-    parameters.push_back(timeoutOption(options->timeout));
+    parameters.push_back(timeoutOption());
     return {
         .name = "show",
         .meaning = "Print tables of the platform",

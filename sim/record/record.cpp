@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "sim/record/record.hpp"
 
+#include "cli/terminal_text.hpp"
 #include "sim/json_value.hpp"
 #include "sim/record/parts.hpp"
 #include "sim/scenario.hpp"
@@ -139,6 +140,7 @@ class Recorder
         const auto listed = mappedObjects();
         for (const auto& [path, owners] : listed.items())
         {
+            cli::showProgress(path);
             Json services;
             for (const auto& [service, interfaces] : owners.items())
             {
@@ -396,8 +398,7 @@ int record(const RecordOptions& options)
     auto status = EXIT_SUCCESS;
     const Omit omit = [&](const std::string& what, const std::string& why) {
         status = EXIT_FAILURE;
-        std::fprintf(stderr, "morvath-sim: left out: %s: %s\n", what.c_str(),
-                     why.c_str());
+        cli::complain("morvath-sim", "left out: " + what + ": " + why);
     };
     Json scenario{{"format", 1},
                   {"description", "Recorded from a running platform"}};
@@ -414,7 +415,7 @@ int record(const RecordOptions& options)
     {
         anonymize(scenario);
     }
-    const auto text = scenario.dump(2) + '\n';
+    const auto text = cli::visibleJson(scenario.dump(2)) + '\n';
     try
     {
         // What is printed is meant to be replayed.
@@ -424,6 +425,7 @@ int record(const RecordOptions& options)
     {
         omit("a correct scenario", error.what());
     }
+    cli::endProgress();
     if (std::fputs(text.c_str(), stdout) < 0 || std::fflush(stdout) != 0)
     {
         throw std::runtime_error("the recording could not be written");

@@ -206,7 +206,7 @@ TEST(Set, NoticesASettingWithoutEffect)
                               "the value, but does not use it\n");
 }
 
-TEST(SetLldp, SwitchesOnePort)
+TEST(SetLldp, SwitchesOnePortThatIsThere)
 {
     sim::Platform platform(sim::Scenario::standard());
     for (const bool enabled : {true, false})
@@ -222,11 +222,6 @@ TEST(SetLldp, SwitchesOnePort)
                               "LldpEnabled"),
             enabled);
     }
-}
-
-TEST(SetLldp, FailsWithoutThePort)
-{
-    sim::Platform platform(sim::Scenario::standard());
     const std::string longest(54, 'n');
     const std::pair<std::string, int> cases[]{
         {"nic0 port7", 1}, {longest + " p", 1}, {longest + " pp", 2}};

@@ -1,11 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "support/machine.hpp"
 #include "support/program.hpp"
-#include "tools/running.hpp"
 
 #include <gtest/gtest.h>
-
-#include <array>
 
 namespace morvath::tests
 {
@@ -128,35 +125,6 @@ TEST(Sensors, StandInForNoneThatCouldNotBeRead)
         "morvath: currents: /xyz/openbmc_project/sensors/current/a: "
         "com.example.Sensors: org.freedesktop.DBus.Error.UnknownObject"))
         << shown.errors;
-}
-
-TEST(Sensors, CostNoMoreThanTheirTexts)
-{
-    constexpr std::size_t sensors = 200;
-    const std::string longName(1'000'000, 'n');
-    std::array<long, 2> memory{};
-    for (const bool isLong : {false, true})
-    {
-        Machine machine;
-        for (std::size_t i = 0; i < sensors; ++i)
-        {
-            addSensor(machine, "current/s" + std::to_string(i), 1,
-                      i == 0 && isLong ? Json{{"Name", text(longName)}}
-                                       : Json::object());
-        }
-        sim::Platform platform(machine.scenario());
-        EXPECT_LT(run("MORVATH", "sensors").output.size(), 40 * sensors * 4);
-        Running json("sensors --json");
-        std::size_t size = 0;
-        for (std::string line; !(line = json.line()).empty();)
-        {
-            size += line.size();
-        }
-        EXPECT_LT(size, 600 * sensors + isLong * longName.size());
-        memory.at(isLong) = json.end().ru_maxrss;
-    }
-    // In KiB; much less than the name once for each sensor.
-    EXPECT_LT(memory[1] - memory[0], 60'000);
 }
 
 } // namespace

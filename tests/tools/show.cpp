@@ -196,6 +196,40 @@ TEST(Show, NamesWhatFailsAndShowsTheOthers)
     EXPECT_EQ(document["tables"]["fans"][0]["name"], "FAN3");
 }
 
+TEST(Show, NamesThePropertyThatIsMissing)
+{
+    const std::string interfaces = "xyz.openbmc_project.";
+    struct
+    {
+        const char* table;
+        std::string interface;
+        Json properties;
+        const char* missing;
+    } const cases[]{
+        {"memory",
+         "Inventory.Item.Dimm",
+         {{"MemoryType", text("a.DDR5")}, {"FormFactor", text("a.DIMM")}},
+         "ECC"},
+        {"processors", "Inventory.Item.Cpu", Json::object(), "LocationCode"},
+        {"pcie-slots", "Inventory.Item.PCIeSlot", Json::object(), "Present"},
+        {"bmc-network",
+         "Network.EthernetInterface",
+         {{"InterfaceName", text("eth7")}},
+         "NICEnabled"},
+    };
+    for (const auto& [table, interface, properties, missing] : cases)
+    {
+        const std::string path = "/xyz/openbmc_project/network/odd";
+        sim::Platform platform(Machine()
+                                   .owns(path, "com.example.Odd",
+                                         {{interfaces + interface, properties}})
+                                   .scenario());
+        EXPECT_EQ(morvath("show " + std::string(table)).errors,
+                  "morvath: " + std::string(table) + ": " + path +
+                      ": com.example.Odd: has no " + missing + '\n');
+    }
+}
+
 TEST(Show, WaitsOnceForASilentMapper)
 {
     const auto machine = Machine::server().fault(

@@ -1,102 +1,128 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "sim/process.hpp"
 #include "support/machine.hpp"
-#include "tools/running.hpp"
+#include "support/program.hpp"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <systemd/sd-bus.h>
 #include <unistd.h>
 
 #include <array>
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <optional>
 
 namespace morvath::tests
 {
 
-Running::Running(const std::string& arguments, const std::string& environment)
-{
-    std::array<int, 2> ends;
-    EXPECT_EQ(pipe2(ends.data(), O_CLOEXEC), 0);
-    process = fork();
-    if (process == 0)
-    {
-        dup2(ends[1], STDOUT_FILENO);
-        dup2(ends[1], STDERR_FILENO);
-        const auto line = environment + " exec $MORVATH " + arguments;
-        execl("/bin/sh", "sh", "-c", line.c_str(), nullptr);
-        _exit(127);
-    }
-    close(ends[1]);
-    output = fdopen(ends[0], "r");
-    alarm(60);
-}
-
-Running::~Running()
-{
-    alarm(0);
-    std::fclose(output);
-    if (process > 0)
-    {
-        kill(process, SIGKILL);
-        waitpid(process, nullptr, 0);
-    }
-}
-
-std::string Running::line()
-{
-    char* text = nullptr;
-    std::size_t size = 0;
-    const auto length = getline(&text, &size, output);
-    const std::string line(text, length < 0 ? 0 : length);
-    std::free(text);
-    return line;
-}
-
-bool Running::says(std::string_view text)
-{
-    std::string one;
-    do
-    {
-        one = line();
-    } while (!one.empty() && one.find(text) == one.npos);
-    return !one.empty();
-}
-
-rusage Running::end()
-{
-    int status = -1;
-    rusage usage{};
-    wait4(process, &status, 0, &usage);
-    process = 0;
-    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
-    return usage;
-}
-
 namespace
 {
+
+/** The command while it runs; what it says must come within a minute. */
+class Running
+{
+  public:
+    explicit Running(const std::string& arguments,
+                     const std::string& environment = {})
+    {
+        std::array<int, 2> ends;
+        EXPECT_EQ(pipe2(ends.data(), O_CLOEXEC), 0);
+        process = fork();
+        if (process == 0)
+        {
+            dup2(ends[1], STDOUT_FILENO);
+            dup2(ends[1], STDERR_FILENO);
+            const auto line = environment + " exec $MORVATH " + arguments;
+            execl("/bin/sh", "sh", "-c", line.c_str(), nullptr);
+            _exit(127);
+        }
+        close(ends[1]);
+        output = fdopen(ends[0], "r");
+        alarm(60);
+    }
+    Running(const Running&) = delete;
+    Running& operator=(const Running&) = delete;
+
+    ~Running()
+    {
+        alarm(0);
+        std::fclose(output);
+        if (process > 0)
+        {
+            kill(process, SIGKILL);
+            waitpid(process, nullptr, 0);
+        }
+    }
+
+    /** The next line of either output; empty at the end. */
+    std::string line()
+    {
+        char* text = nullptr;
+        std::size_t size = 0;
+        const auto length = getline(&text, &size, output);
+        const std::string line(text, length < 0 ? 0 : length);
+        std::free(text);
+        return line;
+    }
+
+    /** Whether there comes a line with such a text. */
+    bool says(std::string_view text)
+    {
+        for (std::string one; !(one = line()).empty();)
+        {
+            if (one.find(text) != one.npos)
+            {
+                return true;
+            }
+        }
+        return false;
+    }
+
+    /** Waits for the end, of which success is expected. */
+    rusage end()
+    {
+        int status = -1;
+        rusage usage{};
+        wait4(process, &status, 0, &usage);
+        process = 0;
+        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
+        return usage;
+    }
+
+    pid_t process;
+
+  private:
+    FILE* output;
+};
 
 /** A bus without anything, there as long as this object. */
 class LoneBus
 {
   public:
     explicit LoneBus(const std::string& address) :
-        process({"dbus-daemon", "--session", "--nofork", "--print-address=1",
-                 "--address=" + address},
-                {.environment = {},
-                 .output = started.writeEnd.get(),
-                 .deathSignal = SIGKILL})
+        output(popen(("exec dbus-daemon --session --nofork --print-address=1 "
+                      "--print-pid=1 --address=" +
+                      address)
+                         .c_str(),
+                     "re"))
     {
-        char byte = 0;
-        EXPECT_EQ(read(started.readEnd.get(), &byte, 1), 1);
+        EXPECT_EQ(std::fscanf(output, "%*s %d", &process), 1);
+    }
+    LoneBus(const LoneBus&) = delete;
+    LoneBus& operator=(const LoneBus&) = delete;
+
+    ~LoneBus()
+    {
+        kill(process, SIGKILL);
+        pclose(output);
     }
 
   private:
-    sim::Pipe started;
-    sim::Process process;
+    FILE* output;
+    pid_t process = 0;
 };
 
 constexpr auto roundBegins = R"({"formatVersion")";
@@ -109,7 +135,7 @@ TEST(Watch, ReadsAgainUntilASignal)
         Running watched("sensors --json --watch 0.01");
         EXPECT_TRUE(watched.says(roundBegins));
         EXPECT_TRUE(watched.says(roundBegins));
-        kill(watched.id(), signal);
+        kill(watched.process, signal);
         for (std::string line; !(line = watched.line()).empty();)
         {
             EXPECT_FALSE(Json::parse(line)["tables"]["fans"].empty());
@@ -148,7 +174,7 @@ TEST(Watch, ReadsWhatTheBusSendsBetweenRounds)
     ASSERT_TRUE(watched.says(roundBegins));
     sd_bus* bus = nullptr;
     ASSERT_GE(sd_bus_open(&bus), 0);
-    const auto name = nameOf(bus, watched.id());
+    const auto name = nameOf(bus, watched.process);
     const std::string ballast(1000, 'b');
     for (int i = 0; i < 1000; ++i)
     {
@@ -183,6 +209,39 @@ TEST(Watch, UsesABusThatCameBack)
     bus.reset();
     unlink(file.c_str());
     rmdir(folder);
+}
+
+TEST(Sensors, CostNoMoreThanTheirTexts)
+{
+    constexpr int sensors = 200;
+    const std::string longName(1'000'000, 'n');
+    std::array<long, 2> memory{};
+    for (const bool isLong : {false, true})
+    {
+        Machine machine;
+        for (int i = 0; i < sensors; ++i)
+        {
+            machine.owns("/xyz/openbmc_project/sensors/current/s" +
+                             std::to_string(i),
+                         "com.example.Sensors",
+                         {{"xyz.openbmc_project.Sensor.Value",
+                           {{"Name", text(i == 0 && isLong ? longName : "a")},
+                            {"Value", property("d", 1)},
+                            {"Unit", text("xyz.Unit.Amperes")}}}});
+        }
+        sim::Platform platform(machine.scenario());
+        EXPECT_LT(run("MORVATH", "sensors").output.size(), 160u * sensors);
+        Running json("sensors --json");
+        std::size_t size = 0;
+        for (std::string line; !(line = json.line()).empty();)
+        {
+            size += line.size();
+        }
+        EXPECT_LT(size, 600u * sensors + isLong * longName.size());
+        memory.at(isLong) = json.end().ru_maxrss;
+    }
+    // In KiB; much less than the name once for each sensor.
+    EXPECT_LT(memory[1] - memory[0], 60'000);
 }
 
 } // namespace

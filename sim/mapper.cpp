@@ -66,16 +66,16 @@ void appendOwners(sd_bus_message* reply, const Mapper::Owners& owners,
                   const Mapper::Names& wanted)
 {
     appendContainer(reply, 'a', "{sas}", [&] {
-        for (const auto& [service, interfaces] : owners)
+        for (const auto& owner : owners)
         {
-            if (!hasOneOf(*interfaces, wanted))
+            if (!hasOneOf(*owner.second, wanted))
             {
                 continue;
             }
             appendContainer(reply, 'e', "sas", [&] {
-                appendText(reply, service);
+                appendText(reply, owner.first);
                 appendContainer(reply, 'a', "s", [&] {
-                    for (const auto& interface : *interfaces)
+                    for (const auto& interface : *owner.second)
                     {
                         appendText(reply, interface);
                     }

@@ -440,8 +440,9 @@ int Service::decide(sd_bus_message* message)
         leaveOut(call.path, decision);
         return 0;
     }
-    auto& one = held.emplace_back(*this, Message(sd_bus_message_ref(message)),
-                                  std::move(call), std::move(decision));
+    auto& one =
+        held.emplace_back(Held{*this, Message(sd_bus_message_ref(message)),
+                               std::move(call), std::move(decision)});
     if (!fault)
     {
         sendAgain(one);

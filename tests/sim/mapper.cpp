@@ -8,9 +8,7 @@
 #include <string>
 #include <utility>
 
-namespace morvath::tests
-{
-namespace
+namespace morvath::tests::mapper
 {
 
 // Some objects have two owners; "second" would start after "first" but comes
@@ -152,5 +150,4 @@ TEST(Mapper, AnswersAsTheRealOne)
               "org.freedesktop.DBus.Error.ServiceUnknown");
 }
 
-} // namespace
-} // namespace morvath::tests
+} // namespace morvath::tests::mapper

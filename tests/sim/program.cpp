@@ -13,9 +13,7 @@
 #include <set>
 #include <string>
 
-namespace morvath::tests
-{
-namespace
+namespace morvath::tests::program
 {
 
 constexpr auto oneObject = R"({"format": 1, "mapper": false, "objects": [
@@ -60,8 +58,6 @@ class Background
     std::FILE* output;
     pid_t process;
 };
-
-} // namespace
 
 TEST(Program, StatusTellsWhatHappened)
 {
@@ -203,4 +199,4 @@ TEST(Program, ServesUntilItIsTold)
               "org.freedesktop.DBus.Error.ServiceUnknown");
 }
 
-} // namespace morvath::tests
+} // namespace morvath::tests::program

@@ -13,9 +13,7 @@
 #include <thread>
 #include <vector>
 
-namespace morvath::tests
-{
-namespace
+namespace morvath::tests::service
 {
 
 constexpr auto machine = R"({"format": 1, "objects": [
@@ -193,8 +191,6 @@ int keepSignal(sd_bus_message* message, void* kept, sd_bus_error*)
     return 0;
 }
 
-} // namespace
-
 TEST(Service, AnswersAsOneWrittenForSdBus)
 {
     const PlainService plain;
@@ -292,4 +288,4 @@ TEST(Behaviours, HostFollowsTransitions)
     }
 }
 
-} // namespace morvath::tests
+} // namespace morvath::tests::service

@@ -158,9 +158,9 @@ Metric& Exposition::metric(const std::string& name, std::string_view help,
                            bool isShared)
 {
     const auto found = std::ranges::find(metrics, name, &Metric::name);
-    return found != metrics.end()
-               ? *found
-               : metrics.emplace_back(name, std::string(help), isShared);
+    return found != metrics.end() ? *found
+                                  : metrics.emplace_back(Metric{
+                                        name, std::string(help), isShared});
 }
 
 std::string Exposition::take(bool withShared)

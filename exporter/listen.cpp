@@ -32,11 +32,10 @@ int complain(const std::string& what, const char* why)
 Addresses resolve(const std::string& address)
 {
     const auto colon = address.rfind(':');
-    const auto port = colon == address.npos
-                          ? std::nullopt
-                          : numberIn(address.substr(colon + 1));
+    const auto behind = colon == address.npos ? "" : address.substr(colon + 1);
+    const auto port = numberIn(behind).value_or(-1);
     // getaddrinfo() would take the lower bits.
-    if (!port || !(*port >= 0 && *port <= 65535))
+    if (!(port >= 0 && port <= 65535))
     {
         complain(address, "an address is followed by a colon and a port");
         return nullptr;

@@ -7,6 +7,7 @@
 #include <array>
 #include <cerrno>
 #include <cmath>
+#include <cstring>
 #include <limits>
 #include <unordered_set>
 #include <utility>
@@ -79,6 +80,7 @@ struct BasicType
     char type;
     int (*append)(sd_bus_message* message, char type, const Json& value);
     Json (*read)(sd_bus_message* message, char type);
+    void (*store)(const Json& value, char type, void* memory);
 };
 
 template <typename Value>
@@ -95,6 +97,10 @@ constexpr BasicType basic(char type)
                 check(sd_bus_message_read_basic(message, type, &value),
                       "sd_bus_message_read_basic");
                 return toJson(value);
+            },
+            [](const Json& json, char type, void* memory) {
+                const auto value = fromJson<Value>(json, type);
+                std::memcpy(memory, &value, sizeof(value));
             }};
 }
 
@@ -272,6 +278,16 @@ Json dictionaryOf(Json&& entries, char keyType)
 }
 
 } // namespace
+
+bool storeBasic(std::string_view type, const Json& value, void* memory)
+{
+    const auto* basic = basicType(type.front());
+    if (basic)
+    {
+        basic->store(value, type.front(), memory);
+    }
+    return basic;
+}
 
 void append(sd_bus_message* message, std::string_view type, const Json& value)
 {

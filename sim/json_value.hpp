@@ -19,6 +19,13 @@ namespace morvath::sim
 void append(sd_bus_message* message, std::string_view type, const Json& value);
 
 /**
+ * Puts a value of a basic type where sd-bus itself can read it; its text stays
+ * where it is. Returns false for another type.
+ * @param[in] memory  of eight bytes
+ */
+bool storeBasic(std::string_view type, const Json& value, void* memory);
+
+/**
  * Appends as many values as there are types: of one type the value itself,
  * of none nothing, of more a list of them.
  */

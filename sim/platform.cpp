@@ -4,14 +4,11 @@
 #include "sim/mapper.hpp"
 
 #include <nlohmann/json.hpp>
-#include <poll.h>
+#include <sys/epoll.h>
 #include <sys/eventfd.h>
 
 #include <algorithm>
-#include <array>
-#include <cmath>
 #include <exception>
-#include <limits>
 #include <stdexcept>
 
 namespace morvath::sim
@@ -83,6 +80,12 @@ Platform::Platform(const Scenario& scenario, const Live& options,
         mapper->update();
         mapper->start();
     }
+    const auto read = [](sd_event_source*, int number, uint32_t, void*) {
+        eventfd_t count = 0;
+        return eventfd_read(number, &count);
+    };
+    check(sd_event_add_io(event.get(), nullptr, wake.get(), EPOLLIN, read,
+                          nullptr));
     start = std::chrono::steady_clock::now();
     thread = std::thread([this] { serve(); });
 }
@@ -99,24 +102,23 @@ Platform::~Platform()
 
 void Platform::serve()
 {
-    std::array<pollfd, 2> awaited{
-        pollfd{sd_event_get_fd(event.get()), POLLIN, 0},
-        pollfd{wake.get(), POLLIN, 0}};
     std::unique_lock lock(mutex);
     while (!ended)
     {
-        while (sd_event_run(event.get(), 0) > 0)
-        {}
-        const auto timeout = millisecondsToChange();
-        lock.unlock();
-        poll(awaited.data(), awaited.size(), timeout);
-        eventfd_t count = 0;
-        eventfd_read(wake.get(), &count);
-        lock.lock();
-        if (isLive)
+        auto result = sd_event_prepare(event.get());
+        if (result == 0)
         {
-            moveTo(elapsed());
+            const auto timeout = microsecondsToChange();
+            lock.unlock();
+            result = sd_event_wait(event.get(), timeout);
+            lock.lock();
         }
+        if (result > 0)
+        {
+            sd_event_dispatch(event.get());
+        }
+        moveTo(isLive ? elapsed() : wanted);
+        reached.notify_all();
     }
 }
 
@@ -125,18 +127,16 @@ Seconds Platform::elapsed() const
     return std::chrono::steady_clock::now() - start;
 }
 
-/** As poll() takes it; -1 for no change. */
-int Platform::millisecondsToChange() const
+uint64_t Platform::microsecondsToChange() const
 {
     if (!isLive || schedule.empty())
     {
-        return -1;
+        return UINT64_MAX;
     }
-    constexpr auto most = std::numeric_limits<int>::max();
-    const std::chrono::duration<double, std::milli> rest =
+    constexpr double longest = 1e15;
+    const std::chrono::duration<double, std::micro> rest =
         schedule.next() - elapsed();
-    return static_cast<int>(
-        std::clamp(std::ceil(rest.count()), 0.0, 1.0 * most));
+    return static_cast<uint64_t>(std::clamp(rest.count(), 0.0, longest)) + 1;
 }
 
 void Platform::moveTo(Seconds moment)
@@ -154,10 +154,10 @@ void Platform::moveTo(Seconds moment)
 
 void Platform::advance(Seconds seconds)
 {
-    const std::lock_guard lock(mutex);
-    moveTo(time + seconds);
-    // There may be more to send, or new services to listen to.
+    std::unique_lock lock(mutex);
+    wanted += seconds;
     eventfd_write(wake.get(), 1);
+    reached.wait(lock, [this] { return time == wanted; });
 }
 
 std::vector<Call> Platform::calls() const

@@ -5,6 +5,8 @@
 #include "sim/service.hpp"
 
 #include <chrono>
+#include <condition_variable>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -54,7 +56,7 @@ class Platform
     Platform(const Platform&) = delete;
     Platform& operator=(const Platform&) = delete;
 
-    /** Makes the changes of the next seconds. */
+    /** Makes the changes of the next seconds; returns when they are made. */
     void advance(Seconds time);
 
     /** The calls so far, without their outcomes. */
@@ -77,7 +79,7 @@ class Platform
     void serve();
     void moveTo(Seconds moment);
     Seconds elapsed() const;
-    int millisecondsToChange() const;
+    uint64_t microsecondsToChange() const;
 
     // The order matters: what is used stands before its users.
     /** Held while calls are answered. */
@@ -92,7 +94,9 @@ class Platform
     const bool isLive;
     bool ended = false;
     std::chrono::steady_clock::time_point start;
+    Seconds wanted{};
     Seconds time{};
+    std::condition_variable reached;
     std::thread thread;
 };
 

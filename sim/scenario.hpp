@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <filesystem>
 #include <set>
 #include <string>
@@ -36,8 +37,10 @@ class Service;
 
 struct Property
 {
-    std::string name;
-    std::string type;
+    /** A published value of a basic type as sd-bus itself reads it. */
+    uint64_t raw = 0;
+    std::string name{};
+    std::string type{};
     SharedJson value{};
     bool readOnly = false;
     /** Left out of GetAll, readable with Get. */

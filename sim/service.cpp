@@ -109,12 +109,17 @@ sd_bus_vtable entryOf(const Property& property, const char* name,
     const uint64_t flags = property.hidden
                                ? SD_BUS_VTABLE_HIDDEN
                                : SD_BUS_VTABLE_PROPERTY_EMITS_CHANGE;
+    // What it can, sd-bus reads by itself at the beginning of the property.
+    uint64_t unused = 0;
+    const auto get = storeBasic(property.type, *property.value, &unused)
+                         ? nullptr
+                         : getProperty;
     if (property.readOnly)
     {
-        return SD_BUS_PROPERTY(name, type, getProperty, offset, flags);
+        return SD_BUS_PROPERTY(name, type, get, offset, flags);
     }
-    return SD_BUS_WRITABLE_PROPERTY(name, type, getProperty, setProperty,
-                                    offset, flags | SD_BUS_VTABLE_UNPRIVILEGED);
+    return SD_BUS_WRITABLE_PROPERTY(name, type, get, setProperty, offset,
+                                    flags | SD_BUS_VTABLE_UNPRIVILEGED);
 }
 
 } // namespace
@@ -250,6 +255,7 @@ void Service::add(const std::string& path, std::vector<Interface> interfaces)
         for (auto& property : interface.properties)
         {
             property.publisher = this;
+            storeBasic(property.type, *property.value, &property.raw);
         }
     }
     if (bus)
@@ -286,6 +292,7 @@ void Service::change(std::string_view path, std::string_view interface,
         return;
     }
     property.value = std::make_shared<const Json>(value);
+    storeBasic(property.type, *property.value, &property.raw);
     if (interface == associationDefinitions)
     {
         services.objectsChanged();

@@ -6,6 +6,6 @@
 /* Needs the library and calls nothing of it. */
 int main(void)
 {
-    void (*volatile needed)(PsuInfoEntry*) = freePsuInfoEntry;
+    void (*volatile needed)(PsuInfoEntry *) = freePsuInfoEntry;
     return needed == NULL;
 }

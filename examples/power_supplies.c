@@ -6,14 +6,14 @@
 #include <stdlib.h>
 
 /* The platform may lack any property. */
-static const char* shown(const char* text)
+static const char *shown(const char *text)
 {
     return text != NULL ? text : "n/a";
 }
 
 int main(void)
 {
-    PsuInfoEntry* supplies = NULL;
+    PsuInfoEntry *supplies = NULL;
     int32_t count = 0;
     const int32_t code = getPsuTableInfo(&supplies, &count);
     if (code != 0)
@@ -23,7 +23,7 @@ int main(void)
     }
     for (int32_t i = 0; i < count; ++i)
     {
-        PsuInfoEntry* supply = &supplies[i];
+        PsuInfoEntry *supply = &supplies[i];
         printf("%s: %s %s, %s W\n", shown(supply->name),
                shown(supply->manufacturer), shown(supply->partNumber),
                shown(supply->rating));

@@ -101,8 +101,7 @@
 #endif
 
 #ifdef __cplusplus
-extern "C"
-{
+extern "C" {
 #endif
 
 /*
@@ -137,9 +136,9 @@ extern "C"
  *                    1 to 199 bytes. The code is 0 for any other length, too.
  * @return 0 or -1
  */
-int32_t getDbusPropertyString(const char* service, const char* path,
-                              const char* interface, const char* property,
-                              char** value);
+int32_t getDbusPropertyString(const char *service, const char *path,
+                              const char *interface, const char *property,
+                              char **value);
 
 /**
  * Reads a list of texts.
@@ -149,43 +148,43 @@ int32_t getDbusPropertyString(const char* service, const char* path,
  * @param[out] count   number of elements; set, not added to
  * @return 0 or -1
  */
-int32_t getDbusPropertyVectorString(const char* service, const char* path,
-                                    const char* interface, const char* property,
-                                    char*** values, uint32_t* count);
+int32_t getDbusPropertyVectorString(const char *service, const char *path,
+                                    const char *interface, const char *property,
+                                    char ***values, uint32_t *count);
 
 /**
  * Reads a byte.
  * @param[out] value  0 to 255
  * @return 0 or -1
  */
-int32_t getDbusPropertyUint8(const char* service, const char* path,
-                             const char* interface, const char* property,
-                             uint8_t* value);
+int32_t getDbusPropertyUint8(const char *service, const char *path,
+                             const char *interface, const char *property,
+                             uint8_t *value);
 
 /**
  * Reads a boolean.
  * @param[out] value  0 or 1
  * @return 0 or -1
  */
-int32_t getDbusPropertyBool(const char* service, const char* path,
-                            const char* interface, const char* property,
-                            uint8_t* value);
+int32_t getDbusPropertyBool(const char *service, const char *path,
+                            const char *interface, const char *property,
+                            uint8_t *value);
 
 /**
  * Writes a boolean.
  * @param value  0 for false, any other for true
  * @return 0 or -1
  */
-int32_t setDbusPropertyBool(const char* service, const char* path,
-                            const char* interface, const char* property,
+int32_t setDbusPropertyBool(const char *service, const char *path,
+                            const char *interface, const char *property,
                             uint8_t value);
 
 /**
  * Writes an unsigned 64-bit number.
  * @return 0 or -1
  */
-int32_t setDbusPropertyUint64(const char* service, const char* path,
-                              const char* interface, const char* property,
+int32_t setDbusPropertyUint64(const char *service, const char *path,
+                              const char *interface, const char *property,
                               uint64_t value);
 
 /**
@@ -193,18 +192,18 @@ int32_t setDbusPropertyUint64(const char* service, const char* path,
  * @param value  the text
  * @return 0 or -1
  */
-int32_t setDbusPropertyString(const char* service, const char* path,
-                              const char* interface, const char* property,
-                              const char* value);
+int32_t setDbusPropertyString(const char *service, const char *path,
+                              const char *interface, const char *property,
+                              const char *value);
 
 /**
  * Writes a list of texts.
  * @param values  a NULL entry ends it. An empty list is written, too.
  * @return 0 or -1
  */
-int32_t setDbusPropertyVectorString(const char* service, const char* path,
-                                    const char* interface, const char* property,
-                                    const char** values);
+int32_t setDbusPropertyVectorString(const char *service, const char *path,
+                                    const char *interface, const char *property,
+                                    const char **values);
 
 /**
  * Writes a list of texts to every object that has the interface, in the order
@@ -214,10 +213,10 @@ int32_t setDbusPropertyVectorString(const char* service, const char* path,
  *         object mapper does not answer; -1 at the first object that refuses,
  *         with the objects before it written
  */
-int32_t setDbusPropertyVectorStringWithoutPath(const char* service,
-                                               const char* interface,
-                                               const char* property,
-                                               const char** values);
+int32_t setDbusPropertyVectorStringWithoutPath(const char *service,
+                                               const char *interface,
+                                               const char *property,
+                                               const char **values);
 
 /*
  * Objects
@@ -254,8 +253,8 @@ int32_t setDbusPropertyVectorStringWithoutPath(const char* service,
  *         root; outputs are untouched then
  * @throws SdBusError when the request could not be created
  */
-int32_t getDbusInterface(const char* prefix, const char* root,
-                         const char* interface, char*** paths, uint32_t* count);
+int32_t getDbusInterface(const char *prefix, const char *root,
+                         const char *interface, char ***paths, uint32_t *count);
 
 /**
  * Reads chosen properties of all objects below a root as texts: a row per
@@ -285,10 +284,10 @@ int32_t getDbusInterface(const char* prefix, const char* root,
  * @throws std::logic_error for a name that is NULL, once the objects are known;
  *         outputs are untouched
  */
-int32_t getDbusTableData(const char* rootPath, const char* interfaceName,
-                         const char* const* propertyNames,
-                         int32_t propertyCount, char**** rowsOut,
-                         int32_t* rowCountOut);
+int32_t getDbusTableData(const char *rootPath, const char *interfaceName,
+                         const char *const *propertyNames,
+                         int32_t propertyCount, char ****rowsOut,
+                         int32_t *rowCountOut);
 
 /*
  * Identity
@@ -317,13 +316,13 @@ int32_t getDbusTableData(const char* rootPath, const char* interfaceName,
  * @param[out] value  the text
  * @return 0 or -1
  */
-int32_t getSystemManufacturer(char** value);
-int32_t getSystemModel(char** value);
-int32_t getSystemSerialNumber(char** value);
-int32_t getSystemUUID(char** value);
-int32_t getSystemAssetTag(char** value);
-int32_t getSystemHostName(char** value);
-int32_t getSystemConfModel(char** value);
+int32_t getSystemManufacturer(char **value);
+int32_t getSystemModel(char **value);
+int32_t getSystemSerialNumber(char **value);
+int32_t getSystemUUID(char **value);
+int32_t getSystemAssetTag(char **value);
+int32_t getSystemHostName(char **value);
+int32_t getSystemConfModel(char **value);
 
 /**
  * Writes a fact of the system.
@@ -331,9 +330,9 @@ int32_t getSystemConfModel(char** value);
  *               which then reads as none
  * @return 0 or -1
  */
-int32_t setSystemAssetTag(const char* value);
-int32_t setSystemHostName(const char* value);
-int32_t setSystemConfModel(const char* value);
+int32_t setSystemAssetTag(const char *value);
+int32_t setSystemHostName(const char *value);
+int32_t setSystemConfModel(const char *value);
 
 /**
  * Reads the maker or the date of the BIOS ("03/14/2026"), or the version of
@@ -341,9 +340,9 @@ int32_t setSystemConfModel(const char* value);
  * @param[out] value  the text
  * @return 0 or -1
  */
-int32_t getBiosVendor(char** value);
-int32_t getBiosBuildDate(char** value);
-int32_t getCpldFirmwareVersion(char** value);
+int32_t getBiosVendor(char **value);
+int32_t getBiosBuildDate(char **value);
+int32_t getCpldFirmwareVersion(char **value);
 
 /**
  * Reads the version of the controller's own firmware, or of the BIOS. Of
@@ -355,8 +354,8 @@ int32_t getCpldFirmwareVersion(char** value);
  *         lists no software at all
  * @throws SdBusError when an image, of whatever purpose, could not be read
  */
-int32_t getBMCFirmwareVersion(char** value);
-int32_t getBiosFirmwareVersion(char** value);
+int32_t getBMCFirmwareVersion(char **value);
+int32_t getBiosFirmwareVersion(char **value);
 
 /**
  * Reads a property of xyz.openbmc_project.Inventory.Decorator.Asset of the
@@ -367,13 +366,13 @@ int32_t getBiosFirmwareVersion(char** value);
  * @param[out] value  the text; untouched when no controller is listed
  * @return 0 or -1
  */
-int32_t getBMCProperty(const char* property, char** value);
+int32_t getBMCProperty(const char *property, char **value);
 
 /** As getBMCProperty() with "Manufacturer", "Model" and so on. */
-int32_t getBMCManufacturer(char** value);
-int32_t getBMCModel(char** value);
-int32_t getBMCSerialNumber(char** value);
-int32_t getBMCPartNumber(char** value);
+int32_t getBMCManufacturer(char **value);
+int32_t getBMCModel(char **value);
+int32_t getBMCSerialNumber(char **value);
+int32_t getBMCPartNumber(char **value);
 
 /**
  * Reads a field of the product, chassis or board area of the server's FRU
@@ -383,20 +382,20 @@ int32_t getBMCPartNumber(char** value);
  * @param[out] value  the text
  * @return 0 or -1
  */
-int32_t getProductAssetTag(char** value);
-int32_t getProductManufacturer(char** value);
-int32_t getProductPartNum(char** value);
-int32_t getProductPrettyName(char** value);
-int32_t getProductSerialNum(char** value);
-int32_t getProductVersion(char** value);
-int32_t getChassisPartNum(char** value);
-int32_t getChassisPrettyName(char** value);
-int32_t getChassisSerialNum(char** value);
-int32_t getBoardBuildDate(char** value);
-int32_t getBoardManufacturer(char** value);
-int32_t getBoardPartNum(char** value);
-int32_t getBoardPrettyName(char** value);
-int32_t getBoardSerialNum(char** value);
+int32_t getProductAssetTag(char **value);
+int32_t getProductManufacturer(char **value);
+int32_t getProductPartNum(char **value);
+int32_t getProductPrettyName(char **value);
+int32_t getProductSerialNum(char **value);
+int32_t getProductVersion(char **value);
+int32_t getChassisPartNum(char **value);
+int32_t getChassisPrettyName(char **value);
+int32_t getChassisSerialNum(char **value);
+int32_t getBoardBuildDate(char **value);
+int32_t getBoardManufacturer(char **value);
+int32_t getBoardPartNum(char **value);
+int32_t getBoardPrettyName(char **value);
+int32_t getBoardSerialNum(char **value);
 
 /*
  * BIOS configuration
@@ -421,11 +420,11 @@ int32_t getBoardSerialNum(char** value);
  * @param[out] value  the BIOS's own code, 0 to 255
  * @return 0 or -1
  */
-int32_t getBiosBootType(uint32_t* value);
-int32_t getBiosBootOrder0(uint32_t* value);
-int32_t getBiosBootOrder1(uint32_t* value);
-int32_t getBiosBootOrder2(uint32_t* value);
-int32_t getBiosBootOrder3(uint32_t* value);
+int32_t getBiosBootType(uint32_t *value);
+int32_t getBiosBootOrder0(uint32_t *value);
+int32_t getBiosBootOrder1(uint32_t *value);
+int32_t getBiosBootOrder2(uint32_t *value);
+int32_t getBiosBootOrder3(uint32_t *value);
 
 /**
  * Reads whether the host may boot from the network over IPv4 or IPv6, or
@@ -433,9 +432,9 @@ int32_t getBiosBootOrder3(uint32_t* value);
  * @param[out] value  0 or 1
  * @return 0 or -1
  */
-int32_t getBiosIPV4Support(uint32_t* value);
-int32_t getBiosIPV6Support(uint32_t* value);
-int32_t getBiosHyperThreading(uint32_t* value);
+int32_t getBiosIPV4Support(uint32_t *value);
+int32_t getBiosIPV6Support(uint32_t *value);
+int32_t getBiosHyperThreading(uint32_t *value);
 
 /*
  * Host power
@@ -465,7 +464,7 @@ int32_t getBiosHyperThreading(uint32_t* value);
  *                    state published); release it with free()
  * @return 0, or -1 when the call failed or the state has no dot
  */
-int32_t getSystemPowerState(char** state);
+int32_t getSystemPowerState(char **state);
 
 /**
  * Reads which transition of the host was requested last. The platform keeps
@@ -475,7 +474,7 @@ int32_t getSystemPowerState(char** state);
  *                   warm reboot, 255 none or another one
  * @return 0 or -1
  */
-int32_t getSystemPowerCtl(uint32_t* code);
+int32_t getSystemPowerCtl(uint32_t *code);
 
 /**
  * Requests a transition of the host. 0 says that it was accepted, not that it
@@ -493,7 +492,7 @@ int32_t setSystemPowerCtl(uint32_t code);
  * @return 0, or -1 when the call failed or the policy is another one, such as
  *         the platform's None
  */
-int32_t getPowerRestorePolicy(char** policy);
+int32_t getPowerRestorePolicy(char **policy);
 
 /**
  * Chooses what the host does when power returns.
@@ -502,7 +501,7 @@ int32_t getPowerRestorePolicy(char** policy);
  *                "Always" and "" are "AlwaysOn".
  * @return 0, -1, or -3 for another word
  */
-int32_t setPowerRestorePolicy(const char* policy);
+int32_t setPowerRestorePolicy(const char *policy);
 
 /*
  * Time
@@ -523,7 +522,7 @@ int32_t setPowerRestorePolicy(const char* policy);
  * @param[out] seconds  since 1970, the lower 32 bits
  * @return 0
  */
-int32_t getTimeStamp(uint32_t* seconds);
+int32_t getTimeStamp(uint32_t *seconds);
 
 /**
  * Reads the time zone of the calling process: the variable timezone of the C
@@ -531,7 +530,7 @@ int32_t getTimeStamp(uint32_t* seconds);
  * @param[out] offset  seconds west of UTC
  * @return 0
  */
-int32_t getTimeZone(int32_t* offset);
+int32_t getTimeZone(int32_t *offset);
 
 /**
  * Sets the clock of the management controller. The platform refuses with -1
@@ -546,7 +545,7 @@ int32_t setTimeStamp(int32_t seconds);
  * @param[out] method  1 NTP, 0 manual, 255 none or another one
  * @return 0 or -1
  */
-int32_t getNtpServerStatus(uint32_t* method);
+int32_t getNtpServerStatus(uint32_t *method);
 
 /**
  * Chooses how the clock is set.
@@ -566,7 +565,7 @@ int32_t setNtpServerStatus(int32_t method);
  *         refuses, with those before it written; -3 for a name, an IPv6
  *         address, more than three addresses or none
  */
-int32_t setNtpServerIP(const char* servers);
+int32_t setNtpServerIP(const char *servers);
 
 /**
  * Reads the NTP servers of the first network interface, among those whose first
@@ -577,7 +576,7 @@ int32_t setNtpServerIP(const char* servers);
  *                      there are none.
  * @return 0 or -1
  */
-int32_t getNtpPreferServer(char** servers);
+int32_t getNtpPreferServer(char **servers);
 
 /*
  * Device UUID
@@ -601,7 +600,7 @@ int32_t getNtpPreferServer(char** servers);
  *                   identifier; release it with free()
  * @return 0
  */
-int32_t getBMCDeviceUUID(char** uuid);
+int32_t getBMCDeviceUUID(char **uuid);
 
 /*
  * Power supplies
@@ -611,12 +610,12 @@ int32_t getBMCDeviceUUID(char** uuid);
 typedef struct PsuInfoEntry
 {
     int32_t id;            /**< always 0 */
-    char* name;            /**< name, or last segment of the object's path */
-    char* manufacturer;    /**< maker */
-    char* partNumber;      /**< maker's part number */
-    char* serialNumber;    /**< maker's serial number */
-    char* rating;          /**< rated power in watts: "800" for every supply */
-    char* firmwareVersion; /**< version of the supply's firmware */
+    char *name;            /**< name, or last segment of the object's path */
+    char *manufacturer;    /**< maker */
+    char *partNumber;      /**< maker's part number */
+    char *serialNumber;    /**< maker's serial number */
+    char *rating;          /**< rated power in watts: "800" for every supply */
+    char *firmwareVersion; /**< version of the supply's firmware */
     int32_t reserved1;     /**< always 0 */
     int32_t reserved2;     /**< always 0 */
 } PsuInfoEntry;
@@ -629,10 +628,10 @@ typedef struct PsuInfoEntry
  * @return 0, -1 or -2
  * @throws SdBusError when a supply could not be read
  */
-int32_t getPsuTableInfo(PsuInfoEntry** outArray, int32_t* outCount);
+int32_t getPsuTableInfo(PsuInfoEntry **outArray, int32_t *outCount);
 
 /** Releases the texts of one record and sets them to NULL. */
-void freePsuInfoEntry(PsuInfoEntry* one);
+void freePsuInfoEntry(PsuInfoEntry *one);
 
 /*
  * PCIe slots
@@ -642,9 +641,9 @@ void freePsuInfoEntry(PsuInfoEntry* one);
 typedef struct PcieInfoEntry
 {
     int32_t id;         /**< always 0 */
-    char* name;         /**< name of the slot for people */
-    char* manufacturer; /**< maker of the card; often "" without one */
-    char* locationCode; /**< where the slot is on the board */
+    char *name;         /**< name of the slot for people */
+    char *manufacturer; /**< maker of the card; often "" without one */
+    char *locationCode; /**< where the slot is on the board */
     int32_t present;    /**< 1 with a card in it, 0 without */
     int32_t reserved1;  /**< always 0 */
     int32_t reserved2;  /**< always 0 */
@@ -659,10 +658,10 @@ typedef struct PcieInfoEntry
  * @throws SdBusError when a slot could not be read; see also "Exceptions" for
  *         a presence that is missing or no number
  */
-int32_t getPcieTableInfo(PcieInfoEntry** outArray, int32_t* outCount);
+int32_t getPcieTableInfo(PcieInfoEntry **outArray, int32_t *outCount);
 
 /** Releases the texts of one record and sets them to NULL. */
-void freePcieInfoEntry(PcieInfoEntry* one);
+void freePcieInfoEntry(PcieInfoEntry *one);
 
 /*
  * Network adapters
@@ -672,11 +671,11 @@ void freePcieInfoEntry(PcieInfoEntry* one);
 typedef struct NetAdapterInfoEntry
 {
     int32_t id;         /**< always 0 */
-    char* name;         /**< name, or last segment of the object's path */
-    char* manufacturer; /**< maker */
-    char* model;        /**< maker's model */
-    char* subModel;     /**< variant of the model */
-    char* networkTech;  /**< kind of network, such as "Ethernet" */
+    char *name;         /**< name, or last segment of the object's path */
+    char *manufacturer; /**< maker */
+    char *model;        /**< maker's model */
+    char *subModel;     /**< variant of the model */
+    char *networkTech;  /**< kind of network, such as "Ethernet" */
     int32_t portNum;    /**< number of ports */
     int32_t reserved1;  /**< always 0 */
     int32_t reserved2;  /**< always 0 */
@@ -691,11 +690,11 @@ typedef struct NetAdapterInfoEntry
  * @throws SdBusError when an adapter could not be read; see also "Exceptions"
  *         for a number of ports that is missing or no number
  */
-int32_t getNetAdapterTableInfo(NetAdapterInfoEntry** outArray,
-                               int32_t* outCount);
+int32_t getNetAdapterTableInfo(NetAdapterInfoEntry **outArray,
+                               int32_t *outCount);
 
 /** Releases the texts of one record and sets them to NULL. */
-void free_adapter_entry_content(NetAdapterInfoEntry* one);
+void free_adapter_entry_content(NetAdapterInfoEntry *one);
 
 /*
  * GPUs
@@ -708,10 +707,10 @@ void free_adapter_entry_content(NetAdapterInfoEntry* one);
 typedef struct GpuInfoEntry
 {
     int32_t id;           /**< always 0 */
-    char* cardName;       /**< name of the card; not taken from the path */
-    char* manufacturer;   /**< maker */
-    char* partNumber;     /**< maker's part number */
-    char* serialNumber;   /**< maker's serial number */
+    char *cardName;       /**< name of the card; not taken from the path */
+    char *manufacturer;   /**< maker */
+    char *partNumber;     /**< maker's part number */
+    char *serialNumber;   /**< maker's serial number */
     int32_t totalMemory;  /**< size of the memory, usually in MiB */
     int32_t temperature;  /**< temperature, usually in degrees Celsius */
     int32_t fanLevel;     /**< fan speed, usually in percent */
@@ -729,10 +728,10 @@ typedef struct GpuInfoEntry
  * @throws SdBusError when a GPU could not be read; see also "Exceptions" for
  *         numbers that are missing or none
  */
-int32_t getGpuInfoEntry(GpuInfoEntry** outArray, int32_t* outCount);
+int32_t getGpuInfoEntry(GpuInfoEntry **outArray, int32_t *outCount);
 
 /** Releases the texts of one record and sets them to NULL. */
-void freeGpuInfoEntry(GpuInfoEntry* one);
+void freeGpuInfoEntry(GpuInfoEntry *one);
 
 /*
  * Memory modules
@@ -746,15 +745,15 @@ void freeGpuInfoEntry(GpuInfoEntry* one);
 typedef struct MemInfoEntry
 {
     int32_t id;          /**< always 0 */
-    char* name;          /**< name, or last segment of the object's path */
-    char* manufacturer;  /**< maker */
-    char* partNumber;    /**< maker's part number */
-    char* serialNumber;  /**< maker's serial number */
-    char* memoryType;    /**< word: such as "DDR5" */
-    char* formFactor;    /**< word: such as "RDIMM" */
-    char* bankLocator;   /**< name of the bank; many platforms have none */
-    char* deviceLocator; /**< name of the socket */
-    char* ecc;           /**< word: kind of error correction */
+    char *name;          /**< name, or last segment of the object's path */
+    char *manufacturer;  /**< maker */
+    char *partNumber;    /**< maker's part number */
+    char *serialNumber;  /**< maker's serial number */
+    char *memoryType;    /**< word: such as "DDR5" */
+    char *formFactor;    /**< word: such as "RDIMM" */
+    char *bankLocator;   /**< name of the bank; many platforms have none */
+    char *deviceLocator; /**< name of the socket */
+    char *ecc;           /**< word: kind of error correction */
     int32_t maxSpeedMhz; /**< highest speed in MHz */
     int32_t sizeKB;      /**< size in KiB; 2 TiB and more do not fit and raise
                               std::out_of_range */
@@ -774,10 +773,10 @@ typedef struct MemInfoEntry
  * @throws SdBusError when a module could not be read; see also "Exceptions"
  *         for words and numbers that are missing, and numbers that are none
  */
-int32_t getMemoryTableInfo(MemInfoEntry** outArray, int32_t* outCount);
+int32_t getMemoryTableInfo(MemInfoEntry **outArray, int32_t *outCount);
 
 /** Releases the texts of one record and sets them to NULL. */
-void freeMemInfoEntry(MemInfoEntry* one);
+void freeMemInfoEntry(MemInfoEntry *one);
 
 /*
  * Processors
@@ -790,14 +789,14 @@ void freeMemInfoEntry(MemInfoEntry* one);
 typedef struct CpuInfoEntry
 {
     int32_t id;            /**< always 0 */
-    char* name;            /**< "CPU" and the location code, such as "CPU0";
+    char *name;            /**< "CPU" and the location code, such as "CPU0";
                                 where that is the name of the socket as well
                                 it reads like "CPUCPU 1" */
-    char* manufacturer;    /**< maker */
-    char* version;         /**< maker's full name of the processor */
-    char* partNumber;      /**< maker's part number */
-    char* serialNumber;    /**< maker's serial number */
-    char* architecture;    /**< instruction set, as the platform has it */
+    char *manufacturer;    /**< maker */
+    char *version;         /**< maker's full name of the processor */
+    char *partNumber;      /**< maker's part number */
+    char *serialNumber;    /**< maker's serial number */
+    char *architecture;    /**< instruction set, as the platform has it */
     int32_t curSpeedMhz;   /**< present speed in MHz */
     int32_t maxSpeedMhz;   /**< highest speed in MHz */
     int32_t coreCount;     /**< number of cores */
@@ -821,10 +820,10 @@ typedef struct CpuInfoEntry
  *         for a location code or numbers that are missing, and numbers that
  *         are none
  */
-int32_t getCpuTableInfo(CpuInfoEntry** outArray, int32_t* outCount);
+int32_t getCpuTableInfo(CpuInfoEntry **outArray, int32_t *outCount);
 
 /** Releases the texts of one record and sets them to NULL. */
-void freeCpuInfoEntry(CpuInfoEntry* one);
+void freeCpuInfoEntry(CpuInfoEntry *one);
 
 /*
  * Sensors
@@ -841,20 +840,20 @@ void freeCpuInfoEntry(CpuInfoEntry* one);
 typedef struct BmcSensorEntry
 {
     int32_t id;                /**< always 0 */
-    char* name;                /**< name, or last segment of the object's path;
+    char *name;                /**< name, or last segment of the object's path;
                                     "" for a path segment such as "_Temp" */
-    char* value;               /**< reading */
+    char *value;               /**< reading */
     int32_t criticalAlarmHigh; /**< 1 while beyond criticalHigh */
     int32_t criticalAlarmLow;  /**< 1 while beyond criticalLow */
-    char* criticalHigh;        /**< upper critical limit */
-    char* criticalLow;         /**< lower critical limit */
+    char *criticalHigh;        /**< upper critical limit */
+    char *criticalLow;         /**< lower critical limit */
     int32_t warningAlarmHigh;  /**< 1 while beyond warningHigh */
     int32_t warningAlarmLow;   /**< 1 while beyond warningLow */
-    char* warningHigh;         /**< upper warning limit */
-    char* warningLow;          /**< lower warning limit */
-    char* minValue;            /**< lowest reading that is possible */
-    char* maxValue;            /**< highest reading that is possible */
-    char* unit;                /**< short word such as "DegreesC", "unknown"
+    char *warningHigh;         /**< upper warning limit */
+    char *warningLow;          /**< lower warning limit */
+    char *minValue;            /**< lowest reading that is possible */
+    char *maxValue;            /**< highest reading that is possible */
+    char *unit;                /**< short word such as "DegreesC", "unknown"
                                     for a unit without a dot; never NULL */
     int32_t reserved1;         /**< always 0 */
     int32_t reserved2;         /**< always 0 */
@@ -872,8 +871,8 @@ typedef struct BmcSensorEntry
  *         for a unit or the second alarm of a kind that is missing, and alarms
  *         that are no numbers
  */
-int32_t getCommonSensorTableInfo(BmcSensorEntry** outArray, int32_t* outCount,
-                                 const char* root, const char* interface);
+int32_t getCommonSensorTableInfo(BmcSensorEntry **outArray, int32_t *outCount,
+                                 const char *root, const char *interface);
 
 /*
  * The sensors of one class, each as getCommonSensorTableInfo() with
@@ -883,25 +882,25 @@ int32_t getCommonSensorTableInfo(BmcSensorEntry** outArray, int32_t* outCount,
  */
 
 /** Reads /xyz/openbmc_project/sensors/temperature. */
-int32_t getTempTableInfo(BmcSensorEntry** outArray, int32_t* outCount);
+int32_t getTempTableInfo(BmcSensorEntry **outArray, int32_t *outCount);
 
 /** Reads /xyz/openbmc_project/sensors/fan_tach: the speeds of the fans. */
-int32_t getFanTableInfo(BmcSensorEntry** outArray, int32_t* outCount);
+int32_t getFanTableInfo(BmcSensorEntry **outArray, int32_t *outCount);
 
 /** Reads /xyz/openbmc_project/sensors/voltage. */
-int32_t getVoltageTableInfo(BmcSensorEntry** outArray, int32_t* outCount);
+int32_t getVoltageTableInfo(BmcSensorEntry **outArray, int32_t *outCount);
 
 /** Reads /xyz/openbmc_project/sensors/current. */
-int32_t getCurrentTableInfo(BmcSensorEntry** outArray, int32_t* outCount);
+int32_t getCurrentTableInfo(BmcSensorEntry **outArray, int32_t *outCount);
 
 /** Reads /xyz/openbmc_project/sensors/power. */
-int32_t getPowerTableInfo(BmcSensorEntry** outArray, int32_t* outCount);
+int32_t getPowerTableInfo(BmcSensorEntry **outArray, int32_t *outCount);
 
 /** Reads /xyz/openbmc_project/sensors/fan_pwm: how fans are driven. */
-int32_t getPwmTableInfo(BmcSensorEntry** outArray, int32_t* outCount);
+int32_t getPwmTableInfo(BmcSensorEntry **outArray, int32_t *outCount);
 
 /** Releases the texts of one record and sets them to NULL. */
-void freeBmcSensorEntry(BmcSensorEntry* one);
+void freeBmcSensorEntry(BmcSensorEntry *one);
 
 /*
  * Network interfaces
@@ -914,12 +913,12 @@ void freeBmcSensorEntry(BmcSensorEntry* one);
 typedef struct BmcNetworkInfoEntry
 {
     int32_t id;            /**< always 0 */
-    char* ifName;          /**< name such as "eth0"; never NULL */
-    char* macAddress;      /**< hardware address; may be NULL */
-    char* ipAddress;       /**< IPv4 or IPv6 address, "-" without one; may be
+    char *ifName;          /**< name such as "eth0"; never NULL */
+    char *macAddress;      /**< hardware address; may be NULL */
+    char *ipAddress;       /**< IPv4 or IPv6 address, "-" without one; may be
                                 NULL */
-    char* defaultGateway;  /**< IPv4 gateway, "" without one; may be NULL */
-    char* netmask;         /**< from the prefix length, such as
+    char *defaultGateway;  /**< IPv4 gateway, "" without one; may be NULL */
+    char *netmask;         /**< from the prefix length, such as
                                 "255.255.255.0"; "0.0.0.0" for more than 32
                                 bits, as IPv6 has them; "-" without address */
     int32_t addressOrigin; /**< 1 static, 2 any other, 3 no address */
@@ -944,10 +943,10 @@ typedef struct BmcNetworkInfoEntry
  *         read; see also "Exceptions" for a name, state, origin or prefix
  *         length that is missing, and numbers that are none
  */
-int32_t getNetworkTableInfo(BmcNetworkInfoEntry** outArray, int32_t* outCount);
+int32_t getNetworkTableInfo(BmcNetworkInfoEntry **outArray, int32_t *outCount);
 
 /** Releases the texts of one record and sets them to NULL. */
-void freeBmcNetworkInfoEntry(BmcNetworkInfoEntry* one);
+void freeBmcNetworkInfoEntry(BmcNetworkInfoEntry *one);
 
 /*
  * Network ports
@@ -960,15 +959,15 @@ void freeBmcNetworkInfoEntry(BmcNetworkInfoEntry* one);
 typedef struct PortInfoEntry
 {
     int32_t id;            /**< always 0 */
-    char* adapterName;     /**< last segment of the adapter's path */
-    char* name;            /**< name, or last segment of the port's path */
-    char* macAddress;      /**< hardware address */
-    char* rootBdf;         /**< PCI address, such as "0000:3b:00.0" */
-    char* portType;        /**< kind of port, such as "Fibre" */
+    char *adapterName;     /**< last segment of the adapter's path */
+    char *name;            /**< name, or last segment of the port's path */
+    char *macAddress;      /**< hardware address */
+    char *rootBdf;         /**< PCI address, such as "0000:3b:00.0" */
+    char *portType;        /**< kind of port, such as "Fibre" */
     uint32_t maxSpeedGbps; /**< highest speed in Gbit/s, rounded down */
     int32_t lldpEnabled;   /**< 1 when the port speaks LLDP, 0 when not */
     int32_t phyLink;       /**< 1 with a link, 0 without */
-    char* dropRatio;       /**< dropped packets by packets, with one decimal
+    char *dropRatio;       /**< dropped packets by packets, with one decimal
                                 and "%" but not times 100: "0.5%" for every
                                 second packet; "-" without packets */
     int32_t reserved1;     /**< always 0 */
@@ -988,10 +987,10 @@ typedef struct PortInfoEntry
  *         untouched; see also "Exceptions" for numbers that are missing or
  *         none
  */
-int32_t getNetPortTableInfo(PortInfoEntry** outArray, int32_t* outCount);
+int32_t getNetPortTableInfo(PortInfoEntry **outArray, int32_t *outCount);
 
 /** Releases the texts of one record and sets them to NULL. */
-void free_port_entry_content(PortInfoEntry* one);
+void free_port_entry_content(PortInfoEntry *one);
 
 /**
  * Switches LLDP for one port of a network adapter. The name is spelt so on
@@ -1006,7 +1005,7 @@ void free_port_entry_content(PortInfoEntry* one);
  * /xyz/openbmc_project/inventory/system/chassis/motherboard/ADAPTER/
  * NetworkPorts/PORT, would have more than 127 characters.
  */
-int32_t setLldpEnalbed(const char* adapter, const char* port, int32_t enabled);
+int32_t setLldpEnalbed(const char *adapter, const char *port, int32_t enabled);
 
 /*
  * Disks
@@ -1016,16 +1015,16 @@ int32_t setLldpEnalbed(const char* adapter, const char* port, int32_t enabled);
 typedef struct HddInfoEntry
 {
     int32_t id;           /**< always 0 */
-    char* name;           /**< name, or last segment of the object's path;
+    char *name;           /**< name, or last segment of the object's path;
                                vendor-model-serial behind a controller */
-    char* manufacturer;   /**< maker */
-    char* model;          /**< maker's model */
-    char* serialNumber;   /**< maker's serial number */
-    char* mediaType;      /**< such as "SSD" */
-    char* protocol;       /**< such as "NVMe" */
-    char* revision;       /**< firmware; "UnKnown" behind a controller */
-    char* diskUsage;      /**< usage figure as the platform has it */
-    char* capableSpeed;   /**< speed with its unit, such as "12GB/s" */
+    char *manufacturer;   /**< maker */
+    char *model;          /**< maker's model */
+    char *serialNumber;   /**< maker's serial number */
+    char *mediaType;      /**< such as "SSD" */
+    char *protocol;       /**< such as "NVMe" */
+    char *revision;       /**< firmware; "UnKnown" behind a controller */
+    char *diskUsage;      /**< usage figure as the platform has it */
+    char *capableSpeed;   /**< speed with its unit, such as "12GB/s" */
     int32_t diskTemp;     /**< temperature in degrees Celsius */
     uint32_t capacityGiB; /**< capacity in units of 2^30 bytes, cut off */
     int32_t present;      /**< 1 if the disk is there, otherwise 0 */
@@ -1044,10 +1043,10 @@ typedef struct HddInfoEntry
  * @throws as all tables; std::logic_error also for a disk on the bus without
  *         temperature, capacity, speed or presence
  */
-int32_t getHddTableInfo(HddInfoEntry** outArray, int32_t* outCount);
+int32_t getHddTableInfo(HddInfoEntry **outArray, int32_t *outCount);
 
 /** Releases the texts of one record and sets them to NULL. */
-void freeHddInfoEntry(HddInfoEntry* one);
+void freeHddInfoEntry(HddInfoEntry *one);
 
 /*
  * RAID
@@ -1061,21 +1060,21 @@ void freeHddInfoEntry(HddInfoEntry* one);
 typedef struct RaidControllerEntry
 {
     int32_t id;                /**< always 0 */
-    char* name;                /**< name of the controller */
-    char* idText1;             /**< first identity text of the controller */
-    char* confText1;           /**< configured text, or "unknown" */
-    char* confText2;           /**< configured text, or "unknown" */
-    char* confText3;           /**< configured text, or "unknown" */
-    char* confText4;           /**< configured text, or "unknown" */
-    char* idText3;             /**< third identity text; before the second */
-    char* idText2;             /**< second identity text */
-    char* vendorId;            /**< PCI vendor, such as "0x0015" */
-    char* deviceId;            /**< PCI device, likewise */
-    char* subVendorId;         /**< PCI subsystem vendor, likewise */
-    char* subDeviceId;         /**< PCI subsystem, likewise */
-    char* driveInterfaces;     /**< "SAS, SATA" for every controller */
-    char* supportedRaidLevels; /**< as the management library lists them */
-    char* hostInterface;       /**< "PCIE" for every controller */
+    char *name;                /**< name of the controller */
+    char *idText1;             /**< first identity text of the controller */
+    char *confText1;           /**< configured text, or "unknown" */
+    char *confText2;           /**< configured text, or "unknown" */
+    char *confText3;           /**< configured text, or "unknown" */
+    char *confText4;           /**< configured text, or "unknown" */
+    char *idText3;             /**< third identity text; before the second */
+    char *idText2;             /**< second identity text */
+    char *vendorId;            /**< PCI vendor, such as "0x0015" */
+    char *deviceId;            /**< PCI device, likewise */
+    char *subVendorId;         /**< PCI subsystem vendor, likewise */
+    char *subDeviceId;         /**< PCI subsystem, likewise */
+    char *driveInterfaces;     /**< "SAS, SATA" for every controller */
+    char *supportedRaidLevels; /**< as the management library lists them */
+    char *hostInterface;       /**< "PCIE" for every controller */
     int32_t byteProperty;      /**< 8-bit figure of the controller */
     int32_t wordProperty;      /**< 16-bit figure of the controller */
     int32_t reserved1;         /**< always 0 */
@@ -1090,20 +1089,20 @@ typedef struct RaidControllerEntry
  * @return 0, -2, or -4 when the controllers cannot be listed (outputs
  *         untouched) or one cannot be read
  */
-int32_t getRaidControllerInfo(RaidControllerEntry** outArray,
-                              int32_t* outCount);
+int32_t getRaidControllerInfo(RaidControllerEntry **outArray,
+                              int32_t *outCount);
 
 /** Releases the texts of one record and sets them to NULL. */
-void freeRaidControllerEntry(RaidControllerEntry* one);
+void freeRaidControllerEntry(RaidControllerEntry *one);
 
 /** A drive behind a RAID controller. No text is NULL. */
 typedef struct RaidHddEntry
 {
     int32_t id;           /**< always 0 */
-    char* raidLevel;      /**< level of its logical drive, or "-" */
-    char* state;          /**< state of the drive, or "-" */
-    char* driveText;      /**< short text of the drive, or "-" */
-    char* controllerName; /**< name of its controller, or "-" */
+    char *raidLevel;      /**< level of its logical drive, or "-" */
+    char *state;          /**< state of the drive, or "-" */
+    char *driveText;      /**< short text of the drive, or "-" */
+    char *controllerName; /**< name of its controller, or "-" */
     int32_t reserved1;    /**< always 0 */
     int32_t reserved2;    /**< always 0 */
 } RaidHddEntry;
@@ -1117,10 +1116,10 @@ typedef struct RaidHddEntry
  * @return 0, -2, or -4 with outputs untouched when logical or physical drives
  *         cannot be read
  */
-int32_t getRaidHddTableInfo(RaidHddEntry** outArray, int32_t* outCount);
+int32_t getRaidHddTableInfo(RaidHddEntry **outArray, int32_t *outCount);
 
 /** Releases the texts of one record and sets them to NULL. */
-void free_raid_hdd_entry(RaidHddEntry* one);
+void free_raid_hdd_entry(RaidHddEntry *one);
 
 #ifdef __cplusplus
 } // extern "C"
@@ -1178,16 +1177,15 @@ using PropertyValue = std::variant<
     std::vector<uint16_t>>;                                         // aq
 
 /** Objects, each with its owners, each with its interfaces. */
-using SubTree = std::vector<
-    std::pair<std::string,
-              std::vector<std::pair<std::string, std::vector<std::string>>>>>;
+using SubTree = std::vector<std::pair<
+    std::string,
+    std::vector<std::pair<std::string, std::vector<std::string>>>>>;
 
 #if defined(__GNUC__)
 #pragma GCC visibility push(default)
 #endif
 
-extern "C"
-{
+extern "C" {
 
 /**
  * Reads a property of any type; see "Single properties".

@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "raid/raid_library.hpp"
 
-namespace morvath::tests
-{
-namespace
+namespace morvath::tests::controllers
 {
 
 Lines controllersOf(const Json& section)
@@ -79,5 +77,4 @@ TEST(RaidControllers, FailAsTheLibraryDoes)
     }
 }
 
-} // namespace
-} // namespace morvath::tests
+} // namespace morvath::tests::controllers

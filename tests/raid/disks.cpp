@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "raid/raid_library.hpp"
 
-namespace morvath::tests
-{
-namespace
+namespace morvath::tests::disks
 {
 
 constexpr auto service = "com.example.Inventory";
@@ -175,5 +173,4 @@ TEST(Disks, LeaveTheCountAloneWhenTheyFail)
     }
 }
 
-} // namespace
-} // namespace morvath::tests
+} // namespace morvath::tests::disks

@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "raid/raid_library.hpp"
 
-namespace morvath::tests
-{
-namespace
+namespace morvath::tests::member_drives
 {
 
 Lines drivesOf(const Json& section)
@@ -116,5 +114,4 @@ TEST(MemberDrives, CopeWithAManagerThatGoes)
               Lines{"0"});
 }
 
-} // namespace
-} // namespace morvath::tests
+} // namespace morvath::tests::member_drives

@@ -8,9 +8,7 @@
 
 #include <string>
 
-namespace morvath::tests
-{
-namespace
+namespace morvath::tests::record
 {
 
 using sim::Json;
@@ -228,5 +226,4 @@ TEST(Record, MasksWhatIdentifiesTheMachineAlone)
     }
 }
 
-} // namespace
-} // namespace morvath::tests
+} // namespace morvath::tests::record

@@ -6,9 +6,7 @@
 
 #include <algorithm>
 
-namespace morvath::tests
-{
-namespace
+namespace morvath::tests::facts
 {
 
 constexpr auto inventory = "xyz.openbmc_project.Inventory.Manager";
@@ -233,5 +231,4 @@ TEST(SetLldp, SwitchesOnePortThatIsThere)
     }
 }
 
-} // namespace
-} // namespace morvath::tests
+} // namespace morvath::tests::facts

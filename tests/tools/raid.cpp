@@ -5,9 +5,7 @@
 
 #include <gtest/gtest.h>
 
-namespace morvath::tests
-{
-namespace
+namespace morvath::tests::raid
 {
 
 TEST(Show, ReadsRaidWithTheRunningScenario)
@@ -68,5 +66,4 @@ TEST(Show, TellsThatRaidCouldNotBeRead)
     }
 }
 
-} // namespace
-} // namespace morvath::tests
+} // namespace morvath::tests::raid

@@ -4,9 +4,7 @@
 
 #include <gtest/gtest.h>
 
-namespace morvath::tests
-{
-namespace
+namespace morvath::tests::sensors
 {
 
 const std::string root = "/xyz/openbmc_project/sensors/";
@@ -127,5 +125,4 @@ TEST(Sensors, StandInForNoneThatCouldNotBeRead)
         << shown.errors;
 }
 
-} // namespace
-} // namespace morvath::tests
+} // namespace morvath::tests::sensors

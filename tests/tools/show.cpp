@@ -6,9 +6,7 @@
 
 #include <algorithm>
 
-namespace morvath::tests
-{
-namespace
+namespace morvath::tests::show
 {
 
 const std::string root = "/xyz/openbmc_project/inventory/system/powersupply/";
@@ -246,5 +244,4 @@ TEST(Show, NoticesThatItsOutputIsLost)
     EXPECT_EQ(morvath("show power-supplies >/dev/full").status, 1);
 }
 
-} // namespace
-} // namespace morvath::tests
+} // namespace morvath::tests::show

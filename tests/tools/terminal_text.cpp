@@ -3,9 +3,7 @@
 
 #include <gtest/gtest.h>
 
-namespace morvath::tests
-{
-namespace
+namespace morvath::tests::terminal_text
 {
 
 TEST(TerminalText, ShowsWhatCouldSteerATerminal)
@@ -63,5 +61,4 @@ TEST(TerminalText, EscapesJsonWithoutChangingIt)
               "{\n\"a\": \"é\\u009b\\u202e\\u007f\\udb40\\udc41\"}");
 }
 
-} // namespace
-} // namespace morvath::tests
+} // namespace morvath::tests::terminal_text

@@ -11,9 +11,7 @@
 #include <cstddef>
 #include <sstream>
 
-namespace morvath::tests
-{
-namespace
+namespace morvath::tests::usage
 {
 
 constexpr std::size_t columns = 80;
@@ -216,5 +214,4 @@ TEST(Usage, SaysWhatIsWrongWithABus)
     close(listener);
 }
 
-} // namespace
-} // namespace morvath::tests
+} // namespace morvath::tests::usage

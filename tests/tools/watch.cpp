@@ -15,10 +15,7 @@
 #include <cstdlib>
 #include <optional>
 
-namespace morvath::tests
-{
-
-namespace
+namespace morvath::tests::watch
 {
 
 /** The command while it runs; what it says must come within a minute. */
@@ -244,5 +241,4 @@ TEST(Sensors, CostNoMoreThanTheirTexts)
     EXPECT_LT(memory[1] - memory[0], 60'000);
 }
 
-} // namespace
-} // namespace morvath::tests
+} // namespace morvath::tests::watch

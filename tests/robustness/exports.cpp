@@ -20,179 +20,212 @@ namespace
 
 constexpr auto untouched = "untouched";
 
-template <typename Call>
-std::string resultOf(const Call& call)
+/** Releases a text. */
+std::string take(char* text)
 {
-    return outcomeOf([&] {
-        const AllocationWindow window;
-        return call();
-    });
+    auto taken = textOf(text);
+    std::free(text);
+    return taken;
 }
 
-std::string written(bool wasWritten, const std::string& value)
-{
-    return wasWritten ? value : untouched;
-}
-
-/** What becomes of a call when each of its pointers in turn is null. */
-template <std::size_t... Indices>
-std::vector<std::string> outcomesOfNull(const auto& call,
-                                        std::index_sequence<Indices...>,
-                                        const auto&... arguments)
-{
-    std::vector<std::string> outcomes;
-    [[maybe_unused]] const auto tryOne = [&]<std::size_t index>() {
-        auto changed = std::tuple(arguments...);
-        auto& argument = std::get<index>(changed);
-        if constexpr (std::is_pointer_v<std::decay_t<decltype(argument)>>)
-        {
-            argument = nullptr;
-            outcomes.push_back(
-                outcomeOf([&] { return std::apply(call, changed); }));
-        }
-    };
-    (tryOne.template operator()<Indices>(), ...);
-    return outcomes;
-}
-
-std::vector<std::string> outcomesOfNull(const auto& call,
-                                        const auto&... arguments)
-{
-    return outcomesOfNull(
-        call, std::index_sequence_for<decltype(arguments)...>(), arguments...);
-}
-
-/** A getter with one text as its output. */
-template <auto Get, auto... Arguments>
-struct Text
-{
-    static Effect call()
-    {
-        char mark = 'm';
-        char* value = &mark;
-        auto result = resultOf([&] { return Get(Arguments..., &value); });
-        if (value == &mark)
-        {
-            return {result, untouched};
-        }
-        Effect effect{result, textOf(value)};
-        std::free(value);
-        return effect;
-    }
-
-    static std::vector<std::string> nulls()
-    {
-        char* value = nullptr;
-        return outcomesOfNull(
-            [&](auto... arguments) { return Get(arguments..., &value); },
-            Arguments...);
-    }
-};
-
-/** A getter with one number as its output. */
-template <typename Value, auto Get, auto... Arguments>
-struct Number
-{
-    static Effect call()
-    {
-        constexpr Value mark = 77;
-        Value value = mark;
-        auto result = resultOf([&] { return Get(Arguments..., &value); });
-        return {result, written(value != mark, std::to_string(value))};
-    }
-
-    static std::vector<std::string> nulls()
-    {
-        Value value = 0;
-        return outcomesOfNull(
-            [&](auto... arguments) { return Get(arguments..., &value); },
-            Arguments...);
-    }
-};
-
-/** A setter. */
-template <auto Set, auto... Arguments>
-struct Setter
-{
-    static Effect call()
-    {
-        return {resultOf([] { return Set(Arguments...); }), untouched};
-    }
-
-    static std::vector<std::string> nulls()
-    {
-        return outcomesOfNull(Set, Arguments...);
-    }
-};
-
-template <auto Get, auto... Arguments>
-struct Table
-{
-    static Effect call()
-    {
-        RecordsOf<Get> table;
-        auto result = resultOf([&] {
-            return table.fill([](auto** records, int32_t* count) {
-                return Get(records, count, Arguments...);
-            });
-        });
-        std::string lines;
-        for (const auto& record : table)
-        {
-            lines += result == "0" ? lineOf(record) + '\n' : "";
-        }
-        return {result, written(table.data(), lines)};
-    }
-
-    static std::vector<std::string> nulls()
-    {
-        RecordsOf<Get> table;
-        return outcomesOfNull(
-            [&](auto... arguments) {
-                return table.fill([&](auto** records, int32_t* count) {
-                    return Get(records, count, arguments...);
-                });
-            },
-            Arguments...);
-    }
-};
-
-/** An array of texts, released and put into a line. */
+/** Releases an array of texts. */
 std::string take(char** texts, std::size_t count)
 {
     std::string line;
     for (std::size_t index = 0; index < count; ++index)
     {
-        line += textOf(texts[index]) + '|';
-        std::free(texts[index]);
+        line += take(texts[index]) + '|';
     }
     std::free(texts);
     return line;
 }
 
-template <auto Get, auto... Arguments>
-struct Texts
+std::string take(int64_t number) { return textOf(number); }
+
+std::string take(const SubTree& tree)
 {
-    static Effect call()
+    std::string line;
+    for (const auto& [path, owners] : tree)
     {
-        char** values = nullptr;
-        uint32_t count = 0;
-        auto result =
-            resultOf([&] { return Get(Arguments..., &values, &count); });
-        return {result, written(values, take(values, count))};
+        line += path + '|' + owners.at(0).first + '|';
+    }
+    return line;
+}
+
+std::string take(const PropertyValue& value)
+{
+    return std::to_string(value.index());
+}
+
+// What an output has until it is written.
+char aText = 'm';
+template <typename Value>
+const Value mark = 77;
+template <>
+char* const mark<char*> = &aText;
+template <>
+const SubTree mark<SubTree>{};
+template <>
+const PropertyValue mark<PropertyValue> = false;
+
+// The outputs of one call, by the kind of function: how they are handed over,
+// and what is in them afterwards.
+
+struct NoOutput
+{
+    auto of(auto set, auto... arguments) { return set(arguments...); }
+
+    std::string taken() { return untouched; }
+};
+
+template <typename Value>
+struct OneOutput
+{
+    Value value = mark<Value>;
+
+    auto of(auto get, auto... arguments) { return get(arguments..., &value); }
+
+    std::string taken()
+    {
+        return value == mark<Value> ? untouched : take(value);
+    }
+};
+
+struct Clock : OneOutput<uint32_t>
+{
+    std::string taken() { return value == mark<uint32_t> ? untouched : "time"; }
+};
+
+struct LastPart
+{
+    const std::string dotted = "xyz.openbmc_project.long.enough.to.be.AWord";
+    std::string last;
+
+    int32_t of(auto get)
+    {
+        last = get(dotted);
+        return 0;
+    }
+
+    std::string taken() { return last.empty() ? untouched : last; }
+};
+
+struct TextList
+{
+    char** texts = nullptr;
+    uint32_t count = 0;
+
+    auto of(auto get, auto... arguments)
+    {
+        return get(arguments..., &texts, &count);
+    }
+
+    std::string taken() { return texts ? take(texts, count) : untouched; }
+};
+
+template <auto Get>
+struct RecordList
+{
+    RecordsOf<Get> table;
+
+    auto of(auto get, auto... arguments)
+    {
+        return table.fill([&](auto** records, int32_t* count) {
+            return get(records, count, arguments...);
+        });
+    }
+
+    std::string taken()
+    {
+        std::string lines;
+        for (const auto& record : table)
+        {
+            lines += lineOf(record) + '\n';
+        }
+        return table.data() ? lines : untouched;
+    }
+};
+
+const char* cells[]{"Name", "Missing", "SerialNumber", "Present"};
+constexpr int32_t cellCount = std::size(cells);
+
+struct RowsOfCells
+{
+    char*** rows = nullptr;
+    int32_t count = 0;
+
+    auto of(auto get, auto... arguments)
+    {
+        return get(arguments..., &rows, &count);
+    }
+
+    std::string taken()
+    {
+        std::string lines;
+        for (int32_t index = 0; index < count; ++index)
+        {
+            lines += take(rows[index], cellCount) + '\n';
+        }
+        const bool isWritten = rows;
+        std::free(rows);
+        return isWritten ? lines : untouched;
+    }
+};
+
+/** A function with its arguments. */
+template <typename Outputs, auto Function, auto... Arguments>
+struct Call
+{
+    static Effect effect()
+    {
+        Outputs outputs;
+        auto result = outcomeOf([&] {
+            const AllocationWindow window;
+            return outputs.of(Function, Arguments...);
+        });
+        return {result, outputs.taken()};
     }
 
     static std::vector<std::string> nulls()
     {
-        char** values = nullptr;
-        uint32_t count = 0;
-        return outcomesOfNull(
-            [&](auto... arguments) {
-                return Get(arguments..., &values, &count);
-            },
-            Arguments...);
+        std::vector<std::string> outcomes;
+        [&]<std::size_t... Indices>(std::index_sequence<Indices...>)
+        {
+            (addNull<Indices>(outcomes), ...);
+        }
+        (std::make_index_sequence<sizeof...(Arguments)>());
+        return outcomes;
+    }
+
+  private:
+    template <std::size_t Index>
+    static void addNull(std::vector<std::string>& outcomes)
+    {
+        std::tuple arguments(Arguments...);
+        auto& argument = std::get<Index>(arguments);
+        if constexpr (std::is_pointer_v<std::decay_t<decltype(argument)>>)
+        {
+            argument = nullptr;
+            Outputs outputs;
+            outcomes.push_back(outcomeOf([&] {
+                return std::apply(
+                    [&](auto... all) { return outputs.of(Function, all...); },
+                    arguments);
+            }));
+        }
     }
 };
+
+template <auto Get, auto... Arguments>
+using Text = Call<OneOutput<char*>, Get, Arguments...>;
+template <typename Value, auto Get, auto... Arguments>
+using Number = Call<OneOutput<Value>, Get, Arguments...>;
+template <auto Get, auto... Arguments>
+using Texts = Call<TextList, Get, Arguments...>;
+template <auto Get, auto... Arguments>
+using Table = Call<RecordList<Get>, Get, Arguments...>;
+template <auto Set, auto... Arguments>
+using Setter = Call<NoOutput, Set, Arguments...>;
 
 constexpr char network[] = "xyz.openbmc_project.Network";
 constexpr char eth0[] = "/xyz/openbmc_project/network/eth0";
@@ -227,118 +260,7 @@ constexpr char address[] = "192.0.2.1";
 
 const char* addresses[]{address, nullptr};
 
-const char* cells[]{"Name", "Missing", "SerialNumber", "Present"};
-constexpr int32_t cellCount = std::size(cells);
-
-struct TableData
-{
-    static Effect call()
-    {
-        char*** rows = nullptr;
-        int32_t count = 0;
-        auto result = resultOf([&] {
-            return getDbusTableData(supplies, supply, cells, cellCount, &rows,
-                                    &count);
-        });
-        std::string lines;
-        for (int32_t index = 0; index < count; ++index)
-        {
-            lines += take(rows[index], cellCount) + '\n';
-        }
-        std::free(rows);
-        return {result, written(rows, lines)};
-    }
-
-    static std::vector<std::string> nulls()
-    {
-        char*** rows = nullptr;
-        int32_t count = 0;
-        return outcomesOfNull(
-            [&](auto... arguments) {
-                return getDbusTableData(arguments..., &rows, &count);
-            },
-            supplies, supply, cells, cellCount);
-    }
-};
-
-struct SubTreeOfSupplies
-{
-    static Effect call()
-    {
-        SubTree found;
-        auto result =
-            resultOf([&] { return getSubTree(supplies, supply, &found); });
-        std::string line;
-        for (const auto& [path, owners] : found)
-        {
-            line += path + '|' + owners.at(0).first + '|';
-        }
-        return {result, written(!found.empty(), line)};
-    }
-
-    static std::vector<std::string> nulls()
-    {
-        SubTree found;
-        return outcomesOfNull(
-            [&](auto... arguments) { return getSubTree(arguments..., &found); },
-            supplies, supply);
-    }
-};
-
-struct ValueOfServers
-{
-    static Effect call()
-    {
-        const PropertyValue mark = false;
-        PropertyValue value = mark;
-        auto result = resultOf([&] {
-            return _getDbusProperty(network, eth0, ethernet, ntpServers,
-                                    &value);
-        });
-        return {result, written(value != mark, std::to_string(value.index()))};
-    }
-
-    static std::vector<std::string> nulls()
-    {
-        PropertyValue value;
-        return outcomesOfNull(
-            [&](auto... arguments) {
-                return _getDbusProperty(arguments..., &value);
-            },
-            network, eth0, ethernet, ntpServers);
-    }
-};
-
 const PropertyValue newServers = std::vector<std::string>{address};
-
-struct Clock
-{
-    static Effect call()
-    {
-        uint32_t seconds = 0;
-        auto result = resultOf([&] { return getTimeStamp(&seconds); });
-        return {result, written(seconds != 0, "a time")};
-    }
-
-    static std::vector<std::string> nulls() { return {}; }
-};
-
-struct LastPart
-{
-    static Effect call()
-    {
-        const std::string dotted =
-            "xyz.openbmc_project.long.enough.to.be.AWord";
-        std::string last;
-        auto result = resultOf([&] {
-            last = getLastStr(dotted);
-            return 0;
-        });
-        return {result, written(!last.empty(), last)};
-    }
-
-    static std::vector<std::string> nulls() { return {}; }
-};
 
 // What becomes of a call, by the kind of function.
 constexpr Results local{"", "", untouched, false, "0"};
@@ -359,15 +281,9 @@ constexpr auto portFaults = "-1 0 bus-error bus-error 0 bus-error bus-error";
 constexpr Results ports{portFaults, portFaults, untouched, true};
 
 template <typename Call>
-constexpr const char* nameOf()
-{
-    return __PRETTY_FUNCTION__;
-}
-
-template <typename Call>
 constexpr Export on(const Results& results, const char* usual = nullptr)
 {
-    return {nameOf<Call>(), Call::call, Call::nulls, results, usual};
+    return {__PRETTY_FUNCTION__, Call::effect, Call::nulls, results, usual};
 }
 
 template <auto Get>
@@ -402,12 +318,14 @@ constexpr Export exports[]{
     on<Setter<setDbusPropertyVectorStringWithoutPath, network, ethernet,
               ntpServers, addresses>>(writingAll),
     on<Texts<getDbusInterface, anyOwner, supplies, supply>>(single),
-    on<TableData>(listed),
-    on<SubTreeOfSupplies>(single),
-    on<ValueOfServers>(single),
+    on<Call<RowsOfCells, getDbusTableData, supplies, supply, cells, cellCount>>(
+        listed),
+    on<Call<OneOutput<SubTree>, getSubTree, supplies, supply>>(single),
+    on<Call<OneOutput<PropertyValue>, _getDbusProperty, network, eth0, ethernet,
+            ntpServers>>(single),
     on<Setter<_setDbusProperty, network, eth0, ethernet, ntpServers,
               &newServers>>(writing),
-    on<LastPart>(local, "AWord"),
+    on<Call<LastPart, getLastStr>>(local, "AWord"),
 
     fact<getSystemManufacturer>("Velmora Systems"),
     fact<getSystemModel>("VS2-2288"),
@@ -458,7 +376,7 @@ constexpr Export exports[]{
     on<Setter<setSystemPowerCtl, 1>>(writing),
     fact<getPowerRestorePolicy>("LastState"),
     on<Setter<setPowerRestorePolicy, word>>(writing),
-    on<Clock>(local, "a time"),
+    on<Call<Clock, getTimeStamp>>(local, "time"),
     on<Number<int32_t, getTimeZone>>(local),
     on<Setter<setTimeStamp, 1>>(writing),
     code<getNtpServerStatus>(single, "1"),

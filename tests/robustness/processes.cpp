@@ -5,14 +5,9 @@
 #include "support/program.hpp"
 
 #include <gtest/gtest.h>
-#include <poll.h>
 #include <signal.h>
-#include <sys/socket.h>
-#include <sys/un.h>
 
-#include <cstddef>
 #include <string>
-#include <thread>
 
 namespace morvath::tests::processes
 {
@@ -31,55 +26,10 @@ TEST(Process, LoadsWithoutABus)
     EXPECT_EQ(none.errors, "");
 }
 
-/** A bus that takes one connection, hears a greeting and goes away. */
-class VanishingBus
-{
-  public:
-    VanishingBus()
-    {
-        sockaddr_un any{AF_UNIX, {}};
-        auto* address = reinterpret_cast<sockaddr*>(&any);
-        socklen_t size = sizeof(any.sun_family);
-        bind(listener.get(), address, size);
-        listen(listener.get(), 1);
-        size = sizeof(any);
-        getsockname(listener.get(), address, &size);
-        // The system chose an abstract name, which follows a zero.
-        name.assign(any.sun_path + 1,
-                    size - offsetof(sockaddr_un, sun_path) - 1);
-        thread = std::jthread([this] { greetOne(); });
-    }
-
-    std::string address() const { return "unix:abstract=" + name; }
-
-  private:
-    static bool isReadable(const sim::Descriptor& descriptor)
-    {
-        constexpr int deadline = 60'000;
-        pollfd request{descriptor.get(), POLLIN, 0};
-        return poll(&request, 1, deadline) == 1;
-    }
-
-    void greetOne() const
-    {
-        if (isReadable(listener))
-        {
-            const sim::Descriptor connection(
-                accept(listener.get(), nullptr, nullptr), "accept");
-            isReadable(connection);
-        }
-    }
-
-    const sim::Descriptor listener{
-        socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0), "socket"};
-    std::string name;
-    std::jthread thread;
-};
-
 TEST(Process, EndsWhileItLoadsWithoutAName)
 {
-    const VanishingBus bus;
-    const auto ended = consumer(bus.address(), "call");
+    // A bus that hears a greeting and goes away.
+    const auto ended = consumer("unixexec:path=head,argv1=-c1", "call");
     EXPECT_EQ(ended.status, 128 + SIGABRT);
     EXPECT_EQ(ended.output, "");
 }

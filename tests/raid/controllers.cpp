@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "raid/raid_library.hpp"
 
+#include <numeric>
+
 namespace morvath::tests::controllers
 {
 
@@ -9,20 +11,15 @@ Lines controllersOf(const Json& section)
     return raidLinesOf<getRaidControllerInfo>(section);
 }
 
-TEST(RaidControllers, AreThoseOfTheServer)
+Lines drivesOf(const Json& section)
 {
-    EXPECT_EQ(controllersOf(*sim::Scenario::standard().raid),
-              (Lines{"0", "0|Drisko DR-9408 RAID|DR9408-66-0A17C2|"
-                          "Drisko Storage|DR-9408|8 GB|12 Gb/s|"
-                          "5a3c9b0000940801|7.21.03.00|0xfa17|0x0940|0xfa17|"
-                          "0x0015|SAS, SATA|RAID0/RAID1/RAID5/RAID6/RAID10/"
-                          "RAID50/RAID60|PCIE|63|8|0|0"}));
+    return raidLinesOf<getRaidHddTableInfo>(section);
 }
 
 TEST(RaidControllers, AreUnknownWhereTheyAreNotConfigured)
 {
     const std::string left =
-        "0|left|b|one||three|four|d|c|0xabcd|0x0015|0x0000|0x0000|SAS, SATA|"
+        "0|left|b|one||three|four|d|c|0xabcd|0x0015|0x0102|0x0304|SAS, SATA|"
         "0/1|PCIE|255|65535|0|0";
     const std::string right =
         "0|right||unknown|unknown|unknown|unknown|||0x0000|0x0000|0x0000|"
@@ -49,31 +46,109 @@ TEST(RaidControllers, ReadTextsToTheEndOfTheirRecordAtMost)
                               "68|17476|0|0"}));
 }
 
-TEST(RaidControllers, FailAsTheLibraryDoes)
+// The level of drive 4 is that of the second controller's: it comes later.
+const Lines drivesOfTwo{
+    "0", "0|RAID5|Online|L4|left|0|0", "0|RAID1|Hot Spare|L5|left|0|0",
+    "0|RAID5|Online|R4|right|0|0", "0|-|Unknown|R65535|right|0|0"};
+
+TEST(MemberDrives, ShareLevelsByTheirIdAlone)
 {
+    EXPECT_EQ(drivesOf(twoControllers()), drivesOfTwo);
+}
+
+TEST(MemberDrives, HaveTheLevelOfTheLastLogicalDrive)
+{
+    std::vector<int> members(255);
+    std::iota(members.begin(), members.end(), 1);
+    const Json section{
+        {"controllers",
+         {{{"raid_id", 1},
+           {"physical",
+            {{{"device_id", 255}}, {{"device_id", 256}}, {{"device_id", 7}}}},
+           {"logical",
+            {{{"id", 9}, {"raid_level", 5}, {"members", members}},
+             {{"id", 3}, {"raid_level", 1}, {"members", {6, 7}}}}}}}},
+        {"texts", {{"raid_level", {{"1", "RAID1"}, {"5", "RAID5"}}}}}};
+    EXPECT_EQ(drivesOf(section),
+              (Lines{"0", "0|RAID5|Unknown|||0|0", "0|-|Unknown|||0|0",
+                     "0|RAID1|Unknown|||0|0"}));
+}
+
+TEST(MemberDrives, LackTheTextsOfAnUnreadableController)
+{
+    auto expected = drivesOfTwo;
+    expected[2] = "0|-|-|-|-|0|0";
+    EXPECT_EQ(drivesOf(withFault(twoControllers(), "getRaidInfoById", 2, -1)),
+              expected);
+    // Asked for is the controller that the drive's own record names.
+    auto section = twoControllers();
+    section["controllers"][0]["physical"][1]["raw"] = {{"0", "08000000"}};
+    EXPECT_EQ(drivesOf(section), expected);
+}
+
+TEST(MemberDrives, ReadTextsToTheEndOfTheirRecordAtMost)
+{
+    auto section = twoControllers();
+    auto& drive = section["controllers"][0]["physical"][0];
+    drive["text80"] = "12345678";
+    drive["interface_type"] = 'i';
+    drive["link_speed"] = 's';
+    EXPECT_EQ(drivesOf(section)[1], "0|RAID5|Online|12345678i|left|0|0");
+    drive["raw"] = {{"89", "6a6b" + std::string(2 * 122, '4')}};
+    EXPECT_EQ(drivesOf(section)[1], "0|RAID5|Online|12345678ijk" +
+                                        std::string(122, 'D') + "|left|0|0");
+}
+
+TEST(MemberDrives, CopeWithAManagerThatGoes)
+{
+    EXPECT_EQ(
+        drivesOf(withFault(twoControllers(), "checkRaidMgrExist", 2, 0)),
+        (Lines{"0", "0|-|Online|L4|left|0|0", "0|-|Hot Spare|L5|left|0|0",
+               "0|-|Online|R4|right|0|0", "0|-|Unknown|R65535|right|0|0"}));
+    EXPECT_EQ(drivesOf(withFault(twoControllers(), "checkRaidMgrExist", 3, 0)),
+              Lines{"0"});
+}
+
+TEST(RaidTables, FailAsTheLibraryDoes)
+{
+    const auto controllers = outputsOf<getRaidControllerInfo>;
+    const auto drives = outputsOf<getRaidHddTableInfo>;
     const auto untouched = "-4, array untouched, count untouched";
+    const auto none = "0, array untouched, count 0";
+    const auto counted = "-4, array, count 2";
+    // The call that failed is the last one of so many.
     struct
     {
+        std::string (*outputs)();
         const char* operation;
         unsigned call;
         int result;
-        const char* outputs;
+        const char* expected;
+        unsigned calls;
     } const cases[]{
-        {"checkRaidMgrExist", 1, 0, "0, array untouched, count 0"},
-        {"getRaidIdList", 1, 9, untouched},
-        {"getRaidInfoById", 1, -1, "-4, array, count 2"},
-        {"getRaidInfoById", 2, 9, "-4, array, count 2"},
+        {controllers, "checkRaidMgrExist", 1, 0, none, 1},
+        {controllers, "getRaidIdList", 1, 9, untouched, 2},
+        {controllers, "getRaidInfoById", 1, -1, counted, 3},
+        {controllers, "getRaidInfoById", 2, 9, counted, 4},
+        {drives, "checkRaidMgrExist", 1, 0, none, 1},
+        {drives, "getRaidIdList", 1, 1, untouched, 3},
+        {drives, "getLogDevIdList", 2, 1, untouched, 6},
+        {drives, "getLogDevInfoById", 3, -7, untouched, 8},
+        {drives, "getRaidIdList", 2, 1, untouched, 10},
+        {drives, "getPhyDevIdList", 2, 1, untouched, 14},
+        {drives, "getPhyDevInfoById", 4, -7, untouched, 16},
     };
     for (const auto& one : cases)
     {
         const RaidLibrary library(
             withFault(twoControllers(), one.operation, one.call, one.result));
-        EXPECT_EQ(outputsOf<RaidControllerEntry>(getRaidControllerInfo),
-                  one.outputs)
-            << one.operation;
-        // Nothing is asked after the one that failed.
-        EXPECT_EQ(library.calls().rbegin()->first, one.operation);
-        EXPECT_EQ(library.calls()[one.operation], one.call) << one.operation;
+        EXPECT_EQ(one.outputs(), one.expected) << one.operation;
+        unsigned calls = 0;
+        for (const auto& [operation, count] : library.calls())
+        {
+            calls += count;
+        }
+        EXPECT_EQ(calls, one.calls) << one.operation << one.call;
     }
 }
 

@@ -151,7 +151,7 @@ TEST(Disks, LeaveTheCountAloneWhenTheyFail)
     {
         const RaidLibrary library(twoControllers());
         sim::Platform platform(Machine().withoutMapper().scenario());
-        EXPECT_EQ(outputsOf<HddInfoEntry>(getHddTableInfo),
+        EXPECT_EQ(outputsOf<getHddTableInfo>(),
                   "-1, array untouched, count untouched");
         EXPECT_EQ(library.calls(), Calls{});
     }

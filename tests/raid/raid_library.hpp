@@ -48,7 +48,7 @@ inline Json twoControllers()
         "controllers": [
             {"raid_id": 7, "name": "left", "text84": "b", "text132": "c",
              "text164": "d", "pci_vendor": 43981, "pci_device": 21,
-             "word332": 65535, "byte335": 255, "supported_raid_levels": "0/1",
+             "pci_subvendor": 258, "pci_subdevice": 772, "word332": 65535, "byte335": 255, "supported_raid_levels": "0/1",
              "physical": [
                 {"device_id": 4, "state": 1, "text80": "L4"},
                 {"device_id": 5, "state": 2, "text80": "L5"}],
@@ -61,8 +61,8 @@ inline Json twoControllers()
                 {"id": 1, "raid_level": 5, "members": [4]},
                 {"id": 2, "raid_level": 0, "members": []}]}],
         "configuration": [
-            {"vendor": "0xabcd", "device": "0x0015", "subvendor": "0x0000",
-             "subdevice": "0x0000", "outputs": ["one", "", "three", "four"]}],
+            {"vendor": "0xabcd", "device": "0x0015", "subvendor": "0x0102",
+             "subdevice": "0x0304", "outputs": ["one", "", "three", "four"]}],
         "texts": {"raid_level": {"0": "RAID0", "1": "RAID1", "5": "RAID5"},
                   "drive_state": {"1": "Online", "2": "Hot Spare"}}})");
 }
@@ -76,15 +76,15 @@ Lines raidLinesOf(const Json& section)
     return linesOf<Get>(preset);
 }
 
-/** What a getter leaves in its outputs, in words. */
-template <typename Record, typename Getter>
-std::string outputsOf(const Getter& getter)
+/** What a table function leaves in its outputs, in words. */
+template <auto Get>
+std::string outputsOf()
 {
     constexpr int32_t preset = 77;
-    Record marker{};
-    Record* records = &marker;
+    decltype(recordOf(Get)) marker{};
+    auto* records = &marker;
     int32_t count = preset;
-    const auto outcome = outcomeOf([&] { return getter(&records, &count); });
+    const auto outcome = outcomeOf([&] { return Get(&records, &count); });
     return outcome + (records == &marker ? ", array untouched" : ", array") +
            (count == preset ? ", count untouched"
                             : ", count " + std::to_string(count));

@@ -82,8 +82,6 @@ TEST(Disks, BehindAController)
          "0"},
         {"modulo 2^64", R"({"blocks": 9223373136366403584, "block_size": 4})",
          "0|||||Unknown|Unknown|UnKnown|0|UnknownGB/s|0|4096|1|0|0"},
-        {"blocks of 512 bytes", R"({"blocks": 7814037168, "block_size": 512})",
-         "0|||||Unknown|Unknown|UnKnown|0|UnknownGB/s|0|3726|1|0|0"},
     };
     for (const auto& one : cases)
     {

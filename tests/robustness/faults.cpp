@@ -34,10 +34,7 @@ const Kind kinds[]{
     {{{"reply", property("u", 1)}}, &Results::confused},
     {{{"die", true}}, &Results::failed, true},
     // A short one saves time, but a busy machine may need a longer one.
-    {{{"silent", true}},
-     &Results::failed,
-     false,
-     {30'000, 300'000, 3'000'000}},
+    {{{"silent", true}}, &Results::failed, false, {30'000, 300'000, 3'000'000}},
 };
 
 /** The small server with a fault at one call; made once for all exports. */

@@ -13,38 +13,74 @@ namespace morvath::tests
 
 using sim::Json;
 
-struct Reply
-{
-    /** The error's name and text; empty after success. */
-    std::string error;
-    std::string message;
-    /** The first value; the content of a variant, or the error's name. */
-    Json value;
-
-    bool operator==(const Reply&) const = default;
-};
-
+constexpr auto propertiesInterface = "org.freedesktop.DBus.Properties";
 constexpr uint64_t patience = 20'000'000;
 
 /** A bus client of its own, the library not involved. */
 class Client
 {
   public:
-    /** @param[in] arguments  a list, unless there is one type or none */
-    Reply call(const std::string& service, const std::string& path,
-               const std::string& interface, const std::string& member,
-               const std::string& types = {},
-               const Json& arguments = Json::array());
+    /**
+     * The first value that is answered, or the name of the error.
+     * @param[in] arguments  a list, unless there is one type or none
+     */
+    Json call(const std::string& service, const std::string& path,
+              const std::string& interface, const std::string& member,
+              const std::string& types = {},
+              const Json& arguments = Json::array())
+    {
+        sd_bus_message* raw = nullptr;
+        sim::check(sd_bus_message_new_method_call(
+                       bus(), &raw, service.c_str(), path.c_str(),
+                       interface.c_str(), member.c_str()),
+                   "sd_bus_message_new_method_call");
+        const sim::Message call(raw);
+        sim::appendValues(raw, types, arguments);
+        sd_bus_error error{};
+        sd_bus_message* answer = nullptr;
+        if (sd_bus_call(bus(), raw, patience, &error, &answer) < 0)
+        {
+            Json name = error.name;
+            sd_bus_error_free(&error);
+            return name;
+        }
+        const sim::Message owned(answer);
+        const auto values = sim::readJsonList(answer);
+        return values.empty() ? Json() : values.front();
+    }
 
-    Reply get(const std::string& service, const std::string& path,
-              const std::string& interface, const std::string& name);
-    Reply getAll(const std::string& service, const std::string& path,
-                 const std::string& interface);
-    Reply set(const std::string& service, const std::string& path,
-              const std::string& interface, const std::string& name,
-              const std::string& type, const Json& value);
-    Reply mapper(const std::string& member, const std::string& types,
-                 const Json& arguments);
+    /** The value of a property, or the name of the error. */
+    Json get(const std::string& service, const std::string& path,
+             const std::string& interface, const std::string& name)
+    {
+        const auto answer = call(service, path, propertiesInterface, "Get",
+                                 "ss", Json::array({interface, name}));
+        return answer.is_object() ? answer.at("value") : answer;
+    }
+
+    Json getAll(const std::string& service, const std::string& path,
+                const std::string& interface)
+    {
+        return call(service, path, propertiesInterface, "GetAll", "s",
+                    interface);
+    }
+
+    Json set(const std::string& service, const std::string& path,
+             const std::string& interface, const std::string& name,
+             const std::string& type, const Json& value)
+    {
+        const Json variant{{"type", type}, {"value", value}};
+        return call(service, path, propertiesInterface, "Set", "ssv",
+                    Json::array({interface, name, variant}));
+    }
+
+    Json mapper(const std::string& member, const std::string& types,
+                const Json& arguments)
+    {
+        const std::string name = "xyz.openbmc_project.ObjectMapper";
+        return call(name, "/xyz/openbmc_project/object_mapper", name, member,
+                    types, arguments);
+    }
 
     sd_bus* bus() { return connection.get(); }
 

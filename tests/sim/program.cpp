@@ -1,13 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "support/program.hpp"
+#include "sim/background.hpp"
 #include "sim/client.hpp"
 #include "sim/process.hpp"
 
 #include <gtest/gtest.h>
 
-#include <signal.h>
-
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <set>
@@ -23,41 +21,6 @@ Outcome morvathSim(const std::string& arguments)
 {
     return run("MORVATH_SIM", arguments);
 }
-
-/** The program in the background; its output is read line by line. */
-class Background
-{
-  public:
-    explicit Background(const std::string& arguments) :
-        output(popen(("echo $$; exec $MORVATH_SIM " + arguments).c_str(), "re"))
-    {
-        process = std::stoi(line());
-    }
-
-    ~Background()
-    {
-        send(SIGKILL);
-        pclose(output);
-    }
-
-    void send(int signal) const { kill(process, signal); }
-
-    /** The next line; empty at the end, when all writers are gone. */
-    std::string line() const
-    {
-        std::string text;
-        for (int letter = 0;
-             (letter = std::getc(output)) != EOF && letter != '\n';)
-        {
-            text += static_cast<char>(letter);
-        }
-        return text;
-    }
-
-  private:
-    std::FILE* output;
-    pid_t process;
-};
 
 TEST(Program, StatusTellsWhatHappened)
 {
@@ -174,11 +137,11 @@ TEST(Program, SignalsAreHandedToTheCommand)
 
 TEST(Program, NothingOutlivesAKilledOne)
 {
-    Background killed(
-        "run -- sh -c 'echo $DBUS_SYSTEM_BUS_ADDRESS; exec sleep 60'");
+    Background killed("$MORVATH_SIM run -- sh -c 'echo "
+                      "$DBUS_SYSTEM_BUS_ADDRESS; exec sleep 60'");
     const sim::MemoryFile scenario(oneObject);
-    Background other("serve --scenario " + scenario.path() + " --address " +
-                     killed.line() + " 2>&1");
+    Background other("$MORVATH_SIM serve --scenario " + scenario.path() +
+                     " --address " + killed.line() + " 2>&1");
     EXPECT_EQ(other.line(), "serving 1 objects of 1 services");
     killed.send(SIGKILL);
     EXPECT_EQ(other.line(), "morvath-sim: the bus went away");
@@ -190,12 +153,12 @@ TEST(Program, ServesUntilItIsTold)
 {
     const sim::MemoryFile scenario(oneObject);
     Client client;
-    Background program("serve --scenario " + scenario.path());
+    Background program("$MORVATH_SIM serve --scenario " + scenario.path());
     EXPECT_EQ(program.line(), "serving 1 objects of 1 services");
-    EXPECT_EQ(client.getAll("x.S", "/a", "").value, Json::object());
+    EXPECT_EQ(client.getAll("x.S", "/a", ""), Json::object());
     program.send(SIGTERM);
     EXPECT_EQ(program.line(), "");
-    EXPECT_EQ(client.getAll("x.S", "/a", "").error,
+    EXPECT_EQ(client.getAll("x.S", "/a", ""),
               "org.freedesktop.DBus.Error.ServiceUnknown");
 }
 

@@ -4,17 +4,20 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <cstddef>
-#include <cstdlib>
-#include <cstring>
-#include <functional>
+#include <stdexcept>
 #include <string>
-#include <thread>
-#include <vector>
+#include <string_view>
+#include <system_error>
+#include <tuple>
+#include <utility>
 
 namespace morvath::tests::service
 {
+
+using sim::Seconds;
+
+const std::string busError = "org.freedesktop.DBus.Error.";
 
 constexpr auto machine = R"({"format": 1, "objects": [
 {"path": "/a/b", "services": [{"name": "x.S", "interfaces": {
@@ -22,214 +25,140 @@ constexpr auto machine = R"({"format": 1, "objects": [
     "Name": {"type": "s", "value": "one"},
     "Fixed": {"type": "i", "value": -5, "readOnly": true},
     "Secret": {"type": "u", "value": 7, "hidden": true},
-    "Zero": {"type": "b", "value": true}},
+    "Flag": {"type": "b", "value": true}},
   "x.Empty": {},
   "x.Last": {
     "Name": {"type": "s", "value": "two"},
-    "Level": {"type": "d", "value": "nan"}}}}]},
-{"path": "/a/b/c", "services": [{"name": "x.S", "interfaces": {
-  "x.Last": {"Level": {"type": "d", "value": 2.5, "readOnly": true}}}}]}]})";
+    "Level": {"type": "d", "value": "nan"},
+    "Mode": {"type": "s", "value": "m.On", "enum": ["m.On", "m.Off"]}}}}]},
+{"path": "/a/b/c", "services": [{"name": "x.S", "interfaces": {}}]}]})";
 
-struct Values
+TEST(Service, HasWhatItsScenarioSays)
 {
-    // sd-bus frees the old text and keeps a copy of the new one.
-    char* name = strdup("one");
-    char* otherName = strdup("two");
-    int32_t fixed = -5;
-    uint32_t secret = 7;
-    int zero = 1;
-    double level = std::nan("");
-    double deepLevel = 2.5;
-
-    ~Values()
+    const sim::Platform platform(sim::Scenario::parse(machine, "machine"));
+    Client client;
+    const auto introspect = [&](const char* path) {
+        const std::string xml = client.call(
+            "x.S", path, "org.freedesktop.DBus.Introspectable", "Introspect");
+        constexpr std::string_view before = "PropertiesChanged";
+        const auto end = xml.find(" </interface>", xml.find(before));
+        return xml.substr(end + sizeof(" </interface>"));
+    };
+    EXPECT_EQ(introspect("/a/b"), R"( <interface name="x.Last">
+  <property name="Name" type="s" access="readwrite">
+  </property>
+  <property name="Level" type="d" access="readwrite">
+  </property>
+  <property name="Mode" type="s" access="readwrite">
+  </property>
+ </interface>
+ <interface name="x.Empty">
+ </interface>
+ <interface name="x.First">
+  <property name="Name" type="s" access="readwrite">
+  </property>
+  <property name="Fixed" type="i" access="read">
+  </property>
+  <property name="Flag" type="b" access="readwrite">
+  </property>
+ </interface>
+ <node name="c"/>
+</node>
+)");
+    EXPECT_EQ(introspect("/a/b/c"), "</node>\n");
+    const std::pair<const char*, Json> properties[]{
+        {"Name", "one"}, {"Secret", 7}, {"None", busError + "UnknownProperty"}};
+    for (const auto& [name, value] : properties)
     {
-        std::free(name);
-        std::free(otherName);
+        EXPECT_EQ(client.get("x.S", "/a/b", "x.First", name), value) << name;
     }
-};
-
-constexpr auto changes = SD_BUS_VTABLE_PROPERTY_EMITS_CHANGE;
-constexpr auto open = SD_BUS_VTABLE_UNPRIVILEGED;
-constexpr sd_bus_vtable first[]{
-    SD_BUS_VTABLE_START(0),
-    SD_BUS_WRITABLE_PROPERTY("Name", "s", nullptr, nullptr,
-                             offsetof(Values, name), changes | open),
-    SD_BUS_PROPERTY("Fixed", "i", nullptr, offsetof(Values, fixed), changes),
-    SD_BUS_WRITABLE_PROPERTY("Secret", "u", nullptr, nullptr,
-                             offsetof(Values, secret),
-                             SD_BUS_VTABLE_HIDDEN | open),
-    SD_BUS_WRITABLE_PROPERTY("Zero", "b", nullptr, nullptr,
-                             offsetof(Values, zero), changes | open),
-    SD_BUS_VTABLE_END};
-constexpr sd_bus_vtable empty[]{SD_BUS_VTABLE_START(0), SD_BUS_VTABLE_END};
-constexpr sd_bus_vtable last[]{
-    SD_BUS_VTABLE_START(0),
-    SD_BUS_WRITABLE_PROPERTY("Name", "s", nullptr, nullptr,
-                             offsetof(Values, otherName), changes | open),
-    SD_BUS_WRITABLE_PROPERTY("Level", "d", nullptr, nullptr,
-                             offsetof(Values, level), changes | open),
-    SD_BUS_VTABLE_END};
-constexpr sd_bus_vtable deep[]{SD_BUS_VTABLE_START(0),
-                               SD_BUS_PROPERTY("Level", "d", nullptr,
-                                               offsetof(Values, deepLevel),
-                                               changes),
-                               SD_BUS_VTABLE_END};
-
-/** The same as somebody would write it for sd-bus. */
-class PlainService
-{
-  public:
-    PlainService()
+    const auto none = busError + "UnknownInterface";
+    const auto unknown = busError + "UnknownObject";
+    const std::tuple<const char*, const char*, Json> contents[]{
+        {"/a/b", "x.Empty", Json::object()},
+        {"/a/b", "x.None", none},
+        {"/a/b/c", "", Json::object()},
+        {"/a", "", unknown},
+        {"/none", "", unknown},
+    };
+    for (const auto& [path, interface, value] : contents)
     {
-        for (const auto& [interface, table] :
-             {std::pair<const char*, const sd_bus_vtable*>{"x.First", first},
-              {"x.Empty", empty},
-              {"x.Last", last}})
-        {
-            sim::check(sd_bus_add_object_vtable(bus.get(), nullptr, "/a/b",
-                                                interface, table, &values),
-                       interface);
-        }
-        sim::check(sd_bus_add_object_vtable(bus.get(), nullptr, "/a/b/c",
-                                            "x.Last", deep, &values),
-                   "/a/b/c");
-        sim::check(sd_bus_request_name(bus.get(), "x.Plain", 0), "x.Plain");
-        thread = std::jthread(std::bind_front(&PlainService::serve, this));
+        EXPECT_EQ(client.getAll("x.S", path, interface), value) << path;
     }
-
-  private:
-    void serve(const std::stop_token& end) const
+    const std::tuple<const char*, const char*, Json, Json> settings[]{
+        {"Name", "s", "new", {}},
+        {"Name", "i", 3, busError + "InvalidArgs"},
+        {"Fixed", "i", 3, busError + "PropertyReadOnly"},
+        {"Secret", "u", 8, {}},
+        {"Flag", "b", false, {}},
+    };
+    for (const auto& [name, type, value, answer] : settings)
     {
-        constexpr uint64_t tick = 10'000;
-        while (!end.stop_requested())
-        {
-            if (sd_bus_process(bus.get(), nullptr) == 0)
-            {
-                sd_bus_wait(bus.get(), tick);
-            }
-        }
+        EXPECT_EQ(client.set("x.S", "/a/b", "x.First", name, type, value),
+                  answer)
+            << name << type;
     }
-
-    Values values;
-    sim::Bus bus = sim::openBus("");
-    std::jthread thread;
-};
-
-constexpr auto properties = "org.freedesktop.DBus.Properties";
-
-struct Question
-{
-    std::string path;
-    std::string interface;
-    std::string member;
-    std::string types{};
-    Json arguments = Json::array();
-};
-
-Question get(const char* path, const char* interface, const char* name)
-{
-    return {path, properties, "Get", "ss", Json::array({interface, name})};
+    EXPECT_EQ(client.get("x.S", "/a/b", "x.First", "Secret"), 8);
+    EXPECT_EQ(client.getAll("x.S", "/a/b", "").dump(),
+              R"([["Name",{"type":"s","value":"two"}],)"
+              R"(["Level",{"type":"d","value":"nan"}],)"
+              R"(["Mode",{"type":"s","value":"m.On"}],)"
+              R"(["Name",{"type":"s","value":"new"}],)"
+              R"(["Fixed",{"type":"i","value":-5}],)"
+              R"(["Flag",{"type":"b","value":false}]])");
 }
 
-Question getAll(const char* path, const char* interface)
-{
-    return {path, properties, "GetAll", "s", interface};
-}
-
-Question set(const char* name, const char* type, const Json& value)
-{
-    return {"/a/b", properties, "Set", "ssv",
-            Json::array({"x.First", name, {{"type", type}, {"value", value}}})};
-}
-
-std::vector<Question> questions()
-{
-    constexpr auto introspectable = "org.freedesktop.DBus.Introspectable";
-    constexpr auto peer = "org.freedesktop.DBus.Peer";
-    return {get("/a/b", "x.First", "Name"),
-            get("/a/b", "x.Last", "Name"),
-            get("/a/b", "x.Last", "Level"),
-            get("/a/b", "x.First", "Secret"),
-            get("/a/b", "x.First", "Level"),
-            get("/a/b", "x.None", "Name"),
-            get("/a/b", peer, "Name"),
-            get("/a/b", "", "Name"),
-            get("/a", "x.First", "Name"),
-            get("/a/b/c", "x.Last", "Level"),
-            get("/none", "x.First", "Name"),
-            getAll("/a/b", ""),
-            getAll("/a/b", "x.First"),
-            getAll("/a/b", "x.Empty"),
-            getAll("/a/b", "x.None"),
-            getAll("/a/b", properties),
-            getAll("/a/b/c", ""),
-            getAll("/a", ""),
-            getAll("/none", ""),
-            {"/a/b", introspectable, "Introspect"},
-            {"/a/b/c", introspectable, "Introspect"},
-            {"/a", introspectable, "Introspect"},
-            {"/", introspectable, "Introspect"},
-            {"/none", introspectable, "Introspect"},
-            {"/a/b", peer, "Ping"},
-            {"/none", peer, "Ping"},
-            {"/a/b", "x.First", "Method"},
-            {"/a/b", properties, "Get", "s", "x.First"},
-            {"/a/b", properties, "GetAll", "u", 1},
-            set("Name", "s", "new"),
-            set("Name", "i", 3),
-            set("Fixed", "i", 3),
-            set("Secret", "u", 8),
-            set("Zero", "b", false),
-            set("Other", "i", 3),
-            getAll("/a/b", ""),
-            get("/a/b", "x.First", "Secret")};
-}
-
+/** Keeps what is in all signals, each as an array after its name. */
 int keepSignal(sd_bus_message* message, void* kept, sd_bus_error*)
 {
-    *static_cast<Json*>(kept) = sim::readJsonList(message);
+    auto& one = static_cast<Json*>(kept)->emplace_back();
+    one = sim::readJsonList(message);
+    one.insert(one.begin(), sd_bus_message_get_member(message));
     return 0;
 }
 
-TEST(Service, AnswersAsOneWrittenForSdBus)
+/** The signals of an interface, once there are so many. */
+class Signals
 {
-    const PlainService plain;
-    const sim::Platform platform(sim::Scenario::parse(machine, "machine"));
-    Client client;
-    for (const auto& one : questions())
+  public:
+    Signals(Client& client, const char* path, const char* interface) :
+        bus(client.bus())
     {
-        const auto ask = [&](const char* service) {
-            return client.call(service, one.path, one.interface, one.member,
-                               one.types, one.arguments);
-        };
-        const auto real = ask("x.Plain");
-        const auto ours = ask("x.S");
-        const auto what =
-            one.path + " " + one.member + " " + one.arguments.dump();
-        EXPECT_EQ(ours.error, real.error) << what;
-        EXPECT_EQ(ours.message, real.message) << what;
-        EXPECT_EQ(ours.value.dump(), real.value.dump()) << what;
+        sim::check(sd_bus_match_signal(bus, nullptr, "x.S", path, interface,
+                                       nullptr, keepSignal, &kept),
+                   "sd_bus_match_signal");
     }
-}
+
+    Json wait(std::size_t count)
+    {
+        int progress = 1;
+        while (kept.size() < count && progress > 0)
+        {
+            progress = sd_bus_process(bus, nullptr);
+            if (progress == 0)
+            {
+                progress = sd_bus_wait(bus, patience);
+            }
+        }
+        return kept;
+    }
+
+  private:
+    sd_bus* bus;
+    Json kept = Json::array();
+};
 
 TEST(Service, AnnouncesWhatChanges)
 {
     const sim::Platform platform(sim::Scenario::parse(machine, "machine"));
     Client client;
-    Json signal;
-    sim::check(sd_bus_match_signal(client.bus(), nullptr, "x.S", "/a/b",
-                                   properties, "PropertiesChanged", keepSignal,
-                                   &signal),
-               "sd_bus_match_signal");
+    Signals signals(client, "/a/b", propertiesInterface);
     client.set("x.S", "/a/b", "x.First", "Name", "s", "one");
     client.set("x.S", "/a/b", "x.First", "Secret", "u", 1);
     client.set("x.S", "/a/b", "x.Last", "Name", "s", "new");
-    while (signal.empty() && sd_bus_wait(client.bus(), patience) >= 0)
-    {
-        ASSERT_GE(sd_bus_process(client.bus(), nullptr), 0);
-    }
-    EXPECT_EQ(signal.dump(),
-              R"(["x.Last",{"Name":{"type":"s","value":"new"}},[]])");
+    EXPECT_EQ(signals.wait(1).dump(), R"([["PropertiesChanged","x.Last",)"
+                                      R"({"Name":{"type":"s","value":"new"}},)"
+                                      R"([]]])");
     EXPECT_EQ(platform.property("x.S", "/a/b", "x.First", "Secret"), 1);
     EXPECT_THROW(platform.property("x.S", "/a/b", "x.First", "Other"),
                  std::out_of_range);
@@ -237,16 +166,13 @@ TEST(Service, AnnouncesWhatChanges)
 
 TEST(Service, RefusesTextsThatAreNotEnumerated)
 {
-    const sim::Platform platform(sim::Scenario::parse(
-        R"({"format": 1, "objects": [{"path": "/a", "services": [
-            {"name": "x.S", "interfaces": {"x.I": {"Mode": {"type": "s",
-             "value": "m.On", "enum": ["m.On", "m.Off"]}}}}]}]})",
-        "machine"));
+    const sim::Platform platform(sim::Scenario::parse(machine, "machine"));
     Client client;
-    EXPECT_EQ(client.set("x.S", "/a", "x.I", "Mode", "s", "Off").error,
+    EXPECT_EQ(client.set("x.S", "/a/b", "x.Last", "Mode", "s", "Off"),
               "xyz.openbmc_project.sdbusplus.Error.InvalidEnumString");
-    EXPECT_EQ(client.set("x.S", "/a", "x.I", "Mode", "s", "m.Off").error, "");
-    EXPECT_EQ(client.get("x.S", "/a", "x.I", "Mode").value, "m.Off");
+    EXPECT_EQ(client.set("x.S", "/a/b", "x.Last", "Mode", "s", "m.Off"),
+              Json());
+    EXPECT_EQ(client.get("x.S", "/a/b", "x.Last", "Mode"), "m.Off");
 }
 
 TEST(Service, HasItsNameAlone)
@@ -260,14 +186,10 @@ TEST(Behaviours, HostFollowsTransitions)
 {
     const std::string host = "xyz.openbmc_project.State.Host";
     const std::string hostPath = "/xyz/openbmc_project/state/host0";
-    const std::vector<std::pair<std::string, std::string>> steps{
-        {"Reboot", "Running"},
-        {"Off", "Off"},
-        {"Reboot", "Off"},
-        {"ForceWarmReboot", "Off"},
-        {"On", "Running"},
-        {"GracefulWarmReboot", "Running"},
-        {"ForceWarmReboot", "Running"},
+    const std::pair<std::string, std::string> steps[]{
+        {"Reboot", "Running"}, {"Off", "Off"},
+        {"Reboot", "Off"},     {"GracefulWarmReboot", "Off"},
+        {"On", "Running"},     {"ForceWarmReboot", "Running"},
     };
     const sim::Platform platform(sim::Scenario::standard());
     Client client;
@@ -285,6 +207,75 @@ TEST(Behaviours, HostFollowsTransitions)
             EXPECT_EQ(held("CurrentHostState"), host + ".HostState." + state)
                 << transition;
         }
+    }
+}
+
+constexpr auto moving = R"({"format": 1, "objects": [
+{"path": "/a", "services": [{"name": "x.S", "interfaces": {
+  "x.I": {"P": {"type": "i", "value": 0}}}}]}], "changes": [
+{"after": 1, "every": 2, "path": "/a", "set": {"x.I": {"P": 1}}},
+{"after": 2, "every": 2, "path": "/a", "set": {"x.I": {"P": 2}}},
+{"after": 10.5, "add": {"path": "/b", "services": [
+  {"name": "x.S", "interfaces": {"x.J": {"Q": {"type": "s", "value": "q"}}}},
+  {"name": "x.New", "interfaces": {"x.K": {}}}]}},
+{"after": 11, "path": "/b", "remove": true},
+{"after": 12, "service": "x.S", "die": true},
+{"after": 13, "service": "x.S", "start": true}]})";
+
+TEST(Changes, HappenInTheirOrderAndAgain)
+{
+    sim::Platform platform(sim::Scenario::parse(moving, "moving"));
+    for (const auto& [step, held] :
+         {std::pair{0.5, 0}, {0.5, 1}, {0.9, 1}, {0.1, 2}, {1, 1}, {4.5, 1}})
+    {
+        platform.advance(Seconds(step));
+        EXPECT_EQ(platform.property("x.S", "/a", "x.I", "P"), held) << step;
+    }
+}
+
+TEST(Changes, OfObjectsAndServicesAreAnnounced)
+{
+    sim::Platform platform(sim::Scenario::parse(moving, "moving"));
+    Client client;
+    Signals signals(client, "/", "org.freedesktop.DBus.ObjectManager");
+    const auto paths = [&](const char* interface) {
+        return client.mapper("GetSubTreePaths", "sias",
+                             Json::array({"/", 0, Json::array({interface})}));
+    };
+    platform.advance(Seconds(10.5));
+    EXPECT_EQ(client.get("x.S", "/b", "x.J", "Q"), "q");
+    EXPECT_EQ(paths("x.J"), Json{"/b"});
+    EXPECT_EQ(paths("x.K"), Json{"/b"});
+    platform.advance(Seconds(0.5));
+    EXPECT_EQ(client.get("x.S", "/b", "x.J", "Q"), busError + "UnknownObject");
+    EXPECT_EQ(paths("x.J"), Json::array());
+    const auto announced = signals.wait(2);
+    ASSERT_EQ(announced.size(), 2U);
+    EXPECT_EQ(announced[0][0], "InterfacesAdded");
+    EXPECT_EQ(announced[1][0], "InterfacesRemoved");
+    platform.advance(Seconds(1));
+    EXPECT_EQ(client.get("x.S", "/a", "x.I", "P"), busError + "ServiceUnknown");
+    EXPECT_EQ(paths("x.I"), Json::array());
+    platform.advance(Seconds(1));
+    EXPECT_EQ(client.get("x.S", "/a", "x.I", "P"), 1);
+    EXPECT_EQ(paths("x.I"), Json{"/a"});
+}
+
+TEST(Busy, StopsAFanAndLetsItRecover)
+{
+    sim::Platform platform(sim::Scenario::load("busy"));
+    for (const auto& [step, speed] : {std::pair{0, 8120}, {75, 0}, {45, 8120}})
+    {
+        platform.advance(Seconds(step));
+        const auto held = [&](const char* interface, const char* name) {
+            const std::string prefix = "xyz.openbmc_project.";
+            return platform.property(
+                prefix + "FanSensor",
+                "/xyz/openbmc_project/sensors/fan_tach/FAN1",
+                prefix + "Sensor." + interface, name);
+        };
+        EXPECT_EQ(held("Value", "Value"), speed);
+        EXPECT_EQ(held("Threshold.Critical", "CriticalAlarmLow"), speed == 0);
     }
 }
 

@@ -1,126 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "sim/background.hpp"
 #include "support/machine.hpp"
 #include "support/program.hpp"
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/resource.h>
-#include <sys/wait.h>
 #include <systemd/sd-bus.h>
 #include <unistd.h>
 
 #include <array>
-#include <csignal>
-#include <cstdio>
 #include <cstdlib>
+#include <fstream>
 #include <optional>
 
 namespace morvath::tests::watch
 {
-
-/** The command while it runs; what it says must come within a minute. */
-class Running
-{
-  public:
-    explicit Running(const std::string& arguments,
-                     const std::string& environment = {})
-    {
-        std::array<int, 2> ends;
-        EXPECT_EQ(pipe2(ends.data(), O_CLOEXEC), 0);
-        process = fork();
-        if (process == 0)
-        {
-            dup2(ends[1], STDOUT_FILENO);
-            dup2(ends[1], STDERR_FILENO);
-            const auto line = environment + " exec $MORVATH " + arguments;
-            execl("/bin/sh", "sh", "-c", line.c_str(), nullptr);
-            _exit(127);
-        }
-        close(ends[1]);
-        output = fdopen(ends[0], "r");
-        alarm(60);
-    }
-    Running(const Running&) = delete;
-    Running& operator=(const Running&) = delete;
-
-    ~Running()
-    {
-        alarm(0);
-        std::fclose(output);
-        if (process > 0)
-        {
-            kill(process, SIGKILL);
-            waitpid(process, nullptr, 0);
-        }
-    }
-
-    /** The next line of either output; empty at the end. */
-    std::string line()
-    {
-        char* text = nullptr;
-        std::size_t size = 0;
-        const auto length = getline(&text, &size, output);
-        const std::string line(text, length < 0 ? 0 : length);
-        std::free(text);
-        return line;
-    }
-
-    /** Whether there comes a line with such a text. */
-    bool says(std::string_view text)
-    {
-        for (std::string one; !(one = line()).empty();)
-        {
-            if (one.find(text) != one.npos)
-            {
-                return true;
-            }
-        }
-        return false;
-    }
-
-    /** Waits for the end, of which success is expected. */
-    rusage end()
-    {
-        int status = -1;
-        rusage usage{};
-        wait4(process, &status, 0, &usage);
-        process = 0;
-        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
-        return usage;
-    }
-
-    pid_t process;
-
-  private:
-    FILE* output;
-};
-
-/** A bus without anything, there as long as this object. */
-class LoneBus
-{
-  public:
-    explicit LoneBus(const std::string& address) :
-        output(popen(("exec dbus-daemon --session --nofork --print-address=1 "
-                      "--print-pid=1 --address=" +
-                      address)
-                         .c_str(),
-                     "re"))
-    {
-        EXPECT_EQ(std::fscanf(output, "%*s %d", &process), 1);
-    }
-    LoneBus(const LoneBus&) = delete;
-    LoneBus& operator=(const LoneBus&) = delete;
-
-    ~LoneBus()
-    {
-        kill(process, SIGKILL);
-        pclose(output);
-    }
-
-  private:
-    FILE* output;
-    pid_t process = 0;
-};
 
 constexpr auto roundBegins = R"({"formatVersion")";
 
@@ -129,15 +22,15 @@ TEST(Watch, ReadsAgainUntilASignal)
     sim::Platform platform(Machine::smallServer().scenario());
     for (const auto signal : {SIGINT, SIGTERM})
     {
-        Running watched("sensors --json --watch 0.01");
+        Background watched("$MORVATH sensors --json --watch 0.01");
         EXPECT_TRUE(watched.says(roundBegins));
         EXPECT_TRUE(watched.says(roundBegins));
-        kill(watched.process, signal);
+        watched.send(signal);
         for (std::string line; !(line = watched.line()).empty();)
         {
             EXPECT_FALSE(Json::parse(line)["tables"]["fans"].empty());
         }
-        watched.end();
+        EXPECT_EQ(watched.end(), 0);
     }
 }
 
@@ -167,11 +60,11 @@ std::string nameOf(sd_bus* bus, pid_t process)
 TEST(Watch, ReadsWhatTheBusSendsBetweenRounds)
 {
     sim::Platform platform(Machine::smallServer().scenario());
-    Running watched("sensors --json --watch 80000");
+    const Background watched("$MORVATH sensors --json --watch 80000");
     ASSERT_TRUE(watched.says(roundBegins));
     sd_bus* bus = nullptr;
     ASSERT_GE(sd_bus_open(&bus), 0);
-    const auto name = nameOf(bus, watched.process);
+    const auto name = nameOf(bus, watched.id());
     const std::string ballast(1000, 'b');
     for (int i = 0; i < 1000; ++i)
     {
@@ -194,18 +87,34 @@ TEST(Watch, UsesABusThatCameBack)
     char folder[] = "/tmp/morvath-test-XXXXXX";
     ASSERT_TRUE(mkdtemp(folder));
     const auto file = folder + std::string("/bus");
-    std::optional<LoneBus> bus("unix:path=" + file);
-    Running watched("sensors --json --watch 0.01",
-                    "DBUS_SESSION_BUS_ADDRESS=unix:path=" + file);
+    const auto command = "dbus-daemon --session --nofork --print-address=1 "
+                         "--address=unix:path=" +
+                         file;
+    std::optional<Background> bus(command);
+    EXPECT_NE(bus->line(), "");
+    const Background watched("env DBUS_SESSION_BUS_ADDRESS=unix:path=" + file +
+                             " $MORVATH sensors --json --watch 0.01 2>&1");
     EXPECT_TRUE(watched.says(roundBegins));
     bus.reset();
     EXPECT_TRUE(watched.says("cannot connect to the bus at unix:path=" + file));
     unlink(file.c_str());
-    bus.emplace("unix:path=" + file);
+    bus.emplace(command);
     EXPECT_TRUE(watched.says(roundBegins));
     bus.reset();
     unlink(file.c_str());
     rmdir(folder);
+}
+
+/** In KiB. */
+long greatestMemory(pid_t process)
+{
+    std::ifstream status("/proc/" + std::to_string(process) + "/status");
+    std::string word;
+    long size = 0;
+    while (status >> word && word != "VmHWM:")
+    {}
+    EXPECT_TRUE(status >> size);
+    return size;
 }
 
 TEST(Sensors, CostNoMoreThanTheirTexts)
@@ -228,16 +137,12 @@ TEST(Sensors, CostNoMoreThanTheirTexts)
         }
         sim::Platform platform(machine.scenario());
         EXPECT_LT(run("MORVATH", "sensors").output.size(), 160u * sensors);
-        Running json("sensors --json");
-        std::size_t size = 0;
-        for (std::string line; !(line = json.line()).empty();)
-        {
-            size += line.size();
-        }
-        EXPECT_LT(size, 600u * sensors + isLong * longName.size());
-        memory.at(isLong) = json.end().ru_maxrss;
+        const Background json("$MORVATH sensors --json --watch 80000");
+        EXPECT_LT(json.line().size(),
+                  600u * sensors + isLong * longName.size());
+        memory.at(isLong) = greatestMemory(json.id());
     }
-    // In KiB; much less than the name once for each sensor.
+    // Much less than the name once for each sensor.
     EXPECT_LT(memory[1] - memory[0], 60'000);
 }
 

@@ -1,12 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "morvath.h"
-#include "support/machine.hpp"
-
-#include <gtest/gtest.h>
-#include <sdbusplus/exception.hpp>
-
-#include <algorithm>
-#include <cstdlib>
+#include "support/records.hpp"
 
 namespace morvath::tests::mapper
 {
@@ -26,56 +19,35 @@ Machine fans()
               {{"com.example.Other", Json::object()}});
 }
 
-/** The paths that were found. */
-struct Paths
-{
-    char** paths = nullptr;
-    uint32_t count = 0;
-
-    ~Paths()
-    {
-        std::for_each_n(paths, count, std::free);
-        std::free(paths);
-    }
-
-    int32_t find(const char* prefix, const char* root = "/")
-    {
-        return getDbusInterface(prefix, root, wanted, &paths, &count);
-    }
-};
-
 TEST(FindObjects, MatchesTheFirstOwnerAgainstThePrefix)
 {
-    sim::Platform platform(fans().scenario());
-    const std::pair<const char*, std::vector<std::string>> cases[]{
+    const sim::Platform platform(fans().scenario());
+    const std::pair<const char*, Lines> cases[]{
         {"", {"/fans/a10", "/fans/a2", "/fans/b"}},
         {"com.example.Fans", {"/fans/a10"}},
         {"com.example.A", {"/fans/a2"}},
-        {"com.example.Fans.Two.More", {}},
     };
     for (const auto& [prefix, expected] : cases)
     {
-        Paths found;
-        EXPECT_EQ(found.find(prefix), 0);
-        EXPECT_NE(found.paths, nullptr);
-        EXPECT_TRUE(std::equal(found.paths, found.paths + found.count,
-                               expected.begin(), expected.end()))
-            << prefix;
+        EXPECT_EQ(read(getDbusInterface, prefix, "/", wanted), expected);
     }
-}
-
-TEST(FindObjects, AddsToTheCounter)
-{
-    sim::Platform platform(fans().scenario());
-    Paths found{nullptr, 5};
-    EXPECT_EQ(found.find("", "/fans"), 0);
-    EXPECT_EQ(found.count, 8u);
-    found.count = 3;
+    char** paths = nullptr;
+    uint32_t count = 5;
+    EXPECT_EQ(getDbusInterface("com.example.Fans.Two.More", "/fans", wanted,
+                               &paths, &count),
+              0);
+    EXPECT_EQ(count, 5u);
+    EXPECT_NE(paths, nullptr);
+    std::free(paths);
+    EXPECT_EQ(
+        getDbusInterface("com.example.B", "/fans", wanted, &paths, &count), 0);
+    EXPECT_EQ(count, 6u);
+    EXPECT_EQ(takeLine(paths, 1), "/fans/b|");
 }
 
 TEST(ListObjects, AddsAllOwnersInOrder)
 {
-    sim::Platform platform(fans().scenario());
+    const sim::Platform platform(fans().scenario());
     SubTree tree{{"/before", {}}};
     EXPECT_EQ(getSubTree("/fans", wanted, &tree), 0);
     ASSERT_EQ(tree.size(), 4u);
@@ -85,10 +57,9 @@ TEST(ListObjects, AddsAllOwnersInOrder)
     ASSERT_EQ(tree[2].second.size(), 2u);
     EXPECT_EQ(tree[2].second[0].first, "com.example.A");
     const std::string common = "org.freedesktop.DBus.";
-    const std::vector<std::string> interfaces{
-        "com.example.Also", wanted, common + "Introspectable", common + "Peer",
-        common + "Properties"};
-    EXPECT_EQ(tree[2].second[0].second, interfaces);
+    EXPECT_EQ(tree[2].second[0].second,
+              (Lines{"com.example.Also", wanted, common + "Introspectable",
+                     common + "Peer", common + "Properties"}));
 
     const auto calls = platform.calls();
     ASSERT_EQ(calls.size(), 1u);
@@ -99,11 +70,14 @@ TEST(ListObjects, AddsAllOwnersInOrder)
     EXPECT_EQ(*calls[0].arguments, Json({"/fans", 0, Json::array({wanted})}));
 }
 
+Machine answering(const Json& reply)
+{
+    return fans().fault({{"member", "GetSubTree"}}, {{"reply", reply}});
+}
+
 TEST(ListObjects, GivesMinusOneForAnEmptyAnswer)
 {
-    const auto machine =
-        fans().fault({{"member", "GetSubTree"}}, {{"reply", {{"type", ""}}}});
-    sim::Platform platform(machine.scenario());
+    const sim::Platform platform(answering({{"type", ""}}).scenario());
     SubTree tree;
     EXPECT_EQ(getSubTree("/fans", wanted, &tree), -1);
     EXPECT_TRUE(tree.empty());
@@ -111,24 +85,16 @@ TEST(ListObjects, GivesMinusOneForAnEmptyAnswer)
 
 TEST(FindObjects, TakesAnObjectWithoutOwnersAsOneWithoutName)
 {
-    sim::Platform platform(
-        Machine()
-            .fault({{"member", "GetSubTree"}},
-                   {{"reply",
-                     property("a{sa{sas}}", {{"/orphan", Json::object()}})}})
-            .scenario());
-    Paths found;
-    EXPECT_EQ(found.find("com"), 0);
-    EXPECT_EQ(found.count, 0u);
-    std::free(std::exchange(found.paths, nullptr));
-    EXPECT_EQ(found.find(""), 0);
-    EXPECT_EQ(found.count, 1u);
+    const auto orphan = property("a{sa{sas}}", {{"/orphan", Json::object()}});
+    const sim::Platform platform(answering(orphan).scenario());
+    EXPECT_EQ(read(getDbusInterface, "com", "/", wanted), Lines());
+    EXPECT_EQ(read(getDbusInterface, "", "/", wanted), Lines{"/orphan"});
 
     char*** rows = nullptr;
-    int32_t rowCount = 0;
-    EXPECT_THROW(getDbusTableData("/", wanted, nullptr, 0, &rows, &rowCount),
+    int32_t count = 0;
+    EXPECT_THROW(getDbusTableData("/", wanted, nullptr, 0, &rows, &count),
                  sdbusplus::exception::SdBusError);
-    EXPECT_EQ(rowCount, 0);
+    EXPECT_EQ(count, 0);
     std::free(rows);
 }
 

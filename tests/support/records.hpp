@@ -79,9 +79,9 @@ std::string outcomeOf(const Call& call)
     {
         return "no-memory";
     }
-    catch (const std::bad_variant_access&)
+    catch (const std::bad_variant_access& error)
     {
-        return "another-type";
+        return std::string("another type: ") + error.what();
     }
     catch (const std::invalid_argument& error)
     {
@@ -98,6 +98,19 @@ std::string outcomeOf(const Call& call)
 }
 
 constexpr auto nullText = "basic_string: construction from null is not valid";
+
+/** An array of texts in a line, and its release. */
+inline std::string takeLine(char** texts, std::size_t count)
+{
+    std::string line;
+    for (std::size_t index = 0; index < count; ++index)
+    {
+        line += textOf(texts[index]) + '|';
+        std::free(texts[index]);
+    }
+    std::free(texts);
+    return line;
+}
 
 /** What became of a call, and a line for each record that it stored. */
 using Lines = std::vector<std::string>;
@@ -119,10 +132,10 @@ Lines linesOf(int32_t countBefore = 0)
 }
 
 template <auto Get>
-Lines linesOf(const Machine& machine)
+Lines linesOf(const Machine& machine, int32_t countBefore = 0)
 {
-    sim::Platform platform(machine.scenario());
-    return linesOf<Get>();
+    const sim::Platform platform(machine.scenario());
+    return linesOf<Get>(countBefore);
 }
 
 /** The properties with others in their place; null for one that is missing. */

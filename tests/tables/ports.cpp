@@ -43,12 +43,9 @@ TEST(NetworkPorts, AreThoseOfTheServer)
 
 TEST(NetworkPorts, ConvertTheirNumbers)
 {
-    const auto drop = [](uint64_t packets, uint64_t drops) {
+    const auto ratioOf = [](uint64_t packets, uint64_t drops) {
         return Json{{"Packets", property("t", packets)},
                     {"Drop", property("t", drops)}};
-    };
-    const auto speed = [](uint64_t bits) {
-        return Json{{"MaxSpeed", property("t", bits)}};
     };
     struct
     {
@@ -57,12 +54,13 @@ TEST(NetworkPorts, ConvertTheirNumbers)
         std::string fields;
     } const cases[]{
         {{}, "0", "25|1|0|0.8%"},
-        {drop(2, 1), "0", "25|1|0|0.5%"},
-        {drop(1000, 5), "0", "25|1|0|0.0%"},
-        {drop(0, 7), "0", "25|1|0|-"},
-        {drop(1, UINT64_MAX), "0", "25|1|0|18446744073709551616.0%"},
-        {speed(999'999'999), "0", "0|1|0|0.8%"},
-        {speed(4'294'967'295'999'999'999), "0", "4294967295|1|0|0.8%"},
+        {ratioOf(1000, 5), "0", "25|1|0|0.0%"},
+        {ratioOf(0, 7), "0", "25|1|0|-"},
+        {ratioOf(1, UINT64_MAX), "0", "25|1|0|18446744073709551616.0%"},
+        {{{"MaxSpeed", property("t", 999'999'999)}}, "0", "0|1|0|0.8%"},
+        {{{"MaxSpeed", property("t", 4'294'967'295'999'999'999)}},
+         "0",
+         "4294967295|1|0|0.8%"},
         {{{"MaxSpeed", nullptr}}, nullText, "0|0|0|null"},
         {{{"Packets", nullptr}}, nullText, "25|1|0|null"},
         {{{"Drop", text("some")}}, "invalid argument: stoull", "25|1|0|null"},
@@ -96,35 +94,25 @@ TEST(NetworkPorts, EndAtAnAdapterThatIsNotListed)
 
 TEST(NetworkPorts, SetTheCounterUnlessThereAreNoAdapters)
 {
-    struct
-    {
-        const char* what;
-        Machine machine;
-        int32_t count;
-    } const cases[]{
-        {"ports", onePort({}), 1},
-        {"no ports", Machine().owns(root + "a", service, adapter), 0},
-        {"no adapters",
-         Machine().owns(root + "a", service, {{"a.b", Json::object()}}), 5},
-        {"those of another service",
-         Machine().owns(root + "a", "com.example.Inventory", adapter), 5},
+    EXPECT_EQ(linesOf<getNetPortTableInfo>(onePort({}), 5).size(), 2u);
+    const std::pair<Machine, int32_t> cases[]{
+        {Machine().owns(root + "a", service, adapter), 0},
+        {Machine().owns(root + "a", service, {{"a.b", Json::object()}}), 5},
+        {Machine().owns(root + "a", "com.example.Inventory", adapter), 5},
     };
-    for (const auto& one : cases)
+    for (const auto& [machine, expected] : cases)
     {
-        sim::Platform platform(one.machine.scenario());
+        const sim::Platform platform(machine.scenario());
         PortInfoEntry preset{};
-        PortInfoEntry* records = &preset;
+        auto* records = &preset;
         int32_t count = 5;
-        Records<PortInfoEntry> owner;
-        const auto read = [&](PortInfoEntry** array, int32_t* counter) {
-            const auto code = getNetPortTableInfo(&records, &count);
-            *array = records == &preset ? nullptr : records;
-            *counter = count;
-            return code;
-        };
-        EXPECT_EQ(owner.fill(read), 0) << one.what;
-        EXPECT_EQ(count, one.count) << one.what;
-        EXPECT_EQ(records == &preset, one.count == 5) << one.what;
+        EXPECT_EQ(getNetPortTableInfo(&records, &count), 0);
+        EXPECT_EQ(count, expected);
+        EXPECT_EQ(records == &preset, count == 5);
+        if (records != &preset)
+        {
+            std::free(records);
+        }
     }
 }
 

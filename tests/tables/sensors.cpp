@@ -76,8 +76,6 @@ TEST(Sensors, HaveOrLackLimitsByTheFirstAlarm)
         {{{"Unit", text("CFM")}},
          {"0",
           "0|1st|nan|1|0|90.00|10.00|0|1|80.00|20.00|-inf|inf|unknown|0|0"}},
-        {{{"Unit", text("a.")}},
-         {"0", "0|1st|nan|1|0|90.00|10.00|0|1|80.00|20.00|-inf|inf||0|0"}},
         {{{"Unit", nullptr}},
          {nullText,
           "0|1st|null|1|0|90.00|10.00|0|1|80.00|20.00|-inf|inf|null|0|0"}},

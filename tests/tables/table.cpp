@@ -3,8 +3,39 @@
 
 #include <cstring>
 
-namespace morvath::tests::every_record
+namespace morvath::tests::table
 {
+
+TEST(Tables, CountUpToAnObjectThatCannotBeRead)
+{
+    const auto dying = Machine::server().fault(
+        {{"member", "GetAll"}, {"call", 2}}, {{"die", true}});
+    const sim::Platform platform(dying.scenario());
+    PsuInfoEntry* records = nullptr;
+    int32_t count = 0;
+    EXPECT_EQ(outcomeOf([&] { return getPsuTableInfo(&records, &count); }),
+              "bus-error");
+    EXPECT_EQ(records, nullptr);
+    EXPECT_EQ(count, 1);
+}
+
+TEST(Tables, FollowACounterThatWasNotZero)
+{
+    const sim::Platform platform(sim::Scenario::standard());
+    const auto two = linesOf<getPsuTableInfo>();
+    auto more = two;
+    more.resize(6, "0|null|null|null|null|null|null|0|0");
+    EXPECT_EQ(linesOf<getPsuTableInfo>(3), more);
+    EXPECT_EQ(linesOf<getPsuTableInfo>(-1), (Lines{"0", two[1]}));
+    EXPECT_EQ(linesOf<getPsuTableInfo>(-2), Lines{"0"});
+
+    PsuInfoEntry preset{};
+    auto* records = &preset;
+    int32_t count = -5;
+    EXPECT_EQ(getPsuTableInfo(&records, &count), -2);
+    EXPECT_EQ(records, nullptr);
+    EXPECT_EQ(count, -3);
+}
 
 void fill(char*& text) { text = strdup("text"); }
 
@@ -31,7 +62,7 @@ void expectRelease(void (*release)(Record*))
     }
 }
 
-TEST(EveryRecord, IsReleasedOnce)
+TEST(Records, AreReleasedOnce)
 {
     expectRelease(freePsuInfoEntry);
     expectRelease(freePcieInfoEntry);
@@ -47,4 +78,4 @@ TEST(EveryRecord, IsReleasedOnce)
     expectRelease(free_raid_hdd_entry);
 }
 
-} // namespace morvath::tests::every_record
+} // namespace morvath::tests::table

@@ -122,7 +122,7 @@ TEST(Bios, WidensEachChoice)
 
 TEST(DeviceUuid, IsDerivedFromTheMachine)
 {
-    const sd_id128_t application = SD_ID128_MAKE(
+    const sd_id128_t application = SD_ID128_ARRAY(
         3c, 9a, 51, f2, 7b, 0e, 4d, 68, 9e, 27, b1, 4f, 0a, 6c, 5d, 83);
     sd_id128_t identifier;
     char digits[SD_ID128_STRING_MAX];

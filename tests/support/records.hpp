@@ -99,19 +99,6 @@ std::string outcomeOf(const Call& call)
 
 constexpr auto nullText = "basic_string: construction from null is not valid";
 
-/** An array of texts in a line, and its release. */
-inline std::string takeLine(char** texts, std::size_t count)
-{
-    std::string line;
-    for (std::size_t index = 0; index < count; ++index)
-    {
-        line += textOf(texts[index]) + '|';
-        std::free(texts[index]);
-    }
-    std::free(texts);
-    return line;
-}
-
 /** What became of a call, and a line for each record that it stored. */
 using Lines = std::vector<std::string>;
 

@@ -10,6 +10,7 @@
 #include <fstream>
 #include <set>
 #include <string>
+#include <tuple>
 
 namespace morvath::tests::program
 {
@@ -24,15 +25,14 @@ Outcome morvathSim(const std::string& arguments)
 
 TEST(Program, StatusTellsWhatHappened)
 {
-    struct Case
-    {
-        std::string arguments;
-        int status;
-        std::string output;
-    };
     const sim::MemoryFile bad("{\"format\": 3}");
-    const std::vector<Case> cases{
+    const auto badFormat = "morvath-sim: " + bad.path() +
+                           ": /format: must be 1, the only format there is\n";
+    const std::tuple<std::string, int, std::string> cases[]{
         {"run -- sh -c 'exit 7'", 7, ""},
+        {"run -- sh -c 'trap \"exit 9\" TERM; kill -TERM $PPID; "
+         "while :; do :; done'",
+         9, ""},
         {"run -- sh -c 'kill -9 $$'", 137, ""},
         {"run -- sh -c 'echo \"$@\"' - --log -- x", 0, "--log -- x\n"},
         {"run -- /no/such/program", 127,
@@ -49,20 +49,16 @@ TEST(Program, StatusTellsWhatHappened)
         {"scenario", 0,
          "127 objects, 18 services, 0 faults: A two-socket rack server: 16 "
          "memory slots, 8 card slots, 63 sensors\n"},
-        {"scenario --scenario " + bad.path(), 2,
-         "morvath-sim: " + bad.path() +
-             ": /format: must be 1, the only format there is\n"},
-        {"run --scenario " + bad.path() + " -- echo started", 2,
-         "morvath-sim: " + bad.path() +
-             ": /format: must be 1, the only format there is\n"},
+        {"scenario --scenario " + bad.path(), 2, badFormat},
+        {"run --scenario " + bad.path() + " -- echo started", 2, badFormat},
         {"scenario --scenario /no/such/file", 2,
          "morvath-sim: /no/such/file: cannot be read\n"},
     };
-    for (const Case& c : cases)
+    for (const auto& [arguments, status, output] : cases)
     {
-        const Outcome outcome = morvathSim(c.arguments);
-        EXPECT_EQ(outcome.status, c.status) << c.arguments;
-        EXPECT_EQ(outcome.output + outcome.errors, c.output) << c.arguments;
+        const auto outcome = morvathSim(arguments);
+        EXPECT_EQ(outcome.status, status) << arguments;
+        EXPECT_EQ(outcome.output + outcome.errors, output) << arguments;
     }
     for (const char* usage : {"", "run", "bogus", "scenario --bogus"})
     {
@@ -125,14 +121,6 @@ TEST(Program, CommandFindsTheRaidSectionWhileItRuns)
     EXPECT_EQ(
         morvathSim("scenario --raid --scenario " + scenario.path()).output,
         Json::parse(section).dump(2) + "\n");
-}
-
-TEST(Program, SignalsAreHandedToTheCommand)
-{
-    EXPECT_EQ(morvathSim("run -- sh -c 'trap \"exit 9\" TERM; "
-                         "kill -TERM $PPID; while :; do :; done'")
-                  .status,
-              9);
 }
 
 TEST(Program, NothingOutlivesAKilledOne)

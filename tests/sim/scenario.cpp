@@ -49,24 +49,6 @@ struct Mistake
     std::string message;
 };
 
-void expectRefusals(const std::vector<Mistake>& mistakes)
-{
-    for (const auto& [frame, part, message] : mistakes)
-    {
-        const auto json = frame.before + part + frame.after;
-        std::string told;
-        try
-        {
-            Scenario::parse(json, "file");
-        }
-        catch (const sim::ScenarioError& error)
-        {
-            told = error.what();
-        }
-        EXPECT_EQ(told, message.empty() ? "" : frame.place + message) << json;
-    }
-}
-
 std::string times(unsigned count, const std::string& text)
 {
     return count == 0 ? "" : text + times(count - 1, text);
@@ -85,7 +67,14 @@ TEST(Scenario, MistakesHaveTheirPlace)
         R"({"path": "/a", "services": [{"name": "x.y", "interfaces": {}}]})";
     const std::string none =
         ": no call can meet this: the machine has no such ";
-    expectRefusals({
+    const auto members = [](std::size_t count) {
+        return R"("logical": [{"id": 0, "members": )" +
+               Json(std::vector<int>(count)).dump() + "}]";
+    };
+    const std::string board = R"({"vendor": "0x0000", "device": "0x0000",
+        "subvendor": "0x0000", "subdevice": "0x0000",
+        "outputs": ["", "", "", ""]})";
+    const Mistake mistakes[]{
         {whole, "{\n\"format\": 1,,}",
          "/: parse error at line 2, column 13: syntax error while parsing "
          "object "
@@ -164,19 +153,6 @@ TEST(Scenario, MistakesHaveTheirPlace)
         {change, R"(1, "raid": {"/controllers/0/raid_id": -2})",
          "/raid/~1controllers~10~1raid_id/controllers/0/raid_id: must be a "
          "whole number from 0 to 4294967295"},
-    });
-}
-
-TEST(Scenario, RaidSectionHasMistakesWithTheirPlace)
-{
-    const auto members = [](std::size_t count) {
-        return R"("logical": [{"id": 0, "members": )" +
-               Json(std::vector<int>(count)).dump() + "}]";
-    };
-    const std::string board = R"({"vendor": "0x0000", "device": "0x0000",
-        "subvendor": "0x0000", "subdevice": "0x0000",
-        "outputs": ["", "", "", ""]})";
-    expectRefusals({
         {raid, R"("manager": true)", "manager: the key is unknown here"},
         {raid, R"("controllers": [{"raid_id": 2}, {"raid_id": 2}])",
          "controllers/1/raid_id: the id stands here twice"},
@@ -198,7 +174,21 @@ TEST(Scenario, RaidSectionHasMistakesWithTheirPlace)
         {controller, members(255), ""},
         {controller, members(256),
          "logical/0/members/255: is one member too many for a logical drive"},
-    });
+    };
+    for (const auto& [frame, part, message] : mistakes)
+    {
+        const auto json = frame.before + part + frame.after;
+        std::string told;
+        try
+        {
+            Scenario::parse(json, "file");
+        }
+        catch (const sim::ScenarioError& error)
+        {
+            told = error.what();
+        }
+        EXPECT_EQ(told, message.empty() ? "" : frame.place + message) << json;
+    }
 }
 
 TEST(Scenario, ExtensionReplacesAddsAndRemoves)

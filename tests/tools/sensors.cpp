@@ -1,8 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "sim/background.hpp"
+#include "sim/sd_bus.hpp"
 #include "support/machine.hpp"
 #include "support/program.hpp"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <array>
+#include <fstream>
+#include <optional>
 
 namespace morvath::tests::sensors
 {
@@ -123,6 +130,98 @@ TEST(Sensors, StandInForNoneThatCouldNotBeRead)
         "morvath: currents: /xyz/openbmc_project/sensors/current/a: "
         "com.example.Sensors: org.freedesktop.DBus.Error.UnknownObject"))
         << shown.errors;
+}
+
+constexpr auto roundBegins = R"({"formatVersion")";
+
+TEST(Watch, ReadsAgainUntilASignal)
+{
+    sim::Platform platform(Machine::smallServer().scenario());
+    for (const auto signal : {SIGINT, SIGTERM})
+    {
+        Background watched("$MORVATH sensors --json --watch 0.01");
+        EXPECT_TRUE(watched.says(roundBegins));
+        EXPECT_TRUE(watched.says(roundBegins));
+        watched.send(signal);
+        for (std::string line; !(line = watched.line()).empty();)
+        {
+            EXPECT_FALSE(Json::parse(line)["tables"]["fans"].empty());
+        }
+        EXPECT_EQ(watched.end(), 0);
+    }
+}
+
+TEST(Watch, ReadsWhatTheBusSendsBetweenRounds)
+{
+    sim::Platform platform(Machine::smallServer().scenario());
+    const Background watched("$MORVATH sensors --json --watch 80000");
+    ASSERT_TRUE(watched.says(roundBegins));
+    const auto name = platform.calls().back().caller;
+    const auto bus = sim::openBus("");
+    const std::string ballast(1000, 'b');
+    for (int i = 0; i < 1000; ++i)
+    {
+        sd_bus_message* signal = nullptr;
+        sd_bus_message_new_signal(bus.get(), &signal, "/a", "com.example.A",
+                                  "B");
+        const sim::Message owned(signal);
+        sd_bus_message_append(signal, "s", ballast.c_str());
+        sd_bus_send_to(bus.get(), signal, name.c_str(), nullptr);
+    }
+    // It answers only when it has read all before.
+    EXPECT_GE(sd_bus_call_method(bus.get(), name.c_str(), "/",
+                                 "org.freedesktop.DBus.Peer", "Ping", nullptr,
+                                 nullptr, ""),
+              0);
+}
+
+TEST(Watch, UsesABusThatCameBack)
+{
+    const auto address =
+        "unix:abstract=morvath-test-" + std::to_string(getpid());
+    const auto command =
+        "dbus-daemon --session --nofork --print-address=1 --address=" + address;
+    std::optional<Background> bus(command);
+    EXPECT_NE(bus->line(), "");
+    const Background watched("env DBUS_SESSION_BUS_ADDRESS=" + address +
+                             " $MORVATH sensors --json --watch 0.01 2>&1");
+    EXPECT_TRUE(watched.says(roundBegins));
+    bus.reset();
+    EXPECT_TRUE(watched.says("cannot connect to the bus at " + address));
+    bus.emplace(command);
+    EXPECT_TRUE(watched.says(roundBegins));
+}
+
+TEST(Sensors, CostNoMoreThanTheirTexts)
+{
+    constexpr int sensors = 200;
+    const std::string longName(1'000'000, 'n');
+    std::array<long, 2> memory{};
+    for (const bool isLong : {false, true})
+    {
+        Machine machine;
+        for (int i = 0; i < sensors; ++i)
+        {
+            machine.owns("/xyz/openbmc_project/sensors/current/s" +
+                             std::to_string(i),
+                         "com.example.Sensors",
+                         {{"xyz.openbmc_project.Sensor.Value",
+                           {{"Name", text(i == 0 && isLong ? longName : "a")},
+                            {"Value", property("d", 1)},
+                            {"Unit", text("xyz.Unit.Amperes")}}}});
+        }
+        sim::Platform platform(machine.scenario());
+        EXPECT_LT(run("MORVATH", "sensors").output.size(), 160u * sensors);
+        const Background json("$MORVATH sensors --json --watch 80000");
+        EXPECT_LT(json.line().size(),
+                  600u * sensors + isLong * longName.size());
+        std::ifstream file("/proc/" + std::to_string(json.id()) + "/status");
+        std::string status;
+        std::getline(file, status, '\0');
+        memory.at(isLong) = std::stol(status.substr(status.find("VmHWM:") + 6));
+    }
+    // In KiB; much less than the name once for each sensor.
+    EXPECT_LT(memory[1] - memory[0], 60'000);
 }
 
 } // namespace morvath::tests::sensors

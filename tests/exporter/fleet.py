@@ -24,7 +24,7 @@ BUILD = Path(sys.argv[1]).resolve()
 os.environ |= {"MORVATH": f"{BUILD}/tools/morvath",
                "MORVATH_EXPORTER": f"{BUILD}/exporter/morvath-exporter",
                "MORVATH_SIM": f"{BUILD}/sim/morvath-sim"}
-from harness import MORVATH, SIM, Exporter, scenario
+from harness import MORVATH, SIM, Exporter, scenario, temperature
 
 RULES = Path(__file__).resolve().parents[2] / "exporter/rules"
 SERVERS = 20
@@ -32,25 +32,14 @@ HANGING = 3
 KILLED = 7
 PATIENCE = 60
 
-INLET = "/xyz/openbmc_project/sensors/temperature/Inlet_Temp"
 HANGS = [{"when": {"service": "xyz.openbmc_project.FanSensor"},
           "then": {"silent": True}}]
 HOSTILE = '"}\n# TYPE \\ é \x01 ' + "x" * 3000
 
 
-def inlet(value, name="Inlet_Temp"):
-    return {"path": INLET, "services": [
-        {"name": "xyz.openbmc_project.Test", "interfaces": {
-            "xyz.openbmc_project.Sensor.Value": {
-                "Value": {"type": "d", "value": value},
-                "Name": {"type": "s", "value": name},
-                "Unit": {"type": "s", "value":
-                         "xyz.openbmc_project.Sensor.Value.Unit.DegreesC"}}}}]}
-
-
 def document(number):
     """Each server has a temperature of its own, one hangs."""
-    return {"objects": [inlet(20.5 + number)],
+    return {"objects": [temperature("Inlet_Temp", 20.5 + number, "Inlet_Temp")],
             "faults": HANGS if number == HANGING else []}
 
 
@@ -60,8 +49,9 @@ def run(*command, **options):
 
 def check_metrics(folder):
     """That Prometheus has nothing against the metrics of any scenario."""
+    hostile = temperature("Inlet_Temp", 1, HOSTILE)
     for name, changes in {"default": {}, "hanging": {"faults": HANGS},
-                          "hostile": {"objects": [inlet(1, HOSTILE)]},
+                          "hostile": {"objects": [hostile]},
                           "without mapper": {"mapper": False}}.items():
         options = scenario(folder, changes)
         done = subprocess.run(

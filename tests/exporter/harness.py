@@ -66,9 +66,21 @@ def failed(found):
 def scenario(folder, document):
     """A file with a scenario, by default the built-in server with changes."""
     file = Path(folder, "scenario.json")
-    file.write_text(json.dumps({"format": 1, "extends": "default",
-                                "objects": [], **document}))
+    whole = {"format": 1, "extends": "default", "objects": [], **document}
+    file.write_text(json.dumps({key: value for key, value in whole.items()
+                                if value is not None}))
     return ["--scenario", str(file)]
+
+
+def temperature(sensor, value, name):
+    """A sensor's object for a scenario."""
+    unit = "xyz.openbmc_project.Sensor.Value.Unit.DegreesC"
+    return {"path": f"/xyz/openbmc_project/sensors/temperature/{sensor}",
+            "services": [{"name": "xyz.openbmc_project.Test", "interfaces": {
+                "xyz.openbmc_project.Sensor.Value": {
+                    "Value": {"type": "d", "value": value},
+                    "Name": {"type": "s", "value": name},
+                    "Unit": {"type": "s", "value": unit}}}}]}
 
 
 def script(folder, text):

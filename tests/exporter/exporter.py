@@ -81,17 +81,15 @@ class Metrics(unittest.TestCase):
                     if row[key] is not None:
                         expected["morvath_sensor_limit", own[0],
                                  f'limit="{limit}"', label] = row[key] * factor
-        for row in tables["memory"]:
-            label = f'module="{row["name"]}"'
-            expected["morvath_memory_module_size_bytes", label] = (
-                row["sizeKiB"] * 1024)
-            expected["morvath_memory_module_present", label] = row["present"]
-        for row in tables["disks"]:
-            label = f'disk="{row["name"]}"'
-            expected["morvath_disk_usage_ratio", label] = (
-                int(row["usage"]) / 100)
-            expected["morvath_disk_temperature_celsius", label] = (
-                row["temperatureCelsius"])
+        for table, key, metric, factor in (
+                ("memory", "sizeKiB", "memory_module_size_bytes", 1024),
+                ("memory", "present", "memory_module_present", 1),
+                ("disks", "usage", "disk_usage_ratio", 0.01),
+                ("disks", "temperatureCelsius", "disk_temperature_celsius", 1)):
+            label = {"memory": "module", "disks": "disk"}[table]
+            for row in tables[table]:
+                expected[f"morvath_{metric}", f'{label}="{row["name"]}"'] = (
+                    float(row[key]) * factor)
         for row in tables["network-ports"]:
             label = (f'adapter="{row["adapter"]}"', f'port="{row["name"]}"')
             expected["morvath_network_port_speed_bytes_per_second", *label] = (

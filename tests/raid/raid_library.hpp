@@ -5,15 +5,12 @@
 #include "simulation/control.hpp"
 #include "support/records.hpp"
 
-#include <map>
 #include <string>
 
 namespace morvath::tests
 {
 
 inline const Json noManager{{"manager_present", false}};
-
-using Calls = std::map<std::string, unsigned>;
 
 /** The RAID management library with a section of its own, until it goes. */
 class RaidLibrary
@@ -29,7 +26,7 @@ class RaidLibrary
     RaidLibrary(const RaidLibrary&) = delete;
     RaidLibrary& operator=(const RaidLibrary&) = delete;
 
-    static Calls calls() { return vontel::simulation::calls(); }
+    static auto calls() { return vontel::simulation::calls(); }
 };
 
 /** A section in which the n-th call of an operation has another result. */

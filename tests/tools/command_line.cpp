@@ -78,7 +78,6 @@ TEST(Usage, MisuseIsToldWithWhatWasPerhapsMeant)
         {"exhibit", "no command 'exhibit'"},
         {"show", "TABLE or --all is required"},
         {"show memroy", "no table 'memroy'; did you mean 'memory'?"},
-        {"show xyz", "no table 'xyz'"},
         {"show memory --jsn", "no option '--jsn'; did you mean '--json'?"},
         {"show memory --timout=3",
          "no option '--timout'; did you mean '--timeout'?"},

@@ -23,7 +23,7 @@ Outcome morvath(const std::string& arguments)
     return run("MORVATH", arguments);
 }
 
-TEST(Get, PrintsOneValueAloneAndSeveralWithNames)
+TEST(Get, PrintsValuesOfTheServer)
 {
     sim::Platform platform(sim::Scenario::standard());
     EXPECT_EQ(morvath("get system-model").output, "VS2-2288\n");
@@ -34,11 +34,7 @@ TEST(Get, PrintsOneValueAloneAndSeveralWithNames)
                               "bios-boot-order-3: 255\n"
                               "bios-ipv6-pxe:     no\n"
                               "power-state:       PowerOn\n");
-}
 
-TEST(Get, HasEveryFactOfTheServer)
-{
-    sim::Platform platform(sim::Scenario::standard());
     const auto all = morvath("get --all --json");
     EXPECT_EQ(all.status, 0);
     EXPECT_EQ(all.errors, "");

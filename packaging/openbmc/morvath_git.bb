@@ -7,7 +7,7 @@ LICENSE = "Apache-2.0"
 LIC_FILES_CHKSUM = "file://LICENSE;md5=3b83ef96387f14655fc854ddc3c6bd57"
 
 SRC_URI = "git://git.example.org/morvath.git;branch=main;protocol=https;destsuffix=${BP}"
-SRCREV = "6c0cc34bca7fcbc7f627e8b542f456ad2d945bf0"
+SRCREV = "86f8fd80797f2be04018f9789dd3f57abf7daa8a"
 PV = "0.1.0+git${SRCPV}"
 
 DEPENDS = "nlohmann-json sdbusplus systemd"

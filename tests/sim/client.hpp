@@ -35,12 +35,14 @@ class Client
                        interface.c_str(), member.c_str()),
                    "sd_bus_message_new_method_call");
         const sim::Message call(raw);
+        message.clear();
         sim::appendValues(raw, types, arguments);
         sd_bus_error error{};
         sd_bus_message* answer = nullptr;
         if (sd_bus_call(bus(), raw, patience, &error, &answer) < 0)
         {
             Json name = error.name;
+            message = error.message ? error.message : "";
             sd_bus_error_free(&error);
             return name;
         }
@@ -83,6 +85,9 @@ class Client
     }
 
     sd_bus* bus() { return connection.get(); }
+
+    /** The text of the error that the latest call ended with. */
+    std::string message{};
 
   private:
     const sim::Bus connection = sim::openBus("");

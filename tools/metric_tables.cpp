@@ -63,8 +63,9 @@ std::optional<double> quantityIn(const Value& value)
     {
         return *number;
     }
-    const auto text = labelText(value);
-    const auto digits = text.substr(0, text.find('%'));
+    const auto* text = std::get_if<std::string>(&value);
+    const std::string_view whole = text ? *text : "";
+    const auto digits = whole.substr(0, whole.find('%'));
     if (digits == "inf" || digits == "-inf")
     {
         return digits == "inf" ? INFINITY : -INFINITY;
@@ -146,8 +147,8 @@ void addInventory(const Table& table, const std::vector<Cells>& rows,
 
 bool isNone(const Value& cell)
 {
-    const auto text = textOf(cell);
-    return text.empty() || text == "-";
+    const auto* text = std::get_if<std::string>(&cell);
+    return !text || text->empty() || *text == "-";
 }
 
 void addLimits(const std::vector<Cells>& rows, const Texts& names,
@@ -160,18 +161,19 @@ void addLimits(const std::vector<Cells>& rows, const Texts& names,
         "Whether a sensor is beyond a limit, by the platform.", shared);
     for (const auto& limit : limits)
     {
+        const auto ownLimit = ',' + label("limit", limit.name);
+        const auto ownAlarm = ',' + label("alarm", limit.name);
         for (std::size_t row = 0; row < rows.size(); ++row)
         {
             const auto& cells = rows[row];
             if (const auto number = quantityIn(cells[limit.column]))
             {
-                numbers.add(names[row] + ',' + label("limit", limit.name),
-                            *number * factor);
+                numbers.add(names[row] + ownLimit, *number * factor);
             }
             // A sensor with neither limit of a kind has no such alarms.
             if (!isNone(cells[limit.column]) || !isNone(cells[limit.other]))
             {
-                alarms.add(names[row] + ',' + label("alarm", limit.name),
+                alarms.add(names[row] + ownAlarm,
                            *quantityIn(cells[limit.alarm]));
             }
         }

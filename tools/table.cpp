@@ -95,7 +95,7 @@ std::string textOf(const Value& value)
     return list ? joined(*list, " ") : "-";
 }
 
-std::optional<double> numberIn(const std::string& text)
+std::optional<double> numberIn(std::string_view text)
 {
     double number = 0;
     const char* end = text.data() + text.size();

@@ -24,7 +24,7 @@ using Cells = std::vector<Value>;
 std::string textOf(const Value& value);
 
 /** The number that a text is, as the library writes them. */
-std::optional<double> numberIn(const std::string& text);
+std::optional<double> numberIn(std::string_view text);
 
 /** What a column holds. */
 enum class Form

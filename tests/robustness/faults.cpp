@@ -169,7 +169,8 @@ TEST(AllocationFaults, AreToldAndPass)
         const auto allocations = AllocationWindow::seen();
         for (unsigned first = 1; first <= allocations; ++first)
         {
-            for (unsigned count = 1; count <= 3; ++count)
+            // Alone, and with what is tried in its place.
+            for (const unsigned count : {1, 3})
             {
                 SCOPED_TRACE(one.name + (' ' + std::to_string(first)) + '+' +
                              std::to_string(count));

@@ -64,7 +64,7 @@ std::optional<double> quantityIn(const Value& value)
         return *number;
     }
     const auto* text = std::get_if<std::string>(&value);
-    const std::string_view whole = text ? *text : "";
+    const auto whole = text ? std::string_view(*text) : std::string_view();
     const auto digits = whole.substr(0, whole.find('%'));
     if (digits == "inf" || digits == "-inf")
     {

@@ -276,6 +276,14 @@ Decision Faults::decide(const CallKeys& call,
     return decision;
 }
 
+void Faults::restart()
+{
+    for (auto& fault : all)
+    {
+        fault.calls = 0;
+    }
+}
+
 std::vector<std::string> Faults::unused() const
 {
     std::vector<std::string> places;

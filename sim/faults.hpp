@@ -97,6 +97,9 @@ class Faults
     Decision decide(const CallKeys& call,
                     const std::vector<Interface>* interfaces);
 
+    /** Counts the calls from none again. */
+    void restart();
+
     /** The places of the faults that no call has met. */
     std::vector<std::string> unused() const;
 

@@ -170,6 +170,7 @@ void Platform::clearCalls()
 {
     const std::lock_guard lock(mutex);
     kept.clear();
+    services.faults.restart();
 }
 
 Json Platform::property(const std::string& service, const std::string& path,

@@ -61,6 +61,8 @@ class Platform
 
     /** The calls so far, without their outcomes. */
     std::vector<Call> calls() const;
+
+    /** From the next call on, faults count anew, too. */
     void clearCalls();
 
     /**

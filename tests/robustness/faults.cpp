@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <set>
 #include <sstream>
@@ -136,8 +137,12 @@ std::string mistakeOf(const Usual& usual, const Kind& kind,
 bool expectKnownResults(const std::vector<Usual>& all, const Kind& kind,
                         std::size_t call)
 {
-    FreshMachine machine(
-        Machine::smallServer().fault({{"call", call}}, kind.fault).scenario());
+    static const auto server = Machine::smallServer().scenario();
+    const auto faults = std::make_shared<const Json>(
+        Json::array({{{"when", {{"call", call}}}, {"then", kind.fault}}}));
+    auto scenario = server;
+    scenario.faults = sim::readFaults(*faults, faults, scenario);
+    FreshMachine machine(std::move(scenario));
     bool isAny = false;
     for (const auto& usual : all)
     {

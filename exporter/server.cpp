@@ -120,16 +120,26 @@ bool Server::start(int socket)
     return true;
 }
 
+bool Server::isFull() const
+{
+    const auto* info =
+        MHD_get_daemon_info(daemon.get(), MHD_DAEMON_INFO_CURRENT_CONNECTIONS);
+    return info->num_connections >= connectionLimit;
+}
+
 void Server::serve()
 {
-    hasResumed = false;
+    hasMore = false;
+    const bool wasFull = isFull();
     MHD_run(daemon.get());
+    // Only another run listens to those who wait in the backlog.
+    hasMore |= wasFull && !isFull();
 }
 
 void Server::prepareTimer()
 {
     MHD_UNSIGNED_LONG_LONG wait = 0;
-    if (hasResumed || MHD_get_timeout(daemon.get(), &wait) == MHD_YES)
+    if (hasMore || MHD_get_timeout(daemon.get(), &wait) == MHD_YES)
     {
         sd_event_source_set_time_relative(timer.get(), wait * millisecond);
         sd_event_source_set_enabled(timer.get(), SD_EVENT_ONESHOT);
@@ -255,7 +265,7 @@ void Server::answer(Request& request)
     request.deadline.reset();
     request.response = responseTo(request);
     MHD_resume_connection(request.connection);
-    hasResumed = true;
+    hasMore = true;
     if (--waiting == 0)
     {
         readingInput.reset();

@@ -72,6 +72,7 @@ class Server
     void readOn();
     void answer(Request& request);
     Response responseTo(const Request& request) const;
+    bool isFull() const;
     void serve();
     void prepareTimer();
 
@@ -85,7 +86,7 @@ class Server
     std::list<Request> requests;
     std::size_t waiting = 0;
     /** Which libmicrohttpd does not tell as work to do. */
-    bool hasResumed = false;
+    bool hasMore = false;
 };
 
 } // namespace morvath::exporter

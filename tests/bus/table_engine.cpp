@@ -41,13 +41,7 @@ Lines rowsOf(const Machine& machine, const std::vector<const char*>& names)
     }
     for (int32_t row = 0; row < count; ++row)
     {
-        auto& line = lines.emplace_back();
-        for (std::size_t column = 0; column < names.size(); ++column)
-        {
-            line += textOf(rows[row][column]) + '|';
-            std::free(rows[row][column]);
-        }
-        std::free(rows[row]);
+        lines.push_back(taken(rows[row], names.size()));
     }
     std::free(rows);
     return lines;

@@ -28,18 +28,6 @@ std::string take(char* text)
     return taken;
 }
 
-/** Releases an array of texts. */
-std::string take(char** texts, std::size_t count)
-{
-    std::string line;
-    for (std::size_t index = 0; index < count; ++index)
-    {
-        line += take(texts[index]) + '|';
-    }
-    std::free(texts);
-    return line;
-}
-
 std::string take(int64_t number) { return textOf(number); }
 
 std::string take(const SubTree& tree)
@@ -120,7 +108,10 @@ struct TextList
         return get(arguments..., &texts, &count);
     }
 
-    std::string taken() { return texts ? take(texts, count) : untouched; }
+    std::string taken()
+    {
+        return texts ? tests::taken(texts, count) : untouched;
+    }
 };
 
 template <auto Get>
@@ -164,7 +155,7 @@ struct RowsOfCells
         std::string lines;
         for (int32_t index = 0; index < count; ++index)
         {
-            lines += take(rows[index], cellCount) + '\n';
+            lines += tests::taken(rows[index], cellCount) + '\n';
         }
         const bool isWritten = rows;
         std::free(rows);

@@ -16,6 +16,8 @@
 namespace morvath::tests::plain_service
 {
 
+constexpr auto introspectable = "org.freedesktop.DBus.Introspectable";
+
 constexpr auto machine = R"({"format": 1, "objects": [
 {"path": "/a/b", "services": [{"name": "x.S", "interfaces": {
   "x.First": {
@@ -28,7 +30,8 @@ constexpr auto machine = R"({"format": 1, "objects": [
     "Name": {"type": "s", "value": "two"},
     "Level": {"type": "d", "value": "nan"}}}}]},
 {"path": "/a/b/c", "services": [{"name": "x.S", "interfaces": {
-  "x.Last": {"Level": {"type": "d", "value": 2.5, "readOnly": true}}}}]}]})";
+  "x.Last": {"Level": {"type": "d", "value": 2.5, "readOnly": true}}}}]},
+{"path": "/bare", "services": [{"name": "x.Bare", "interfaces": {}}]}]})";
 
 struct Values
 {
@@ -143,7 +146,6 @@ Question set(const char* name, const char* type, const Json& value)
 
 std::vector<Question> questions()
 {
-    constexpr auto introspectable = "org.freedesktop.DBus.Introspectable";
     constexpr auto peer = "org.freedesktop.DBus.Peer";
     return {get("/a/b", "x.First", "Name"),
             get("/a/b", "x.Last", "Name"),
@@ -201,6 +203,19 @@ TEST(Service, AnswersAsOneWrittenForSdBus)
         EXPECT_EQ(ask("x.S"), real)
             << one.path << ' ' << one.member << ' ' << one.arguments;
     }
+    EXPECT_EQ(client.getAll("x.S", "/a/b", "").dump(),
+              R"([["Name",{"type":"s","value":"two"}],)"
+              R"(["Level",{"type":"d","value":"nan"}],)"
+              R"(["Name",{"type":"s","value":"new"}],)"
+              R"(["Fixed",{"type":"i","value":-5}],)"
+              R"(["Zero",{"type":"b","value":false}]])");
+    // What sd-bus itself does not know: an object without an interface.
+    EXPECT_EQ(client.getAll("x.Bare", "/bare", ""), Json::object());
+    const std::string xml =
+        client.call("x.Bare", "/bare", introspectable, "Introspect");
+    EXPECT_EQ(xml.rfind("<interface"),
+              xml.find("<interface name=\"org.freedesktop.DBus.Properties"));
+    EXPECT_TRUE(xml.ends_with(" </interface>\n</node>\n"));
 }
 
 } // namespace morvath::tests::plain_service

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "support/program.hpp"
 
-#include <sys/wait.h>
-#include <unistd.h>
+#include "sim/process.hpp"
 
-#include <cstdio>
+#include <sys/wait.h>
+
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
@@ -32,23 +32,13 @@ std::string withProgram(std::string command)
 
 Outcome run(const std::string& command, const std::string& arguments)
 {
-    char folder[] = "/tmp/morvath-test-XXXXXX";
-    if (!mkdtemp(folder))
-    {
-        std::perror("mkdtemp");
-        return {-1, {}, {}};
-    }
-    const auto output = std::string(folder) + "/output";
-    const auto errors = std::string(folder) + "/errors";
-    const auto line = '>' + output + " 2>" + errors + ' ' +
+    const sim::MemoryFile output("");
+    const sim::MemoryFile errors("");
+    const auto line = '>' + output.path() + " 2>" + errors.path() + ' ' +
                       withProgram(command) + ' ' + arguments;
     const int status = std::system(line.c_str());
-    Outcome outcome{WIFEXITED(status) ? WEXITSTATUS(status) : -1,
-                    contentOf(output), contentOf(errors)};
-    unlink(output.c_str());
-    unlink(errors.c_str());
-    rmdir(folder);
-    return outcome;
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1,
+            contentOf(output.path()), contentOf(errors.path())};
 }
 
 } // namespace morvath::tests

@@ -19,4 +19,9 @@ struct Outcome
  */
 Outcome run(const std::string& command, const std::string& arguments);
 
+inline Outcome morvath(const std::string& arguments)
+{
+    return run("MORVATH", arguments);
+}
+
 } // namespace morvath::tests

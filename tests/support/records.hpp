@@ -30,6 +30,19 @@ inline std::string textOf(const char* text) { return text ? text : "null"; }
 
 inline std::string textOf(int64_t number) { return std::to_string(number); }
 
+/** Releases texts and their array. */
+inline std::string taken(char** texts, std::size_t count)
+{
+    std::string line;
+    for (std::size_t index = 0; index < count; ++index)
+    {
+        line += textOf(texts[index]) + '|';
+        std::free(texts[index]);
+    }
+    std::free(texts);
+    return line;
+}
+
 #define FIELDS_OF(Record, ...)          \
     inline auto fieldsOf(Record& entry) \
     {                                   \

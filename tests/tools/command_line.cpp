@@ -125,7 +125,7 @@ TEST(Usage, MisuseIsToldWithWhatWasPerhapsMeant)
     sim::Platform platform(sim::Scenario::standard());
     for (const auto& [arguments, error] : cases)
     {
-        const auto misuse = run("MORVATH", arguments);
+        const auto misuse = morvath(arguments);
         EXPECT_EQ(misuse.status, 2) << arguments;
         EXPECT_EQ(misuse.output, "") << arguments;
         EXPECT_EQ(misuse.errors, "morvath: " + error + '\n');
@@ -164,7 +164,7 @@ TEST(Usage, StatusesTellWhatScriptsAskFor)
     for (const auto& [machine, arguments, status] : cases)
     {
         sim::Platform platform(machine.scenario());
-        EXPECT_EQ(run("MORVATH", arguments).status, status) << arguments;
+        EXPECT_EQ(morvath(arguments).status, status) << arguments;
     }
 }
 

@@ -18,11 +18,6 @@ constexpr auto policyPath =
     "/xyz/openbmc_project/control/host0/power_restore_policy";
 constexpr auto policy = "xyz.openbmc_project.Control.Power.RestorePolicy";
 
-Outcome morvath(const std::string& arguments)
-{
-    return run("MORVATH", arguments);
-}
-
 TEST(Get, PrintsValuesOfTheServer)
 {
     sim::Platform platform(sim::Scenario::standard());

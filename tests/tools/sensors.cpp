@@ -56,7 +56,7 @@ TEST(Sensors, AreOneTableWithAlarmsFirst)
 {
     auto machine = sensorsInAllStates();
     sim::Platform platform(machine.scenario());
-    const auto all = run("MORVATH", "sensors");
+    const auto all = morvath("sensors");
     EXPECT_EQ(all.status, 0);
     EXPECT_EQ(all.errors, "");
     EXPECT_EQ(
@@ -78,7 +78,7 @@ TEST(Sensors, AreOneTableWithAlarmsFirst)
         "utilization  f         7 RPM  no limits         -         -          -"
         "          -\n");
     EXPECT_EQ(
-        run("MORVATH", "sensors --csv 'a*' f --no-legend").output,
+        morvath("sensors --csv 'a*' f --no-legend").output,
         "fans,a10,800.0,RPMS,ok,500.0,,9000.0,,,,false,false,false,false\n"
         "fans,a2,800.0,RPMS,ok,500.0,,9000.0,,,,false,false,false,false\n"
         "utilization,f,7.0,RPMS,no limits,,,,,,,false,false,false,false\n");
@@ -113,7 +113,7 @@ TEST(Sensors, AreColouredWhereThatIsWanted)
             << terminal << arguments;
         EXPECT_NE(shown.find("9001"), shown.npos) << shown;
     }
-    EXPECT_EQ(run("MORVATH", "sensors").output.find('\x1b'), std::string::npos);
+    EXPECT_EQ(morvath("sensors").output.find('\x1b'), std::string::npos);
 }
 
 TEST(Sensors, StandInForNoneThatCouldNotBeRead)
@@ -123,7 +123,7 @@ TEST(Sensors, StandInForNoneThatCouldNotBeRead)
     addSensor(machine, "power/b", 2);
     machine.fault({{"path", root + "current/a"}}, {{"vanished", true}});
     sim::Platform platform(machine.scenario());
-    const auto shown = run("MORVATH", "sensors --no-legend");
+    const auto shown = morvath("sensors --no-legend");
     EXPECT_EQ(shown.status, 1);
     EXPECT_EQ(shown.output, "powers  b  2 RPM  no limits  -  -  -  -\n");
     EXPECT_TRUE(shown.errors.starts_with(
@@ -211,7 +211,7 @@ TEST(Sensors, CostNoMoreThanTheirTexts)
                             {"Unit", text("xyz.Unit.Amperes")}}}});
         }
         sim::Platform platform(machine.scenario());
-        EXPECT_LT(run("MORVATH", "sensors").output.size(), 160u * sensors);
+        EXPECT_LT(morvath("sensors").output.size(), 160u * sensors);
         const Background json("$MORVATH sensors --json --watch 80000");
         EXPECT_LT(json.line().size(),
                   600u * sensors + isLong * longName.size());

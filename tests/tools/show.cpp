@@ -9,11 +9,6 @@
 namespace morvath::tests::show
 {
 
-Outcome morvath(const std::string& arguments)
-{
-    return run("MORVATH", arguments);
-}
-
 /** What the command prints; its status has to be that one. */
 Json documentOf(const std::string& arguments, int status)
 {

@@ -112,7 +112,8 @@ int serve(const Options& options, int socket)
     const Owned<sd_event, sd_event_unref> event(made);
     sigset_t signals;
     sigemptyset(&signals);
-    for (const int signal : {SIGINT, SIGTERM})
+    // sd-event asks the kernel for all of them.
+    for (const int signal : {SIGINT, SIGTERM, SIGCHLD})
     {
         sigaddset(&signals, signal);
     }

@@ -3,9 +3,13 @@
 
 #include <fcntl.h>
 #include <spawn.h>
+#include <sys/mman.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
@@ -17,7 +21,7 @@ namespace
 {
 
 /** Much more than a large server has, and little enough to hold. */
-constexpr std::size_t longestText = 8 << 20;
+constexpr rlimit longestText{8 << 20, 8 << 20};
 
 /** The part of the time that a reader is told, so that it ends by itself. */
 constexpr double toldRatio = 0.9;
@@ -57,29 +61,27 @@ Reading::Reading(const char* program, Seconds limit)
                   limit.count() * toldRatio);
     const char* arguments[] = {program,      "metrics", "--by-table",
                                "--deadline", deadline,  nullptr};
-    int ends[2];
-    int error = pipe2(ends, O_CLOEXEC) == 0 ? 0 : errno;
+    output = memfd_create("metrics", MFD_CLOEXEC);
+    const int error = output < 0 ? errno
+                                 : spawn(reader, program,
+                                         const_cast<char**>(arguments), output);
     if (error == 0)
     {
-        output = ends[0];
-        fcntl(output, F_SETFL, O_NONBLOCK);
-        error = spawn(process, program, const_cast<char**>(arguments), ends[1]);
-        close(ends[1]);
+        // Who writes too much is killed.
+        prlimit(reader, RLIMIT_FSIZE, &longestText, nullptr);
+        return;
     }
-    if (error != 0)
-    {
-        process = -1;
-        std::fprintf(stderr, "morvath-exporter: cannot start %s: %s\n", program,
-                     std::strerror(error));
-    }
+    reader = -1;
+    std::fprintf(stderr, "morvath-exporter: cannot start %s: %s\n", program,
+                 std::strerror(error));
 }
 
 Reading::~Reading()
 {
-    if (process > 0)
+    if (reader > 0)
     {
-        kill(-process, SIGKILL);
-        while (waitpid(process, nullptr, 0) < 0 && errno == EINTR)
+        kill(-reader, SIGKILL);
+        while (waitpid(reader, nullptr, 0) < 0 && errno == EINTR)
         {}
     }
     if (output >= 0)
@@ -88,20 +90,13 @@ Reading::~Reading()
     }
 }
 
-bool Reading::receive()
+std::string Reading::text() const
 {
-    if (process < 0 || written.size() >= longestText)
-    {
-        return false;
-    }
-    char buffer[1 << 14];
-    const auto size = read(output, buffer, sizeof(buffer));
-    if (size <= 0)
-    {
-        return size < 0 && (errno == EAGAIN || errno == EINTR);
-    }
-    written.append(buffer, size);
-    return true;
+    struct stat file;
+    std::string written(fstat(output, &file) == 0 ? file.st_size : 0, '\0');
+    const auto size = pread(output, written.data(), written.size(), 0);
+    written.resize(std::max<ssize_t>(size, 0));
+    return written;
 }
 
 Seconds Reading::duration() const { return Clock::now() - start; }

@@ -18,14 +18,11 @@ class Reading
     Reading& operator=(const Reading&) = delete;
     ~Reading();
 
-    /** Where it writes to, for polling; negative without a reader. */
-    int pipe() const { return output; }
-
-    /** Takes what was written, without waiting; whether more can come. */
-    bool receive();
+    /** To learn when it ends; negative without a reader. */
+    pid_t process() const { return reader; }
 
     /** What was written so far. */
-    const std::string& text() const { return written; }
+    std::string text() const;
 
     Seconds duration() const;
 
@@ -33,9 +30,9 @@ class Reading
     using Clock = std::chrono::steady_clock;
 
     const Clock::time_point start = Clock::now();
+    /** In memory: unlike a pipe it does not wake us for every table. */
     int output = -1;
-    pid_t process = -1;
-    std::string written;
+    pid_t reader = -1;
 };
 
 } // namespace morvath::exporter

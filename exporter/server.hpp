@@ -69,7 +69,7 @@ class Server
 
     MHD_Result await(MHD_Connection* connection, Page page, void** request);
     void watchDeadline(Request& request, Seconds wait);
-    void readOn();
+    void answerAll();
     void answer(Request& request);
     Response responseTo(const Request& request) const;
     bool isFull() const;
@@ -82,9 +82,10 @@ class Server
     Source input;
     Source timer;
     std::optional<Reading> reading;
-    Source readingInput;
+    Source readingEnd;
     std::list<Request> requests;
     std::size_t waiting = 0;
+    unsigned readings = 0;
     /** Which libmicrohttpd does not tell as work to do. */
     bool hasMore = false;
 };

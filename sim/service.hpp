@@ -157,13 +157,6 @@ class Service
         uint64_t cookie = 0;
     };
 
-    static int onMessage(sd_bus_message* message, void* self,
-                         sd_bus_error* error) noexcept;
-    static int onTimer(sd_event_source* timer, uint64_t now,
-                       void* held) noexcept;
-    static int onReply(sd_bus_message* reply, void* held,
-                       sd_bus_error* error) noexcept;
-
     int receive(sd_bus_message* message);
     int decide(sd_bus_message* message);
     void meet(const Fault& fault, sd_bus_message* message, Call& call);

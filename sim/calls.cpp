@@ -4,7 +4,7 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <ctime>
+#include <chrono>
 #include <exception>
 #include <system_error>
 #include <utility>
@@ -132,27 +132,11 @@ int Service::decide(sd_bus_message* message)
         leaveOut(call.path, decision);
         return 0;
     }
-    auto& one =
-        held.emplace_back(Held{*this, Message(sd_bus_message_ref(message)),
-                               std::move(call), std::move(decision)});
-    if (!fault)
-    {
-        sendAgain(one);
-        return 1;
-    }
-    sd_event_source* timer = nullptr;
-    check(sd_event_add_time_relative(
-        services.event, &timer, CLOCK_MONOTONIC,
-        uint64_t{1000} * fault->milliseconds, 1000,
-        [](sd_event_source*, uint64_t, void* data) {
-            return answering(nullptr, [&] {
-                auto& call = *static_cast<Held*>(data);
-                call.service.sendAgain(call);
-                return 0;
-            });
-        },
-        &one));
-    one.timer.reset(timer);
+    const std::chrono::milliseconds delay(fault ? fault->milliseconds : 0);
+    held.push_back({.message = Message(sd_bus_message_ref(message)),
+                    .call = std::move(call),
+                    .decision = std::move(decision),
+                    .due = Clock::now() + delay});
     return 1;
 }
 
@@ -197,6 +181,19 @@ void Service::meet(const Fault& fault, sd_bus_message* message, Call& call)
     }
 }
 
+void Service::sendDue()
+{
+    const auto now = Clock::now();
+    for (auto& call : held)
+    {
+        if (call.due <= now)
+        {
+            call.due = Clock::time_point::max();
+            sendAgain(call);
+        }
+    }
+}
+
 /** sd-bus answers only what it receives, so the service calls itself. */
 void Service::sendAgain(Held& call)
 {
@@ -209,34 +206,35 @@ void Service::sendAgain(Held& call)
     const Message again(raw);
     check(sd_bus_message_rewind(original, true));
     check(sd_bus_message_copy(raw, original, true));
+    const auto receive = [](sd_bus_message* reply, void* self,
+                            sd_bus_error* error) {
+        return answering(error, [&] {
+            static_cast<Service*>(self)->answer(reply);
+            return 1;
+        });
+    };
     sd_bus_slot* slot = nullptr;
-    check(sd_bus_call_async(
-        bus.get(), &slot, raw,
-        [](sd_bus_message* reply, void* data, sd_bus_error* error) {
-            return answering(error, [&] {
-                auto& call = *static_cast<Held*>(data);
-                call.service.answer(call, reply);
-                return 1;
-            });
-        },
-        &call, UINT64_MAX));
+    check(sd_bus_call_async(bus.get(), &slot, raw, receive, this, UINT64_MAX));
     call.reply.reset(slot);
     check(sd_bus_message_get_cookie(raw, &call.cookie));
 }
 
-void Service::answer(Held& call, sd_bus_message* reply)
+void Service::answer(sd_bus_message* reply)
 {
+    uint64_t cookie = 0;
+    check(sd_bus_message_get_reply_cookie(reply, &cookie));
     // Gone after this, whatever becomes of the answer.
-    std::list<Held> done;
-    done.splice(done.end(), held,
-                std::ranges::find(held, &call, [](Held& one) { return &one; }));
+    std::list<Held> answered;
+    answered.splice(answered.end(), held,
+                    std::ranges::find(held, cookie, &Held::cookie));
+    auto& [message, call, decision, due, slot, sent] = answered.front();
     if (const auto* error = sd_bus_message_get_error(reply))
     {
-        return refuse(call.message.get(), call.call, error->name,
+        return refuse(message.get(), call, error->name,
                       std::string(viewOf(error->message)));
     }
-    logOutcome(call.call, replied);
-    const auto answer = newReply(call.message.get());
+    logOutcome(call, replied);
+    const auto answer = newReply(message.get());
     check(sd_bus_message_copy(answer.get(), reply, true));
     send(answer);
 }

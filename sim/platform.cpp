@@ -4,10 +4,10 @@
 #include "sim/mapper.hpp"
 
 #include <nlohmann/json.hpp>
-#include <sys/epoll.h>
 #include <sys/eventfd.h>
 
 #include <algorithm>
+#include <chrono>
 #include <exception>
 #include <stdexcept>
 
@@ -16,11 +16,14 @@ namespace morvath::sim
 namespace
 {
 
-Event newEvent()
+void waitFor(std::vector<pollfd>& files, Clock::time_point until)
 {
-    sd_event* event = nullptr;
-    check(sd_event_new(&event), "sd_event_new");
-    return Event(event);
+    using namespace std::chrono;
+    const auto rest = std::max(until - Clock::now(), Clock::duration());
+    const timespec time{duration_cast<seconds>(rest).count(),
+                        (rest % seconds(1)).count()};
+    ppoll(files.data(), files.size(),
+          until == Clock::time_point::max() ? nullptr : &time, nullptr);
 }
 
 } // namespace
@@ -35,10 +38,8 @@ Platform::Platform(const Scenario& scenario, const Live& options) :
 
 Platform::Platform(const Scenario& scenario, const Live& options,
                    bool keepsCalls) :
-    event(newEvent()),
     wake(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK), "eventfd"),
-    services{.event = event.get(),
-             .busAddress = options.busAddress,
+    services{.busAddress = options.busAddress,
              .faults = Faults(scenario.faults),
              .behaviours = scenario.behaviours,
              .log = options.log,
@@ -80,13 +81,7 @@ Platform::Platform(const Scenario& scenario, const Live& options,
         mapper->update();
         mapper->start();
     }
-    const auto read = [](sd_event_source*, int number, uint32_t, void*) {
-        eventfd_t count = 0;
-        return eventfd_read(number, &count);
-    };
-    check(sd_event_add_io(event.get(), nullptr, wake.get(), EPOLLIN, read,
-                          nullptr));
-    start = std::chrono::steady_clock::now();
+    start = Clock::now();
     thread = std::thread([this] { serve(); });
 }
 
@@ -102,41 +97,61 @@ Platform::~Platform()
 
 void Platform::serve()
 {
+    std::vector<Service*> served;
+    std::vector<pollfd> files;
+    const auto add = [&](Service& service) {
+        served.push_back(&service);
+        files.push_back(service.interest());
+    };
     std::unique_lock lock(mutex);
     while (!ended)
     {
-        auto result = sd_event_prepare(event.get());
-        if (result == 0)
+        served.clear();
+        files.clear();
+        for (const auto& service : services.all)
         {
-            const auto timeout = microsecondsToChange();
-            lock.unlock();
-            result = sd_event_wait(event.get(), timeout);
-            lock.lock();
+            add(*service);
         }
-        if (result > 0)
+        if (mapper)
         {
-            sd_event_dispatch(event.get());
+            add(*mapper);
         }
-        moveTo(isLive ? elapsed() : wanted);
+        files.push_back({wake.get(), POLLIN, 0});
+        auto until = nextChange();
+        for (const auto* service : served)
+        {
+            until = std::min(until, service->due());
+        }
+        lock.unlock();
+        waitFor(files, until);
+        lock.lock();
+        const auto now = Clock::now();
+        for (std::size_t index = 0; index < served.size(); ++index)
+        {
+            if (files[index].revents || served[index]->due() <= now)
+            {
+                served[index]->work();
+            }
+        }
+        if (files.back().revents)
+        {
+            eventfd_t count = 0;
+            eventfd_read(wake.get(), &count);
+        }
+        moveTo(isLive ? now - start : wanted);
         reached.notify_all();
     }
 }
 
-Seconds Platform::elapsed() const
-{
-    return std::chrono::steady_clock::now() - start;
-}
-
-uint64_t Platform::microsecondsToChange() const
+Clock::time_point Platform::nextChange() const
 {
     if (!isLive || schedule.empty())
     {
-        return UINT64_MAX;
+        return Clock::time_point::max();
     }
-    constexpr double longest = 1e15;
-    const std::chrono::duration<double, std::micro> rest =
-        schedule.next() - elapsed();
-    return static_cast<uint64_t>(std::clamp(rest.count(), 0.0, longest)) + 1;
+    constexpr Seconds longest(1e9);
+    return start + std::chrono::ceil<Clock::duration>(
+                       std::min(schedule.next(), longest));
 }
 
 void Platform::moveTo(Seconds moment)

@@ -80,14 +80,12 @@ class Platform
 
     void serve();
     void moveTo(Seconds moment);
-    Seconds elapsed() const;
-    uint64_t microsecondsToChange() const;
+    Clock::time_point nextChange() const;
 
     // The order matters: what is used stands before its users.
     /** Held while calls are answered. */
     mutable std::mutex mutex;
     std::vector<Call> kept;
-    const Event event;
     /** Ends the thread's waiting. */
     const Descriptor wake;
     Services services;
@@ -95,7 +93,7 @@ class Platform
     std::unique_ptr<Mapper> mapper;
     const bool isLive;
     bool ended = false;
-    std::chrono::steady_clock::time_point start;
+    Clock::time_point start;
     Seconds wanted{};
     Seconds time{};
     std::condition_variable reached;

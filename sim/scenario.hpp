@@ -33,12 +33,8 @@ constexpr bool isStandard(std::string_view interface)
            standardInterfaces.end();
 }
 
-class Service;
-
 struct Property
 {
-    /** A published value of a basic type as sd-bus itself reads it. */
-    uint64_t raw = 0;
     std::string name{};
     std::string type{};
     SharedJson value{};
@@ -47,8 +43,8 @@ struct Property
     bool hidden = false;
     /** The only texts that may be set; empty when any value may be. */
     std::vector<std::string> enumeration{};
-    /** Once it is published. */
-    Service* publisher = nullptr;
+    /** Once it is published: where sd-bus reads a value of a basic type. */
+    void* raw = nullptr;
 };
 
 struct Interface

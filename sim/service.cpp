@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <chrono>
 #include <utility>
 
 namespace morvath::sim
@@ -14,24 +15,32 @@ namespace
 // Its table is hidden: sd-bus knows no object without an interface.
 constexpr auto presenceInterface = "morvath.Presence";
 
-int getProperty(sd_bus*, const char*, const char*, const char*,
-                sd_bus_message* reply, void* property,
+/** Whose table sd-bus is reading. */
+Service& serviceOf(sd_bus* bus)
+{
+    const auto* raw = sd_bus_slot_get_userdata(sd_bus_get_current_slot(bus));
+    return *static_cast<const Service::Raw*>(raw)->service;
+}
+
+int getProperty(sd_bus* bus, const char* path, const char* interface,
+                const char* property, sd_bus_message* reply, void*,
                 sd_bus_error* error) noexcept
 {
     return answering(error, [&] {
-        const auto& own = *static_cast<const Property*>(property);
+        const auto& own = *serviceOf(bus).find({path, interface, property});
         append(reply, own.type, *own.value);
         return 0;
     });
 }
 
-int setProperty(sd_bus*, const char* path, const char* interface, const char*,
-                sd_bus_message* value, void* property,
+int setProperty(sd_bus* bus, const char* path, const char* interface,
+                const char* property, sd_bus_message* value, void*,
                 sd_bus_error* error) noexcept
 {
     return answering(error, [&] {
-        auto& own = *static_cast<Property*>(property);
-        own.publisher->set(path, interface, own, readJson(value));
+        auto& service = serviceOf(bus);
+        service.set(path, interface, *service.find({path, interface, property}),
+                    readJson(value));
         return 0;
     });
 }
@@ -42,7 +51,7 @@ sd_bus_vtable entryOf(const Property& property, const char* name,
     const uint64_t flags = property.hidden
                                ? SD_BUS_VTABLE_HIDDEN
                                : SD_BUS_VTABLE_PROPERTY_EMITS_CHANGE;
-    // What it can, sd-bus reads by itself at the beginning of the property.
+    // What it can, sd-bus reads by itself.
     uint64_t unused = 0;
     const auto get = storeBasic(property.type, *property.value, &unused)
                          ? nullptr
@@ -167,8 +176,38 @@ void Service::start()
     prepare();
     const auto operation = "taking the bus name " + name;
     check(sd_bus_request_name(bus.get(), name.c_str(), 0), operation.c_str());
-    check(sd_bus_attach_event(bus.get(), services.event,
-                              SD_EVENT_PRIORITY_NORMAL));
+}
+
+pollfd Service::interest() const
+{
+    const auto events = bus ? sd_bus_get_events(bus.get()) : -1;
+    return {events < 0 ? -1 : sd_bus_get_fd(bus.get()),
+            static_cast<short>(events), 0};
+}
+
+Clock::time_point Service::due() const
+{
+    auto first = Clock::time_point::max();
+    uint64_t microseconds = 0;
+    if (bus && sd_bus_get_timeout(bus.get(), &microseconds) > 0)
+    {
+        first = Clock::time_point(std::chrono::microseconds(microseconds));
+    }
+    for (const auto& call : held)
+    {
+        first = std::min(first, call.due);
+    }
+    return first;
+}
+
+void Service::work()
+{
+    sendDue();
+    if (bus)
+    {
+        // Fails when the bus is gone, which a message has told.
+        sd_bus_process(bus.get(), nullptr);
+    }
 }
 
 void Service::die()
@@ -189,13 +228,20 @@ void Service::add(const std::string& path, std::vector<Interface> interfaces)
     remove(path);
     auto& object = published[path];
     object.interfaces = std::move(interfaces);
+    for (const auto& interface : object.interfaces)
+    {
+        object.raw.push_back({.service = this});
+        object.raw.resize(object.raw.size() + interface.properties.size());
+    }
+    auto* raw = object.raw.data();
     for (auto& interface : object.interfaces)
     {
         for (auto& property : interface.properties)
         {
-            property.publisher = this;
-            storeBasic(property.type, *property.value, &property.raw);
+            property.raw = ++raw;
+            storeBasic(property.type, *property.value, raw);
         }
+        ++raw;
     }
     if (bus)
     {
@@ -231,7 +277,7 @@ void Service::change(std::string_view path, std::string_view interface,
         return;
     }
     property.value = std::make_shared<const Json>(value);
-    storeBasic(property.type, *property.value, &property.raw);
+    storeBasic(property.type, *property.value, property.raw);
     if (interface == associationDefinitions)
     {
         services.objectsChanged();
@@ -265,11 +311,12 @@ void Service::registerAll(const std::string& path, Published& object)
     // are exchanged; sd-bus knows no object without one.
     auto presence = addTable(path, presenceInterface, hidden, nullptr);
     object.slots.clear();
-    for (auto& interface : object.interfaces)
+    auto* raw = object.raw.data();
+    for (const auto& interface : object.interfaces)
     {
-        object.slots.push_back(addTable(path, interface.name,
-                                        tableOf(interface, object.without),
-                                        interface.properties.data()));
+        object.slots.push_back(addTable(
+            path, interface.name, tableOf(interface, object.without), raw));
+        raw += 1 + interface.properties.size();
     }
     if (object.interfaces.empty())
     {
@@ -299,13 +346,13 @@ const sd_bus_vtable* Service::tableOf(const Interface& interface,
         std::size_t offset = 0;
         for (const auto& property : interface.properties)
         {
+            offset += sizeof(Raw);
             const auto* type = name + property.name.size() + 1;
             if (!without.isMissing(interface.name, property.name))
             {
                 table.push_back(entryOf(property, name, type, offset));
             }
             name = type + property.type.size() + 2;
-            offset += sizeof(Property);
         }
         table.push_back(SD_BUS_VTABLE_END);
     }

@@ -4,6 +4,8 @@
 #include "sim/scenario.hpp"
 #include "sim/sd_bus.hpp"
 
+#include <poll.h>
+
 #include <chrono>
 #include <functional>
 #include <list>
@@ -52,7 +54,6 @@ using CallSink = std::function<void(const Call&)>;
 /** All services of a platform, and what they share. */
 struct Services
 {
-    sd_event* event;
     std::string busAddress;
     Faults faults;
     std::set<std::string> behaviours;
@@ -90,9 +91,20 @@ struct Services
 class Service
 {
   public:
+    union Raw
+    {
+        Service* service;
+        uint64_t value;
+    };
+
     struct Published
     {
         std::vector<Interface> interfaces;
+        /**
+         * What sd-bus reads by itself, side by side: of each interface its
+         * service, and then the values of its properties.
+         */
+        std::vector<Raw> raw{};
         /** Without these properties at the moment. */
         Decision without{};
         std::vector<Slot> slots{};
@@ -104,13 +116,22 @@ class Service
     Service(const Service&) = delete;
     Service& operator=(const Service&) = delete;
 
-    /** Connects and takes the name; calls are answered by the event loop. */
+    /** Connects and takes the name; calls are answered by work(). */
     void start();
 
     /** Leaves the bus without another answer. */
     void die();
 
     bool isAlive() const noexcept { return bus != nullptr; }
+
+    /** What to wait for on the bus. */
+    pollfd interest() const;
+
+    /** When there is work, whatever comes. */
+    Clock::time_point due() const;
+
+    /** Does some of the work that there is. */
+    void work();
 
     /** By their paths. */
     const auto& objects() const noexcept { return published; }
@@ -148,11 +169,11 @@ class Service
     /** A call that is answered later. */
     struct Held
     {
-        Service& service;
         Message message;
         Call call;
         Decision decision;
-        EventSource timer{};
+        /** When it is sent again; never a second time. */
+        Clock::time_point due;
         Slot reply{};
         uint64_t cookie = 0;
     };
@@ -163,8 +184,9 @@ class Service
     void refuse(sd_bus_message* message, Call& call, const std::string& error,
                 const std::string& text);
     void logOutcome(Call& call, const std::string& outcome);
+    void sendDue();
     void sendAgain(Held& held);
-    void answer(Held& held, sd_bus_message* reply);
+    void answer(sd_bus_message* reply);
     void leaveOut(std::string_view path, const Decision& decision);
     void registerAll(const std::string& path, Published& object);
     const sd_bus_vtable* tableOf(const Interface& interface,

@@ -97,50 +97,55 @@ Platform::~Platform()
 
 void Platform::serve()
 {
-    std::vector<Service*> served;
-    std::vector<pollfd> files;
-    const auto add = [&](Service& service) {
-        served.push_back(&service);
-        files.push_back(service.interest());
-    };
     std::unique_lock lock(mutex);
     while (!ended)
     {
-        served.clear();
-        files.clear();
-        for (const auto& service : services.all)
+        for (auto* service : ready(lock))
         {
-            add(*service);
+            service->work();
         }
-        if (mapper)
-        {
-            add(*mapper);
-        }
-        files.push_back({wake.get(), POLLIN, 0});
-        auto until = nextChange();
-        for (const auto* service : served)
-        {
-            until = std::min(until, service->due());
-        }
-        lock.unlock();
-        waitFor(files, until);
-        lock.lock();
-        const auto now = Clock::now();
-        for (std::size_t index = 0; index < served.size(); ++index)
-        {
-            if (files[index].revents || served[index]->due() <= now)
-            {
-                served[index]->work();
-            }
-        }
-        if (files.back().revents)
-        {
-            eventfd_t count = 0;
-            eventfd_read(wake.get(), &count);
-        }
-        moveTo(isLive ? now - start : wanted);
+        moveTo(isLive ? Clock::now() - start : wanted);
         reached.notify_all();
     }
+}
+
+/** Waits, unlocked, for those who have work. */
+std::vector<Service*> Platform::ready(std::unique_lock<std::mutex>& lock)
+{
+    std::vector<Service*> all;
+    std::vector<pollfd> files{{wake.get(), POLLIN, 0}};
+    auto until = nextChange();
+    const auto add = [&](Service& service) {
+        all.push_back(&service);
+        files.push_back(service.interest());
+        until = std::min(until, service.due());
+    };
+    for (const auto& service : services.all)
+    {
+        add(*service);
+    }
+    if (mapper)
+    {
+        add(*mapper);
+    }
+    lock.unlock();
+    waitFor(files, until);
+    lock.lock();
+    if (files.front().revents)
+    {
+        eventfd_t count = 0;
+        eventfd_read(wake.get(), &count);
+    }
+    const auto now = Clock::now();
+    std::vector<Service*> ready;
+    for (std::size_t index = 0; index < all.size(); ++index)
+    {
+        if (files[index + 1].revents || all[index]->due() <= now)
+        {
+            ready.push_back(all[index]);
+        }
+    }
+    return ready;
 }
 
 Clock::time_point Platform::nextChange() const

@@ -79,6 +79,7 @@ class Platform
     Platform(const Scenario& scenario, const Live& options, bool keepsCalls);
 
     void serve();
+    std::vector<Service*> ready(std::unique_lock<std::mutex>& lock);
     void moveTo(Seconds moment);
     Clock::time_point nextChange() const;
 

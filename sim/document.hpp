@@ -1,21 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <nlohmann/json_fwd.hpp>
+#include "simulation/document.hpp"
 
-#include <cstdint>
-#include <initializer_list>
 #include <memory>
 #include <stdexcept>
-#include <string>
-#include <string_view>
-#include <utility>
 
 namespace morvath::sim
 {
 
-/** Keeps the order of keys: interfaces and properties are published in it. */
-using Json = nlohmann::ordered_json;
+// A scenario is read like the RAID section that it contains.
+using namespace vontel::document;
 
 /** A part of a document that lives as long as one of them is needed. */
 using SharedJson = std::shared_ptr<const Json>;
@@ -25,62 +20,5 @@ class ScenarioError : public std::runtime_error
 {
     using std::runtime_error::runtime_error;
 };
-
-/**
- * A value of a document that is wrong. Whoever has the document looks for it
- * there, so that nobody else needs to know where he is reading.
- */
-struct Mistake : std::runtime_error
-{
-    Mistake(const Json& value, std::string_view message,
-            std::string below = {}) :
-        std::runtime_error(std::string(message)),
-        value(&value),
-        below(std::move(below))
-    {}
-
-    const Json* value;
-    /** A JSON pointer further on, into what the value has become a part of. */
-    std::string below;
-};
-
-/** The same with the place of the mistake in its document. */
-ScenarioError located(const Mistake& mistake, const Json& document,
-                      std::string_view source);
-
-/**
- * Parses a document. A key may stand only once in an object.
- * @throws Mistake  in what there is of the document by then
- */
-void parse(std::string_view text, Json& document);
-
-/** @throws Mistake  unless it is right */
-void demand(bool isRight, const Json& value, std::string_view message);
-
-// What follows throws Mistake when the value is something else.
-
-const Json& asObject(const Json& json);
-const Json& asList(const Json& json);
-const std::string& asText(const Json& json);
-bool asFlag(const Json& json);
-
-/**
- * A whole number within limits; negative ones in two's complement.
- * @param[in] type  the D-Bus type that it is for, if any
- */
-uint64_t asWhole(const Json& json, int64_t least, uint64_t most, char type = 0);
-
-/** A flag that may only be left out or true. */
-void checkTrue(const Json& json);
-
-/** The member of an object; null without it. */
-const Json* findMember(const Json& object, std::string_view key);
-
-/** The same; without it a mistake. */
-const Json& member(const Json& object, std::string_view key);
-
-/** Every other key is a mistake. */
-void allowOnly(const Json& object,
-               std::initializer_list<std::string_view> keys);
 
 } // namespace morvath::sim

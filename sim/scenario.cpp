@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "sim/scenario.hpp"
 
+#include "cli/words.hpp"
 #include "simulation/section.hpp"
 
 #include <nlohmann/json.hpp>
@@ -18,12 +19,6 @@ namespace
 {
 
 using std::filesystem::path;
-
-bool flagAt(const Json& object, std::string_view key, bool otherwise)
-{
-    const auto* flag = findMember(object, key);
-    return flag ? asFlag(*flag) : otherwise;
-}
 
 std::vector<std::string> readEnumeration(const Json& list,
                                          const std::string& type)
@@ -50,10 +45,9 @@ Property readProperty(const std::string& name, const Json& json,
                       .value = {document, &member(json, "value")},
                       .readOnly = flagAt(json, "readOnly", false),
                       .hidden = flagAt(json, "hidden", false)};
-    if (const auto* texts = findMember(json, "enum"))
-    {
-        property.enumeration = readEnumeration(*texts, property.type);
-    }
+    withMember(json, "enum", [&](const Json& texts) {
+        property.enumeration = readEnumeration(texts, property.type);
+    });
     return property;
 }
 
@@ -102,19 +96,17 @@ void readObjects(const Json& list, const SharedJson& document,
                "the object \"" + path + "\" stands here twice");
         const auto known = inherited.find(path);
         const auto isKnown = known != inherited.end();
-        Object object;
+        auto& object =
+            isKnown ? objects[known->second] : objects.emplace_back();
         if (const auto* removal = findMember(entry, "remove"))
         {
             allowOnly(entry, {"path", "remove"});
             checkTrue(*removal);
             demand(isKnown, entry, "there is no such object to remove");
+            object.owners.clear();
+            continue;
         }
-        else
-        {
-            object = readObject(entry, document);
-        }
-        (isKnown ? objects[known->second] : objects.emplace_back()) =
-            std::move(object);
+        object = readObject(entry, document);
     }
     // Last, because removing shifts the others.
     std::erase_if(objects, [](const auto& one) { return one.owners.empty(); });
@@ -138,7 +130,7 @@ SharedJson readRaid(const SharedJson& document, const SharedJson& inherited)
     if (const auto* own = findMember(*document, "raid"))
     {
         // Only checked here; the library reads it in the other process.
-        checkRaid(*own, *own);
+        vontel::simulation::read(*own);
         return {document, own};
     }
     auto section = inherited ? *inherited : Json{{"manager_present", false}};
@@ -151,29 +143,27 @@ SharedJson readRaid(const SharedJson& document, const SharedJson& inherited)
 void readOwn(const SharedJson& document, Scenario& scenario)
 {
     const auto& root = *document;
-    const auto* description = findMember(root, "description");
-    scenario.description = description ? asText(*description) : "";
+    scenario.description.clear();
+    withMember(root, "description", [&](const Json& description) {
+        scenario.description = asText(description);
+    });
     scenario.hasMapper = flagAt(root, "mapper", true);
-    if (const auto* behaviours = findMember(root, "behaviours"))
-    {
-        scenario.behaviours = readBehaviours(*behaviours);
-    }
-    if (const auto* objects = findMember(root, "objects"))
-    {
-        readObjects(*objects, document, scenario.objects);
-    }
+    withMember(root, "behaviours", [&](const Json& list) {
+        scenario.behaviours = readBehaviours(list);
+    });
+    withMember(root, "objects", [&](const Json& list) {
+        readObjects(list, document, scenario.objects);
+    });
     scenario.raid = readRaid(document, scenario.raid);
     demand(!scenario.hasMapper || !scenario.services().contains(mapperService),
            root, "the object mapper's name is taken by a service");
-    if (const auto* changes = findMember(root, "changes"))
-    {
-        scenario.changes = readChanges(*changes, document, scenario);
-    }
+    withMember(root, "changes", [&](const Json& list) {
+        scenario.changes = readChanges(list, document, scenario);
+    });
     scenario.faults.clear();
-    if (const auto* faults = findMember(root, "faults"))
-    {
-        scenario.faults = readFaults(*faults, document, scenario);
-    }
+    withMember(root, "faults", [&](const Json& list) {
+        scenario.faults = readFaults(list, document, scenario);
+    });
 }
 
 std::string readFile(const path& file)
@@ -191,15 +181,34 @@ std::string readFile(const path& file)
     return {std::istreambuf_iterator<char>(stream), {}};
 }
 
-Scenario readScenario(std::string_view text, const path& source,
-                      int extensions);
-
-Scenario loadScenario(const path& file, int extensions)
+/** The text of a file or of a scenario that is built in. */
+std::string textOf(const path& file)
 {
     const auto known = builtInScenario(file.string());
-    return known.empty() ? readScenario(readFile(file), file, extensions)
-                         : readScenario(known, file, extensions);
+    return known.empty() ? readFile(file) : std::string(known);
 }
+
+/** The same with the place of the mistake in its document. */
+ScenarioError located(const Mistake& mistake, const Json& document,
+                      const path& source)
+{
+    const auto place = placeOf(mistake, document);
+    std::string message = mistake.what();
+    if (!mistake.knownKeys.empty())
+    {
+        cli::Terms known;
+        for (const auto& key : mistake.knownKeys)
+        {
+            known.push_back({key, {}});
+        }
+        message = cli::unknown("key", Json::json_pointer(place).back(), known);
+    }
+    return ScenarioError(source.string() + ": " +
+                         (place.empty() ? "/" : place) + ": " + message);
+}
+
+Scenario readScenario(std::string_view text, const path& source,
+                      int extensions);
 
 Scenario readBase(const Json& name, const path& folder, int extensions)
 {
@@ -211,7 +220,7 @@ Scenario readBase(const Json& name, const path& folder, int extensions)
     const auto file = isBuiltIn ? path(asText(name)) : folder / asText(name);
     demand(isBuiltIn || std::filesystem::is_regular_file(file), name,
            "there is no file " + file.string());
-    return loadScenario(file, extensions + 1);
+    return readScenario(textOf(file), file, extensions + 1);
 }
 
 Scenario readScenario(std::string_view text, const path& source, int extensions)
@@ -233,7 +242,7 @@ Scenario readScenario(std::string_view text, const path& source, int extensions)
     }
     catch (const Mistake& mistake)
     {
-        throw located(mistake, *document, source.string());
+        throw located(mistake, *document, source);
     }
 }
 
@@ -244,7 +253,10 @@ Scenario Scenario::parse(std::string_view json, std::string_view sourceName)
     return readScenario(json, sourceName, 0);
 }
 
-Scenario Scenario::load(const path& file) { return loadScenario(file, 0); }
+Scenario Scenario::load(const path& file)
+{
+    return readScenario(textOf(file), file, 0);
+}
 
 std::set<std::string> Scenario::services() const
 {
@@ -281,9 +293,11 @@ void checkRaid(const Json& section, const Json& place)
     {
         vontel::simulation::read(section);
     }
-    catch (const vontel::simulation::Mistake& mistake)
+    catch (Mistake& mistake)
     {
-        throw Mistake(place, mistake.what(), mistake.place);
+        mistake.below = placeOf(mistake, section);
+        mistake.value = &place;
+        throw;
     }
 }
 

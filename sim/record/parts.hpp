@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "simulation/section.hpp"
-
 #include <nlohmann/json_fwd.hpp>
 
 #include <functional>
@@ -23,10 +21,9 @@ constexpr auto raidModule = "morvath-sim-raid.so";
 
 /**
  * Reads what the RAID management library knows; without a RAID manager the
- * section has none. A module of its own has this, so that the program itself
- * runs on a platform without the library.
+ * section stays as it is. A module of its own has this, so that the program
+ * itself runs on a platform without the library.
  */
-extern "C" void recordRaid(vontel::simulation::Section& section,
-                           const Omit& omit);
+extern "C" void recordRaid(nlohmann::ordered_json& section, const Omit& omit);
 
 } // namespace morvath::sim

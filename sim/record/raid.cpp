@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "sim/record/parts.hpp"
+#include "simulation/section.hpp"
+#include "vontel.hpp"
+
+#include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <array>
-#include <cstdint>
 #include <cstdio>
 #include <set>
 #include <stdexcept>
-#include <tuple>
-#include <utility>
 
 namespace morvath::sim
 {
@@ -16,19 +16,16 @@ namespace
 {
 
 using namespace vontel::simulation;
-namespace raid_info = vontel::raid_info;
 
 constexpr uint8_t selector = 0;
 
-/** In the order of CodeKind. */
-constexpr std::array codeTexts{
-    vontel::getRaidLevelStr, vontel::getPhyDevStateStr,
-    vontel::getDriveMediaType, vontel::getDriveInterfaceType,
-    vontel::getDriveSpeed};
-
-constexpr std::array identifierOffsets{raid_info::vendorId, raid_info::deviceId,
-                                       raid_info::subVendorId,
-                                       raid_info::subDeviceId};
+/** What has texts for its codes, as a section calls it. */
+constexpr std::pair<const char*, std::string (*)(uint8_t)> codeTexts[]{
+    {"raid_level", vontel::getRaidLevelStr},
+    {"drive_state", vontel::getPhyDevStateStr},
+    {"media_type", vontel::getDriveMediaType},
+    {"interface_type", vontel::getDriveInterfaceType},
+    {"speed", vontel::getDriveSpeed}};
 
 const std::string& checked(const std::string& text)
 {
@@ -52,18 +49,21 @@ void succeed(int result)
 class RaidRecorder
 {
   public:
-    RaidRecorder(Section& section, const Omit& omit) :
-        section(section),
-        omit(omit)
-    {}
+    explicit RaidRecorder(const Omit& omit) : omit(omit) {}
 
-    void record()
+    Json section()
     {
-        readEach<uint32_t>(
-            "controllers",
-            [](auto& ids) { return vontel::getRaidIdList(selector, ids); },
-            [this](uint32_t id) { addController(id); });
-        attempt("texts", [this] { readTexts(); });
+        Json section{{"controllers", Json::array()}};
+        readList<uint32_t, vontel::RAIDInfo_T>(
+            section, "controllers", "controllers", vontel::getRaidIdList,
+            vontel::getRaidInfoById);
+        if (!configuration.empty())
+        {
+            section["configuration"] = configuration;
+        }
+        section["texts"] = {{"unknown", "Unknown"}};
+        attempt("texts", [&] { section["texts"] = texts(); });
+        return section;
     }
 
   private:
@@ -79,11 +79,14 @@ class RaidRecorder
         }
     }
 
-    template <typename Id>
-    void readEach(const std::string& what, const auto& list, const auto& read)
+    /** Describes all records of a list, and what belongs to a controller. */
+    template <typename Id, typename Record>
+    void readList(Json& parent, const std::string& list,
+                  const std::string& what, const auto& idsOf,
+                  const auto& recordOf, auto... raidId)
     {
         std::vector<Id> ids;
-        attempt(what, [&] { succeed(list(ids)); });
+        attempt(what, [&] { succeed(idsOf(selector, raidId..., ids)); });
         std::set<Id> seen;
         for (const auto id : ids)
         {
@@ -92,104 +95,109 @@ class RaidRecorder
                 {
                     throw std::runtime_error("is listed twice");
                 }
-                read(id);
+                Record record{};
+                succeed(recordOf(selector, raidId..., id, &record));
+                auto item =
+                    describe(list, (raidId + ... + 0), id, record.bytes);
+                if constexpr (sizeof...(raidId) == 0)
+                {
+                    addParts(item, id);
+                }
+                parent[list].push_back(std::move(item));
             });
         }
     }
 
-    void addController(uint32_t id)
+    void addParts(Json& controller, uint32_t id)
     {
-        Controller controller{.id = id};
-        succeed(vontel::getRaidInfoById(selector, id, &controller.record));
         const auto place = "controller " + std::to_string(id) + ": ";
         attempt(place + "levels", [&] {
-            controller.levels =
-                checked(vontel::getSupportRaidLevels(selector, id));
+            const auto levels = vontel::getSupportRaidLevels(selector, id);
+            if (!checked(levels).empty())
+            {
+                controller["supported_raid_levels"] = levels;
+            }
         });
-        attempt(place + "configuration",
-                [&] { addConfiguration(controller.record); });
-        readDrives(place + "physical drives", id, vontel::getPhyDevIdList,
-                   vontel::getPhyDevInfoById, controller.physical);
-        readDrives(place + "logical drives", id, vontel::getLogDevIdList,
-                   vontel::getLogDevInfoById, controller.logical);
-        section.controllers.push_back(std::move(controller));
-    }
-
-    template <typename Record>
-    void readDrives(const std::string& what, uint32_t raidId, const auto& list,
-                    const auto& read, std::vector<Drive<Record>>& drives)
-    {
-        readEach<uint16_t>(
-            what, [&](auto& ids) { return list(selector, raidId, ids); },
-            [&](uint16_t id) {
-                Drive<Record> drive{.id = id};
-                succeed(read(selector, raidId, id, &drive.record));
-                drives.push_back(drive);
-            });
+        attempt(place + "configuration", [&] { addConfiguration(controller); });
+        readList<uint16_t, vontel::PhyDevInfo_T>(
+            controller, "physical", place + "physical drives",
+            vontel::getPhyDevIdList, vontel::getPhyDevInfoById, id);
+        readList<uint16_t, vontel::LogicalDevInfo_T>(
+            controller, "logical", place + "logical drives",
+            vontel::getLogDevIdList, vontel::getLogDevInfoById, id);
     }
 
     /** Adds what the library knows of the identifiers of a controller. */
-    void addConfiguration(const vontel::RAIDInfo_T& info)
+    void addConfiguration(const Json& controller)
     {
-        Configuration entry;
-        auto& [ids, outputs] = entry;
-        std::ranges::transform(
-            identifierOffsets, ids.begin(), [&](std::size_t offset) {
-                std::array<char, sizeof("0x0000")> text;
-                std::snprintf(text.data(), text.size(), "0x%02x%02x",
-                              info.bytes[offset + 1], info.bytes[offset]);
-                return std::string(text.data());
-            });
+        Json entry;
+        for (const std::string key :
+             {"vendor", "device", "subvendor", "subdevice"})
+        {
+            std::array<char, sizeof("0x0000")> text;
+            std::snprintf(text.data(), text.size(), "0x%04x",
+                          controller.value("pci_" + key, uint16_t{}));
+            entry[key] = text.data();
+        }
+        const auto ids = identifiersOf(entry);
+        std::array<std::string, 4> outputs;
+        const auto isKnown =
+            vontel::getRaidConf(ids[0], ids[1], ids[2], ids[3], outputs[0],
+                                outputs[1], outputs[2], outputs[3]);
+        entry["outputs"] = outputs;
         // Two controllers of one kind share an entry.
-        if (vontel::getRaidConf(ids[0], ids[1], ids[2], ids[3], outputs[0],
-                                outputs[1], outputs[2], outputs[3]) != 0 &&
-            std::ranges::count(section.configuration, entry) == 0)
+        if (isKnown != 0 && std::ranges::count(configuration, entry) == 0)
         {
             std::ranges::for_each(outputs, checked);
-            section.configuration.push_back(std::move(entry));
+            configuration.push_back(std::move(entry));
         }
     }
 
     /** What is said of most codes is said of those that are unknown. */
-    void readTexts()
+    static Json texts()
     {
-        decltype(section.texts) texts;
+        Json all;
         std::map<std::string, unsigned> counts;
-        for (std::size_t kind = 0; kind < codeTexts.size(); ++kind)
+        for (const auto& [kind, textOf] : codeTexts)
         {
             for (auto code = 0U; code <= UINT8_MAX; ++code)
             {
-                const auto byte = static_cast<uint8_t>(code);
-                const auto text = checked(codeTexts[kind](byte));
-                texts[{kind, byte}] = text;
+                const auto text = checked(textOf(static_cast<uint8_t>(code)));
+                all[kind].push_back(text);
                 ++counts[text];
             }
         }
         using Count = decltype(counts)::value_type;
-        section.unknown =
-            std::ranges::max_element(counts, {}, &Count::second)->first;
-        std::erase_if(texts, [this](const auto& one) {
-            return one.second == section.unknown;
-        });
-        section.texts = std::move(texts);
+        const auto& [unknown, most] =
+            *std::ranges::max_element(counts, {}, &Count::second);
+        Json known;
+        for (const auto& [kind, texts] : all.items())
+        {
+            for (const auto& [code, text] : texts.items())
+            {
+                if (text != unknown)
+                {
+                    known[kind][code] = text;
+                }
+            }
+        }
+        known["unknown"] = unknown;
+        return known;
     }
 
-    Section& section;
     const Omit& omit;
+    Json configuration = Json::array();
 };
 
 } // namespace
 
-[[gnu::visibility("default")]] void recordRaid(Section& section,
-                                               const Omit& omit)
+[[gnu::visibility("default")]] void recordRaid(Json& section, const Omit& omit)
 {
-    section.hasManager = false;
     try
     {
-        section.hasManager = vontel::checkRaidMgrExist() != 0;
-        if (section.hasManager)
+        if (vontel::checkRaidMgrExist() != 0)
         {
-            RaidRecorder(section, omit).record();
+            section = RaidRecorder(omit).section();
         }
     }
     catch (const std::exception& error)

@@ -371,7 +371,7 @@ class Recorder
 /** The RAID section; null when there is nothing to record. */
 Json raidSection(const Omit& omit)
 {
-    vontel::simulation::Section section{.hasManager = false};
+    Json section;
     // It stays, as an exception of the library's own would need it.
     auto* module = dlopen(raidModule, RTLD_NOW | RTLD_NODELETE);
     if (module)
@@ -379,7 +379,7 @@ Json raidSection(const Omit& omit)
         const auto read = reinterpret_cast<decltype(&recordRaid)>(
             dlsym(module, "recordRaid"));
         read(section, omit);
-        return section.hasManager ? vontel::simulation::write(section) : Json();
+        return section;
     }
     const std::string error = dlerror();
     const auto isWithoutLibrary =

@@ -153,7 +153,8 @@ TEST(Scenario, MistakesHaveTheirPlace)
         {change, R"(1, "raid": {"/controllers/0/raid_id": -2})",
          "/raid/~1controllers~10~1raid_id/controllers/0/raid_id: must be a "
          "whole number from 0 to 4294967295"},
-        {raid, R"("manager": true)", "manager: the key is unknown here"},
+        {raid, R"("controller": [])",
+         "controller: no key 'controller'; did you mean 'controllers'?"},
         {raid, R"("controllers": [{"raid_id": 2}, {"raid_id": 2}])",
          "controllers/1/raid_id: the id stands here twice"},
         {raid, R"("configuration": [)" + board + ',' + board + ']',

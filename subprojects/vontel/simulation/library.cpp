@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "simulation/control.hpp"
 #include "simulation/section.hpp"
+#include "vontel.hpp"
+
+#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <cstdlib>
@@ -19,21 +22,46 @@ constexpr auto sectionVariable = "MORVATH_SIM_RAID";
 constexpr auto success = 0;
 constexpr auto refused = -1;
 
+/** A section while it is served. */
 struct Session
 {
-    Section section;
+    /** With what is left out. */
+    Json section = Json::parse(R"({
+        "manager_present": true, "controllers": [], "configuration": [],
+        "texts": {"unknown": "Unknown"}, "faults": []})");
+    Lists lists{};
     std::map<std::string, unsigned> calls{};
 };
 
 /** The library has no object to hold what it serves, hence the static one. */
 std::optional<Session> session;
 
-Section sectionOfEnvironment()
+/** @param[in] name  stands before a mistake in the text */
+void serve(const std::string& text, const std::string& name)
+{
+    Session next;
+    Json section;
+    try
+    {
+        parse(text, section);
+        next.lists = read(section);
+    }
+    catch (const Mistake& mistake)
+    {
+        const auto place = placeOf(mistake, section);
+        throw std::runtime_error(name + ": " + (place.empty() ? "/" : place) +
+                                 ": " + mistake.what());
+    }
+    next.section.update(section, true);
+    session = std::move(next);
+}
+
+void serveEnvironment()
 {
     const auto* file = std::getenv(sectionVariable);
     if (!file || !*file)
     {
-        return {.hasManager = false};
+        return serve(R"({"manager_present": false})", "");
     }
     std::ifstream stream(file, std::ios::binary);
     const std::string text(std::istreambuf_iterator<char>(stream), {});
@@ -41,87 +69,76 @@ Section sectionOfEnvironment()
     {
         throw std::runtime_error(file + std::string(": cannot be read"));
     }
-    return parse(text, file);
+    serve(text, file);
 }
 
-/** The section, after an operation was counted. */
-const Section& counted(const std::string& operation)
+/** How many calls of an operation there are, with this one. */
+unsigned counted(const std::string& operation)
 {
     if (!session)
     {
-        session = Session{sectionOfEnvironment()};
+        serveEnvironment();
     }
-    ++session->calls[operation];
-    return session->section;
+    return ++session->calls[operation];
 }
 
 /** The result of an operation: a fault decides it, or else the action does. */
 int resultOf(const std::string& operation, const auto& action)
 {
-    const auto& section = counted(operation);
-    const auto call = session->calls[operation];
-    const auto fault =
-        std::ranges::find_if(section.faults, [&](const Fault& one) {
-            return one.operation == operation &&
-                   (one.call == 0 || one.call == call);
-        });
-    return fault == section.faults.end() ? action(section) : fault->result;
+    const auto call = counted(operation);
+    for (const auto& fault : session->section["faults"])
+    {
+        if (fault["operation"] == operation &&
+            fault.value("call", call) == call)
+        {
+            return fault["result"];
+        }
+    }
+    return action();
 }
 
-const auto* withId(const auto& items, uint32_t id)
+int onList(const char* operation, uint8_t selector, const char* list,
+           uint32_t raidId, const auto& action)
 {
-    const auto found = std::ranges::find_if(
-        items, [&](const auto& item) { return item.id == id; });
-    return found == items.end() ? nullptr : &*found;
-}
-
-int onController(const char* operation, uint8_t selector, uint32_t raidId,
-                 const auto& action)
-{
-    return resultOf(operation, [&](const Section& section) {
-        const auto* controller = withId(section.controllers, raidId);
-        const auto isThere = section.hasManager && selector == 0 && controller;
-        return isThere ? action(*controller) : refused;
+    return resultOf(operation, [&] {
+        const auto& [section, lists, calls] = *session;
+        const auto found = lists.find({list, raidId});
+        const auto isThere = section["manager_present"] == true &&
+                             selector == 0 && found != lists.end();
+        return isThere ? action(found->second) : refused;
     });
 }
 
-template <typename Id>
-int listIds(const auto& items, std::vector<Id>& ids)
+int listIds(const char* operation, uint8_t selector, const char* list,
+            uint32_t raidId, auto& ids)
 {
-    for (const auto& item : items)
-    {
-        ids.push_back(static_cast<Id>(item.id));
-    }
-    return success;
+    return onList(operation, selector, list, raidId, [&](const auto& items) {
+        std::ranges::transform(items, std::back_inserter(ids), &Item::id);
+        return success;
+    });
 }
 
-template <typename Drives>
-int driveIds(const char* operation, uint8_t selector, uint32_t raidId,
-             Drives Controller::*drives, std::vector<uint16_t>& ids)
+int copyRecord(const char* operation, uint8_t selector, const char* list,
+               uint32_t raidId, uint32_t id, auto& info)
 {
-    return onController(operation, selector, raidId,
-                        [&](const Controller& controller) {
-                            return listIds(controller.*drives, ids);
-                        });
+    return onList(operation, selector, list, raidId, [&](const auto& items) {
+        const auto item = std::ranges::find(items, id, &Item::id);
+        if (item == items.end())
+        {
+            return refused;
+        }
+        std::ranges::copy(item->record, info.bytes);
+        return success;
+    });
 }
 
-template <typename Drives>
-int driveInfo(const char* operation, uint8_t selector, uint32_t raidId,
-              Drives Controller::*drives, uint16_t id, auto* info)
+std::string codeText(const char* operation, const std::string& kind,
+                     uint8_t code)
 {
-    return onController(operation, selector, raidId,
-                        [&](const Controller& controller) {
-                            const auto* drive = withId(controller.*drives, id);
-                            *info = drive ? drive->record : *info;
-                            return drive ? success : refused;
-                        });
-}
-
-std::string codeText(const char* operation, CodeKind kind, uint8_t code)
-{
-    const auto& section = counted(operation);
-    const auto text = section.texts.find({kind, code});
-    return text == section.texts.end() ? section.unknown : text->second;
+    counted(operation);
+    const Json::json_pointer place('/' + kind + '/' + std::to_string(code));
+    const auto& texts = session->section["texts"];
+    return texts.contains(place) ? texts[place] : texts["unknown"];
 }
 
 } // namespace
@@ -129,109 +146,102 @@ std::string codeText(const char* operation, CodeKind kind, uint8_t code)
 int checkRaidMgrExist()
 {
     return resultOf(__func__,
-                    [](const Section& section) { return section.hasManager; });
+                    [] { return session->section["manager_present"]; });
 }
 
 int getRaidIdList(uint8_t selector, std::vector<uint32_t>& raidIds)
 {
-    return resultOf(__func__, [&](const Section& section) {
-        return selector == 0 && section.hasManager
-                   ? listIds(section.controllers, raidIds)
-                   : refused;
-    });
+    return listIds(__func__, selector, "controllers", 0, raidIds);
 }
 
 int getRaidInfoById(uint8_t selector, uint32_t raidId, RAIDInfo_T* info)
 {
-    return onController(__func__, selector, raidId,
-                        [&](const Controller& controller) {
-                            *info = controller.record;
-                            return success;
-                        });
+    return copyRecord(__func__, selector, "controllers", 0, raidId, *info);
 }
 
 int getPhyDevIdList(uint8_t selector, uint32_t raidId,
                     std::vector<uint16_t>& deviceIds)
 {
-    return driveIds(__func__, selector, raidId, &Controller::physical,
-                    deviceIds);
+    return listIds(__func__, selector, "physical", raidId, deviceIds);
 }
 
 int getPhyDevInfoById(uint8_t selector, uint32_t raidId, uint16_t deviceId,
                       PhyDevInfo_T* info)
 {
-    return driveInfo(__func__, selector, raidId, &Controller::physical,
-                     deviceId, info);
+    return copyRecord(__func__, selector, "physical", raidId, deviceId, *info);
 }
 
 int getLogDevIdList(uint8_t selector, uint32_t raidId,
                     std::vector<uint16_t>& logicalIds)
 {
-    return driveIds(__func__, selector, raidId, &Controller::logical,
-                    logicalIds);
+    return listIds(__func__, selector, "logical", raidId, logicalIds);
 }
 
 int getLogDevInfoById(uint8_t selector, uint32_t raidId, uint16_t logicalId,
                       LogicalDevInfo_T* info)
 {
-    return driveInfo(__func__, selector, raidId, &Controller::logical,
-                     logicalId, info);
+    return copyRecord(__func__, selector, "logical", raidId, logicalId, *info);
 }
 
 int getRaidConf(std::string vendor, std::string device, std::string subVendor,
                 std::string subDevice, std::string& first, std::string& second,
                 std::string& third, std::string& fourth)
 {
-    return resultOf(__func__, [&](const Section& section) {
-        const auto entry =
-            std::ranges::find(section.configuration,
-                              std::array{vendor, device, subVendor, subDevice},
-                              &Configuration::identifiers);
-        if (entry == section.configuration.end())
+    return resultOf(__func__, [&] {
+        const auto& entries = session->section["configuration"];
+        const auto entry = std::ranges::find(
+            entries, std::array{vendor, device, subVendor, subDevice},
+            identifiersOf);
+        if (entry == entries.end())
         {
             return 0;
         }
-        std::tie(first, second, third, fourth) = std::tuple_cat(entry->outputs);
+        std::tie(first, second, third, fourth) = std::tuple_cat(
+            entry->at("outputs").get<std::array<std::string, 4>>());
         return 1;
     });
 }
 
 std::string getSupportRaidLevels(uint8_t selector, uint32_t raidId)
 {
-    const auto& section = counted(__func__);
-    const auto* controller = withId(section.controllers, raidId);
-    return selector == 0 && controller ? controller->levels : section.unknown;
+    counted(__func__);
+    const auto& [section, lists, calls] = *session;
+    for (const auto& controller : section["controllers"])
+    {
+        if (selector == 0 && controller["raid_id"] == raidId)
+        {
+            return controller.value("supported_raid_levels", "");
+        }
+    }
+    return section["texts"]["unknown"];
 }
 
 std::string getRaidLevelStr(uint8_t level)
 {
-    return codeText(__func__, raidLevel, level);
+    return codeText(__func__, "raid_level", level);
 }
 
 std::string getPhyDevStateStr(uint8_t state)
 {
-    return codeText(__func__, driveState, state);
+    return codeText(__func__, "drive_state", state);
 }
 
 std::string getDriveMediaType(uint8_t type)
 {
-    return codeText(__func__, mediaType, type);
+    return codeText(__func__, "media_type", type);
 }
 
 std::string getDriveInterfaceType(uint8_t type)
 {
-    return codeText(__func__, interfaceType, type);
+    return codeText(__func__, "interface_type", type);
 }
 
 std::string getDriveSpeed(uint8_t linkSpeed)
 {
-    return codeText(__func__, speed, linkSpeed);
+    return codeText(__func__, "speed", linkSpeed);
 }
 
-void simulation::load(const std::string& section)
-{
-    session = Session{parse(section, "RAID")};
-}
+void simulation::load(const std::string& section) { serve(section, "RAID"); }
 
 void simulation::reset() { session.reset(); }
 

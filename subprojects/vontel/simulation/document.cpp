@@ -1,15 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "sim/document.hpp"
-
-#include "cli/words.hpp"
+#include "simulation/document.hpp"
 
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <unordered_set>
-#include <vector>
 
-namespace morvath::sim
+namespace vontel::document
 {
 namespace
 {
@@ -60,24 +57,32 @@ class DocumentBuilder
     bool number_float(double number, const std::string&) { return add(number); }
     bool string(std::string& text) { return add(std::move(text)); }
     bool binary(Json::binary_t&) { return false; }
-    bool start_object(std::size_t) { return add(Json::object(), true); }
-    bool start_array(std::size_t) { return add(Json::array(), true); }
-    bool end_object() { return end_array(); }
+    bool start_object(std::size_t) { return add(Json::object()); }
+    bool start_array(std::size_t) { return add(Json::array()); }
 
     bool end_array()
     {
-        levels.pop_back();
+        open.pop_back();
         return true;
     }
 
     bool key(std::string& key)
     {
-        auto& [object, keys] = levels.back();
         // Past the library's own search for the key.
-        Json::object_t::Container& members = object->get_ref<Json::object_t&>();
-        next = &members.emplace_back(key, nullptr).second;
-        demand(keys.insert(key).second, *next, "the key stands here twice");
+        Json::object_t::Container& members =
+            open.back()->get_ref<Json::object_t&>();
+        next = &members.emplace_back(std::move(key), nullptr).second;
         return true;
+    }
+
+    bool end_object()
+    {
+        std::unordered_set<std::string_view> keys;
+        for (const auto& [key, value] : open.back()->items())
+        {
+            demand(keys.insert(key).second, value, "the key stands here twice");
+        }
+        return end_array();
     }
 
     bool parse_error(std::size_t, const std::string&,
@@ -90,24 +95,18 @@ class DocumentBuilder
     }
 
   private:
-    struct Level
+    bool add(Json&& value)
     {
-        Json* json;
-        std::unordered_set<std::string> keys{};
-    };
-
-    bool add(Json&& value, bool opens = false)
-    {
-        if (!levels.empty() && levels.back().json->is_array())
+        if (!open.empty() && open.back()->is_array())
         {
-            next = &levels.back().json->emplace_back(nullptr);
+            next = &open.back()->emplace_back(nullptr);
         }
         *next = std::move(value);
-        if (opens)
+        if (next->is_structured())
         {
-            levels.push_back({next});
+            open.push_back(next);
         }
-        demand(levels.size() <= deepestDocument, document,
+        demand(open.size() <= deepestDocument, document,
                "the nesting is too deep");
         return true;
     }
@@ -115,19 +114,17 @@ class DocumentBuilder
     Json& document;
     /** Where the next value goes, unless that is a list. */
     Json* next;
-    std::vector<Level> levels;
+    /** The lists and objects that are not complete, each in the one before. */
+    std::vector<Json*> open;
 };
 
 } // namespace
 
-ScenarioError located(const Mistake& mistake, const Json& document,
-                      std::string_view source)
+std::string placeOf(const Mistake& mistake, const Json& document)
 {
     Json::json_pointer pointer;
     findPlace(mistake.value, document, pointer);
-    const auto place = pointer.to_string() + mistake.below;
-    return ScenarioError(std::string(source) + ": " +
-                         (place.empty() ? "/" : place) + ": " + mistake.what());
+    return pointer.to_string() + mistake.below;
 }
 
 void parse(std::string_view text, Json& document)
@@ -200,20 +197,24 @@ const Json& member(const Json& object, std::string_view key)
     return *found;
 }
 
-void allowOnly(const Json& object, std::initializer_list<std::string_view> keys)
+bool flagAt(const Json& object, std::string_view key, bool otherwise)
+{
+    withMember(object, key,
+               [&](const Json& flag) { otherwise = asFlag(flag); });
+    return otherwise;
+}
+
+void allowOnly(const Json& object, const std::vector<std::string_view>& keys)
 {
     for (const auto& [key, value] : asObject(object).items())
     {
         if (std::ranges::find(keys, key) == keys.end())
         {
-            cli::Terms known;
-            for (const auto one : keys)
-            {
-                known.push_back({std::string(one), {}});
-            }
-            throw Mistake(value, cli::unknown("key", key, known));
+            Mistake mistake(value, "no key '" + key + '\'');
+            mistake.knownKeys.assign(keys.begin(), keys.end());
+            throw mistake;
         }
     }
 }
 
-} // namespace morvath::sim
+} // namespace vontel::document

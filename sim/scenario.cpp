@@ -24,14 +24,9 @@ std::vector<std::string> readEnumeration(const Json& list,
                                          const std::string& type)
 {
     demand(type == "s", list, "only a property of type s has an enumeration");
-    std::vector<std::string> texts;
-    for (const auto& one : asList(list))
-    {
-        checkValue("s", one);
-        texts.push_back(one);
-    }
-    demand(!texts.empty(), list, "must not be empty");
-    return texts;
+    checkValue("as", list);
+    demand(!list.empty(), list, "must not be empty");
+    return list;
 }
 
 Property readProperty(const std::string& name, const Json& json,
@@ -188,7 +183,7 @@ std::string textOf(const path& file)
     return known.empty() ? readFile(file) : std::string(known);
 }
 
-/** The same with the place of the mistake in its document. */
+/** What is told of a mistake in a document. */
 ScenarioError located(const Mistake& mistake, const Json& document,
                       const path& source)
 {

@@ -3,13 +3,12 @@
 #include "simulation/section.hpp"
 #include "vontel.hpp"
 
-#include <nlohmann/json.hpp>
-
 #include <algorithm>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
 #include <optional>
+#include <tuple>
 
 namespace vontel
 {
@@ -22,46 +21,21 @@ constexpr auto sectionVariable = "MORVATH_SIM_RAID";
 constexpr auto success = 0;
 constexpr auto refused = -1;
 
-/** A section while it is served. */
 struct Session
 {
-    /** With what is left out. */
-    Json section = Json::parse(R"({
-        "manager_present": true, "controllers": [], "configuration": [],
-        "texts": {"unknown": "Unknown"}, "faults": []})");
-    Lists lists{};
+    Section section;
     std::map<std::string, unsigned> calls{};
 };
 
 /** The library has no object to hold what it serves, hence the static one. */
 std::optional<Session> session;
 
-/** @param[in] name  stands before a mistake in the text */
-void serve(const std::string& text, const std::string& name)
-{
-    Session next;
-    Json section;
-    try
-    {
-        parse(text, section);
-        next.lists = read(section);
-    }
-    catch (const Mistake& mistake)
-    {
-        const auto place = placeOf(mistake, section);
-        throw std::runtime_error(name + ": " + (place.empty() ? "/" : place) +
-                                 ": " + mistake.what());
-    }
-    next.section.update(section, true);
-    session = std::move(next);
-}
-
-void serveEnvironment()
+Section sectionOfEnvironment()
 {
     const auto* file = std::getenv(sectionVariable);
     if (!file || !*file)
     {
-        return serve(R"({"manager_present": false})", "");
+        return {.hasManager = false};
     }
     std::ifstream stream(file, std::ios::binary);
     const std::string text(std::istreambuf_iterator<char>(stream), {});
@@ -69,42 +43,43 @@ void serveEnvironment()
     {
         throw std::runtime_error(file + std::string(": cannot be read"));
     }
-    serve(text, file);
+    return readText(text, file);
 }
 
-/** How many calls of an operation there are, with this one. */
-unsigned counted(const std::string& operation)
+/** The section, after an operation was counted. */
+const Section& counted(const std::string& operation)
 {
     if (!session)
     {
-        serveEnvironment();
+        session = Session{sectionOfEnvironment()};
     }
-    return ++session->calls[operation];
+    ++session->calls[operation];
+    return session->section;
 }
 
 /** The result of an operation: a fault decides it, or else the action does. */
 int resultOf(const std::string& operation, const auto& action)
 {
-    const auto call = counted(operation);
-    for (const auto& fault : session->section["faults"])
+    const auto& section = counted(operation);
+    const auto call = session->calls[operation];
+    for (const auto& fault : section.faults)
     {
-        if (fault["operation"] == operation &&
-            fault.value("call", call) == call)
+        if (fault.operation == operation &&
+            (fault.call == 0 || fault.call == call))
         {
-            return fault["result"];
+            return fault.result;
         }
     }
-    return action();
+    return action(section);
 }
 
 int onList(const char* operation, uint8_t selector, const char* list,
            uint32_t raidId, const auto& action)
 {
-    return resultOf(operation, [&] {
-        const auto& [section, lists, calls] = *session;
-        const auto found = lists.find({list, raidId});
-        const auto isThere = section["manager_present"] == true &&
-                             selector == 0 && found != lists.end();
+    return resultOf(operation, [&](const Section& section) {
+        const auto found = section.lists.find({list, raidId});
+        const auto isThere =
+            section.hasManager && selector == 0 && found != section.lists.end();
         return isThere ? action(found->second) : refused;
     });
 }
@@ -127,18 +102,16 @@ int copyRecord(const char* operation, uint8_t selector, const char* list,
         {
             return refused;
         }
-        std::ranges::copy(item->record, info.bytes);
+        std::copy(item->record.begin(), item->record.end(), info.bytes);
         return success;
     });
 }
 
-std::string codeText(const char* operation, const std::string& kind,
-                     uint8_t code)
+std::string codeText(const char* operation, const char* kind, uint8_t code)
 {
-    counted(operation);
-    const Json::json_pointer place('/' + kind + '/' + std::to_string(code));
-    const auto& texts = session->section["texts"];
-    return texts.contains(place) ? texts[place] : texts["unknown"];
+    const auto& section = counted(operation);
+    const auto text = section.texts.find({kind, code});
+    return text == section.texts.end() ? section.unknown : text->second;
 }
 
 } // namespace
@@ -146,7 +119,7 @@ std::string codeText(const char* operation, const std::string& kind,
 int checkRaidMgrExist()
 {
     return resultOf(__func__,
-                    [] { return session->section["manager_present"]; });
+                    [](const Section& section) { return section.hasManager; });
 }
 
 int getRaidIdList(uint8_t selector, std::vector<uint32_t>& raidIds)
@@ -187,33 +160,24 @@ int getRaidConf(std::string vendor, std::string device, std::string subVendor,
                 std::string subDevice, std::string& first, std::string& second,
                 std::string& third, std::string& fourth)
 {
-    return resultOf(__func__, [&] {
-        const auto& entries = session->section["configuration"];
-        const auto entry = std::ranges::find(
-            entries, std::array{vendor, device, subVendor, subDevice},
-            identifiersOf);
-        if (entry == entries.end())
+    return resultOf(__func__, [&](const Section& section) {
+        const auto entry =
+            section.configuration.find({vendor, device, subVendor, subDevice});
+        if (entry == section.configuration.end())
         {
             return 0;
         }
-        std::tie(first, second, third, fourth) = std::tuple_cat(
-            entry->at("outputs").get<std::array<std::string, 4>>());
+        std::tie(first, second, third, fourth) = std::tuple_cat(entry->second);
         return 1;
     });
 }
 
 std::string getSupportRaidLevels(uint8_t selector, uint32_t raidId)
 {
-    counted(__func__);
-    const auto& [section, lists, calls] = *session;
-    for (const auto& controller : section["controllers"])
-    {
-        if (selector == 0 && controller["raid_id"] == raidId)
-        {
-            return controller.value("supported_raid_levels", "");
-        }
-    }
-    return section["texts"]["unknown"];
+    const auto& section = counted(__func__);
+    const auto levels = section.raidLevels.find(raidId);
+    const auto isThere = selector == 0 && levels != section.raidLevels.end();
+    return isThere ? levels->second : section.unknown;
 }
 
 std::string getRaidLevelStr(uint8_t level)
@@ -241,7 +205,10 @@ std::string getDriveSpeed(uint8_t linkSpeed)
     return codeText(__func__, "speed", linkSpeed);
 }
 
-void simulation::load(const std::string& section) { serve(section, "RAID"); }
+void simulation::load(const std::string& section)
+{
+    session = Session{readText(section, "RAID")};
+}
 
 void simulation::reset() { session.reset(); }
 

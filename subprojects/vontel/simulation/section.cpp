@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <charconv>
 #include <iterator>
-#include <ranges>
 #include <set>
 
 namespace vontel::simulation
@@ -115,9 +114,9 @@ void storeNumber(uint64_t number, Bytes area)
 uint64_t loadNumber(ConstBytes area)
 {
     uint64_t number = 0;
-    for (const auto byte : area | std::views::reverse)
+    for (auto byte = area.rbegin(); byte != area.rend(); ++byte)
     {
-        number = number << 8 | byte;
+        number = number << 8 | *byte;
     }
     return number;
 }
@@ -244,7 +243,8 @@ Record recordOf(const std::string& list, uint32_t raidId,
     Record record(size);
     if (list == "physical")
     {
-        storeNumber(raidId, Bytes(record).first(sizeof(raidId)));
+        storeNumber(raidId, Bytes(record).subspan(physical_drive::raidId,
+                                                  sizeof(raidId)));
     }
     for (const auto& field : fields)
     {
@@ -258,10 +258,10 @@ Record recordOf(const std::string& list, uint32_t raidId,
 
 /** Reads a list whose elements have ids of their own, and those in them. */
 void readList(const Json& parent, const std::string& list, uint32_t raidId,
-              Lists& lists)
+              Section& section)
 {
     const auto& idField = recordKinds.at(list).fields.front();
-    auto& items = lists[{list, raidId}];
+    auto& items = section.lists[{list, raidId}];
     std::set<uint32_t> seen;
     const auto readItem = [&](const Json& json) {
         const auto& place = member(json, idField.key);
@@ -270,9 +270,11 @@ void readList(const Json& parent, const std::string& list, uint32_t raidId,
         items.push_back({id, recordOf(list, raidId, json)});
         if (list == "controllers")
         {
-            withMember(json, "supported_raid_levels", asText);
-            readList(json, "physical", id, lists);
-            readList(json, "logical", id, lists);
+            auto& levels = section.raidLevels[id];
+            withMember(json, "supported_raid_levels",
+                       [&](const Json& text) { levels = asText(text); });
+            readList(json, "physical", id, section);
+            readList(json, "logical", id, section);
         }
     };
     withMember(parent, list, [&](const Json& elements) {
@@ -280,31 +282,32 @@ void readList(const Json& parent, const std::string& list, uint32_t raidId,
     });
 }
 
-void checkConfiguration(const Json& list)
+void readConfiguration(const Json& list, Section& section)
 {
-    std::set<std::array<std::string, 4>> seen;
     for (const auto& entry : asList(list))
     {
         allowOnly(entry,
                   {"vendor", "device", "subvendor", "subdevice", "outputs"});
-        const auto isNew = seen.insert(identifiersOf(entry)).second;
-        const auto& outputs = member(entry, "outputs");
-        demand(outputs.is_array() && outputs.size() == 4, outputs,
+        const auto [known, isNew] =
+            section.configuration.try_emplace(identifiersOf(entry));
+        auto& outputs = known->second;
+        const auto& texts = member(entry, "outputs");
+        demand(texts.is_array() && texts.size() == outputs.size(), texts,
                "must have four texts");
-        std::ranges::for_each(outputs, asText);
+        std::ranges::transform(texts, outputs.begin(), asText);
         demand(isNew, entry, "the identifiers stand here twice");
     }
 }
 
-void checkTexts(const Json& texts)
+void readTexts(const Json& json, Section& section)
 {
-    allowOnly(texts, {"raid_level", "drive_state", "media_type",
-                      "interface_type", "speed", "unknown"});
-    for (const auto& [kind, one] : texts.items())
+    allowOnly(json, {"raid_level", "drive_state", "media_type",
+                     "interface_type", "speed", "unknown"});
+    for (const auto& [kind, one] : json.items())
     {
         if (kind == "unknown")
         {
-            asText(one);
+            section.unknown = asText(one);
             continue;
         }
         for (const auto& [key, text] : asObject(one).items())
@@ -313,40 +316,62 @@ void checkTexts(const Json& texts)
             std::from_chars(key.data(), key.data() + key.size(), code);
             demand(std::to_string(code) == key, text,
                    "must be the text of a code from 0 to 255");
-            asText(text);
+            section.texts[{kind, code}] = asText(text);
         }
     }
 }
 
-void checkFaults(const Json& list)
+void readFaults(const Json& list, Section& section)
 {
-    for (const auto& fault : asList(list))
+    for (const auto& json : asList(list))
     {
-        allowOnly(fault, {"operation", "result", "call"});
-        const auto& operation = member(fault, "operation");
+        allowOnly(json, {"operation", "result", "call"});
+        const auto& operation = member(json, "operation");
         demand(std::ranges::count(operationsWithResult, asText(operation)) > 0,
                operation,
                '"' + asText(operation) +
                    "\" is not an operation with a result");
-        asWhole(member(fault, "result"), INT32_MIN, INT32_MAX);
-        withMember(fault, "call",
-                   [](const Json& call) { asWhole(call, 1, UINT32_MAX); });
+        const auto result =
+            asWhole(member(json, "result"), INT32_MIN, INT32_MAX);
+        Fault fault{asText(operation), static_cast<int>(result)};
+        withMember(json, "call", [&](const Json& call) {
+            fault.call = static_cast<uint32_t>(asWhole(call, 1, UINT32_MAX));
+        });
+        section.faults.push_back(std::move(fault));
     }
 }
 
 } // namespace
 
-Lists read(const Json& section)
+Section read(const Json& json)
 {
-    allowOnly(section, {"manager_present", "controllers", "configuration",
-                        "texts", "faults"});
-    withMember(section, "manager_present", asFlag);
-    Lists lists;
-    readList(section, "controllers", 0, lists);
-    withMember(section, "configuration", checkConfiguration);
-    withMember(section, "texts", checkTexts);
-    withMember(section, "faults", checkFaults);
-    return lists;
+    allowOnly(json, {"manager_present", "controllers", "configuration", "texts",
+                     "faults"});
+    Section section{.hasManager = flagAt(json, "manager_present", true)};
+    readList(json, "controllers", 0, section);
+    const auto readPart = [&](std::string_view key, const auto& part) {
+        withMember(json, key, [&](const Json& own) { part(own, section); });
+    };
+    readPart("configuration", readConfiguration);
+    readPart("texts", readTexts);
+    readPart("faults", readFaults);
+    return section;
+}
+
+Section readText(const std::string& text, const std::string& name)
+{
+    Json json;
+    try
+    {
+        parse(text, json);
+        return read(json);
+    }
+    catch (const Mistake& mistake)
+    {
+        const auto place = placeOf(mistake, json);
+        throw std::runtime_error(name + ": " + (place.empty() ? "/" : place) +
+                                 ": " + mistake.what());
+    }
 }
 
 Json describe(const std::string& list, uint32_t raidId, uint32_t id,
@@ -355,7 +380,7 @@ Json describe(const std::string& list, uint32_t raidId, uint32_t id,
     const auto& fields = recordKinds.at(list).fields;
     Json description{{fields.front().key, id}};
     const auto blank = recordOf(list, raidId, Json::object());
-    for (const auto& field : fields | std::views::drop(1))
+    for (const auto& field : std::span(fields).subspan(1))
     {
         auto value = load(field, record);
         if (value != load(field, blank) && isUtf8(value))
@@ -371,7 +396,7 @@ Json describe(const std::string& list, uint32_t raidId, uint32_t id,
     return description;
 }
 
-std::array<std::string, 4> identifiersOf(const Json& entry)
+FourTexts identifiersOf(const Json& entry)
 {
     const auto read = [&](std::string_view key) {
         const auto& value = member(entry, key);

@@ -28,15 +28,47 @@ struct Item
  */
 using Lists = std::map<std::pair<std::string, uint32_t>, std::vector<Item>>;
 
-/** @throws Mistake  the first one in a RAID section */
-Lists read(const Json& section);
+struct Fault
+{
+    std::string operation;
+    int result;
+    /** Counted from 1; 0: all of them. */
+    uint32_t call = 0;
+};
+
+using FourTexts = std::array<std::string, 4>;
+
+/** What the library knows: the RAID section of a scenario. */
+struct Section
+{
+    bool hasManager = true;
+    Lists lists{};
+    /** By the id of the controller. */
+    std::map<uint32_t, std::string> raidLevels{};
+    /** What getRaidConf finds, by vendor, device, subvendor and subdevice. */
+    std::map<FourTexts, FourTexts> configuration{};
+    /** By the key of their kind and the code. */
+    std::map<std::pair<std::string, uint8_t>, std::string> texts{};
+    std::string unknown = "Unknown";
+    std::vector<Fault> faults{};
+};
+
+/** @throws Mistake  the first one */
+Section read(const Json& json);
+
+/**
+ * Reads a text.
+ * @param[in] name  stands before the mistake
+ * @throws std::runtime_error  the mistake and its place
+ */
+Section readText(const std::string& text, const std::string& name);
 
 /** What in such a list describes a record. */
 Json describe(const std::string& list, uint32_t raidId, uint32_t id,
               std::span<const unsigned char> record);
 
-/** What getRaidConf looks for, in an entry of the configuration. */
-std::array<std::string, 4> identifiersOf(const Json& entry);
+/** What an entry of the configuration is for. */
+FourTexts identifiersOf(const Json& entry);
 
 /** Whether a document can hold a value. */
 bool isUtf8(const Json& value);

@@ -13,10 +13,18 @@ namespace
 
 constexpr auto mapperInterface = mapperService;
 
-BusError notFound()
+void demandFound(bool isFound)
 {
-    return {"xyz.openbmc_project.Common.Error.ResourceNotFound",
-            "The resource is not found."};
+    if (!isFound)
+    {
+        throw BusError("xyz.openbmc_project.Common.Error.ResourceNotFound",
+                       "The resource is not found.");
+    }
+}
+
+const std::string& textOf(const Json& argument)
+{
+    return argument.get_ref<const std::string&>();
 }
 
 bool hasOneOf(const Mapper::Names& interfaces, const Mapper::Names& wanted)
@@ -47,12 +55,13 @@ void forEachParent(std::string_view path, const Action& action)
 
 // What follows appends to a reply, which is thrown away after a failure.
 
-template <typename Contents>
-void appendContainer(sd_bus_message* reply, char type, const char* types,
-                     const Contents& contents)
+void openContainer(sd_bus_message* reply, char container, const char* types)
 {
-    check(sd_bus_message_open_container(reply, type, types));
-    contents();
+    check(sd_bus_message_open_container(reply, container, types));
+}
+
+void closeContainer(sd_bus_message* reply)
+{
     check(sd_bus_message_close_container(reply));
 }
 
@@ -65,92 +74,58 @@ void appendText(sd_bus_message* reply, std::string_view text)
 void appendOwners(sd_bus_message* reply, const Mapper::Owners& owners,
                   const Mapper::Names& wanted)
 {
-    appendContainer(reply, 'a', "{sas}", [&] {
-        for (const auto& owner : owners)
+    openContainer(reply, 'a', "{sas}");
+    for (const auto& [service, interfaces] : owners)
+    {
+        if (hasOneOf(*interfaces, wanted))
         {
-            if (!hasOneOf(*owner.second, wanted))
+            openContainer(reply, 'e', "sas");
+            appendText(reply, service);
+            openContainer(reply, 'a', "s");
+            for (const auto& interface : *interfaces)
             {
-                continue;
+                appendText(reply, interface);
             }
-            appendContainer(reply, 'e', "sas", [&] {
-                appendText(reply, owner.first);
-                appendContainer(reply, 'a', "s", [&] {
-                    for (const auto& interface : *owner.second)
-                    {
-                        appendText(reply, interface);
-                    }
-                });
-            });
+            closeContainer(reply);
+            closeContainer(reply);
         }
-    });
-}
-
-void appendTree(sd_bus_message* reply, const Mapper::Entries& entries,
-                const Mapper::Names& wanted)
-{
-    appendContainer(reply, 'a', "{sa{sas}}", [&] {
-        for (const auto* entry : entries)
-        {
-            appendContainer(reply, 'e', "sa{sas}", [&] {
-                appendText(reply, entry->first);
-                appendOwners(reply, entry->second, wanted);
-            });
-        }
-    });
-}
-
-void appendPaths(sd_bus_message* reply, const Mapper::Entries& entries)
-{
-    appendContainer(reply, 'a', "s", [&] {
-        for (const auto* entry : entries)
-        {
-            appendText(reply, entry->first);
-        }
-    });
+    }
+    closeContainer(reply);
 }
 
 } // namespace
 
-Mapper::Mapper(Services& services) : Service(services, mapperService) {}
-
 void Mapper::prepare()
 {
-    constexpr uint64_t everybody = SD_BUS_VTABLE_UNPRIVILEGED;
+    constexpr auto owners = "a{sas}";
+    constexpr auto tree = "a{sa{sas}}";
+    constexpr auto paths = "as";
+    constexpr auto method = [](const char* name, const char* arguments,
+                               const char* names, const char* result) {
+        return sd_bus_vtable SD_BUS_METHOD_WITH_NAMES(
+            name, arguments, names, result, , onCall,
+            SD_BUS_VTABLE_UNPRIVILEGED);
+    };
     static constexpr sd_bus_vtable table[]{
         SD_BUS_VTABLE_START(0),
-        SD_BUS_METHOD_WITH_ARGS(
-            "GetObject", SD_BUS_ARGS("s", path, "as", interfaces),
-            SD_BUS_RESULT("a{sas}", services), onCall, everybody),
-        SD_BUS_METHOD_WITH_ARGS(
-            "GetAncestors", SD_BUS_ARGS("s", path, "as", interfaces),
-            SD_BUS_RESULT("a{sa{sas}}", objects), onCall, everybody),
-        SD_BUS_METHOD_WITH_ARGS(
-            "GetSubTree",
-            SD_BUS_ARGS("s", subtree, "i", depth, "as", interfaces),
-            SD_BUS_RESULT("a{sa{sas}}", objects), onCall, everybody),
-        SD_BUS_METHOD_WITH_ARGS(
-            "GetSubTreePaths",
-            SD_BUS_ARGS("s", subtree, "i", depth, "as", interfaces),
-            SD_BUS_RESULT("as", paths), onCall, everybody),
-        SD_BUS_METHOD_WITH_ARGS("GetAssociatedSubTree",
-                                SD_BUS_ARGS("o", association, "o", subtree, "i",
-                                            depth, "as", interfaces),
-                                SD_BUS_RESULT("a{sa{sas}}", objects), onCall,
-                                everybody),
-        SD_BUS_METHOD_WITH_ARGS("GetAssociatedSubTreePaths",
-                                SD_BUS_ARGS("o", association, "o", subtree, "i",
-                                            depth, "as", interfaces),
-                                SD_BUS_RESULT("as", paths), onCall, everybody),
-        SD_BUS_METHOD_WITH_ARGS(
-            "GetAssociatedSubTreeById",
-            SD_BUS_ARGS("s", id, "s", subtree, "as", interfaces, "s",
-                        association, "as", endpoint_interfaces),
-            SD_BUS_RESULT("a{sa{sas}}", objects), onCall, everybody),
-        SD_BUS_METHOD_WITH_ARGS("GetAssociatedSubTreePathsById",
-                                SD_BUS_ARGS("s", id, "s", subtree, "as",
-                                            interfaces, "s", association, "as",
-                                            endpoint_interfaces),
-                                SD_BUS_RESULT("as", paths), onCall, everybody),
+        method("GetObject", "sas", "path\0interfaces\0services\0", owners),
+        method("GetAncestors", "sas", "path\0interfaces\0objects\0", tree),
+        method("GetSubTree", "sias", "subtree\0depth\0interfaces\0objects\0",
+               tree),
+        method("GetSubTreePaths", "sias", "subtree\0depth\0interfaces\0paths\0",
+               paths),
+        method("GetAssociatedSubTree", "ooias",
+               "association\0subtree\0depth\0interfaces\0objects\0", tree),
+        method("GetAssociatedSubTreePaths", "ooias",
+               "association\0subtree\0depth\0interfaces\0paths\0", paths),
+        method("GetAssociatedSubTreeById", "ssassas",
+               "id\0subtree\0interfaces\0association\0"
+               "endpoint_interfaces\0objects\0",
+               tree),
+        method("GetAssociatedSubTreePathsById", "ssassas",
+               "id\0subtree\0interfaces\0association\0"
+               "endpoint_interfaces\0paths\0",
+               paths),
         SD_BUS_VTABLE_END,
     };
     methods = addTable(mapperPath, mapperInterface, table, this);
@@ -171,39 +146,51 @@ int Mapper::onCall(sd_bus_message* call, void* self,
 void Mapper::answer(sd_bus_message* reply, std::string_view method,
                     const Json& arguments) const
 {
-    const std::string first = arguments.front();
+    const auto& first = textOf(arguments[0]);
     const auto wanted = arguments.back().get<Names>();
     if (method == "GetObject")
     {
         const auto found = index.find(first);
-        if (found == index.end() || !hasOneOf(found->second, wanted))
-        {
-            throw notFound();
-        }
+        demandFound(found != index.end() && hasOneOf(found->second, wanted));
         return appendOwners(reply, found->second, wanted);
     }
-    Entries found;
+    const auto isPaths = method.find("Paths") != method.npos;
+    const auto isAssociated = method.starts_with("GetAssociated");
+    const auto isById = method.ends_with("ById");
+    const auto ends = isById ? endpointsById(arguments) : endpoints(first);
+    const auto append = [&](const Index::value_type& object) {
+        if (!hasOneOf(object.second, wanted) ||
+            (isAssociated && !ends.contains(object.first)))
+        {
+            return;
+        }
+        if (isPaths)
+        {
+            return appendText(reply, object.first);
+        }
+        openContainer(reply, 'e', "sa{sas}");
+        appendText(reply, object.first);
+        appendOwners(reply, object.second, wanted);
+        closeContainer(reply);
+    };
+    openContainer(reply, 'a', isPaths ? "s" : "{sa{sas}}");
     if (method == "GetAncestors")
     {
-        found = above(first, wanted);
+        forEachParent(known(first), [&](std::string_view parent) {
+            // The index has all parents of what it has.
+            append(*index.find(parent));
+        });
     }
-    else if (method.starts_with("GetSubTree"))
+    else if (isById)
     {
-        found = below(first, arguments[1], wanted);
+        forEachBelow("/", 0, append);
     }
     else
     {
-        const auto isById = method.ends_with("ById");
-        const auto ends = isById ? endpointsById(arguments) : endpoints(first);
-        found = isById ? below("/", 0, wanted)
-                       : below(arguments[1].get_ref<const std::string&>(),
-                               arguments[2], wanted);
-        std::erase_if(found, [&](const auto* entry) {
-            return !ends.contains(entry->first);
-        });
+        forEachBelow(textOf(arguments[isAssociated]),
+                     arguments[1 + isAssociated], append);
     }
-    method.find("Paths") != method.npos ? appendPaths(reply, found)
-                                        : appendTree(reply, found, wanted);
+    closeContainer(reply);
 }
 
 /**
@@ -214,118 +201,53 @@ void Mapper::answer(sd_bus_message* reply, std::string_view method,
 std::string_view Mapper::known(std::string_view path) const
 {
     const auto top = path.substr(0, path.size() - path.ends_with('/'));
-    if (!top.empty() && !index.contains(top))
-    {
-        throw notFound();
-    }
+    demandFound(top.empty() || index.contains(top));
     return top;
 }
 
 /** @param[in] depth  how many segments below; 0 and less: all */
-Mapper::Entries Mapper::below(std::string_view root, int32_t depth,
-                              const Names& wanted) const
+void Mapper::forEachBelow(std::string_view root, int32_t depth,
+                          const auto& action) const
 {
     // Every character of a path sorts after the slash, so a subtree is one
     // run of entries, and a name that only begins alike is no part of it.
     const auto prefix = std::string(known(root)) + '/';
-    Entries found;
-    for (auto entry = index.lower_bound(prefix);
-         entry != index.end() && entry->first.starts_with(prefix); ++entry)
+    for (auto object = index.lower_bound(prefix);
+         object != index.end() && object->first.starts_with(prefix); ++object)
     {
-        const auto rest = std::string_view(entry->first).substr(prefix.size());
-        if ((depth <= 0 || std::ranges::count(rest, '/') < depth) &&
-            hasOneOf(entry->second, wanted))
+        const auto rest = std::string_view(object->first).substr(prefix.size());
+        if (depth <= 0 || std::ranges::count(rest, '/') < depth)
         {
-            found.push_back(&*entry);
+            action(*object);
         }
     }
-    return found;
 }
 
-Mapper::Entries Mapper::above(std::string_view path, const Names& wanted) const
+Mapper::Paths Mapper::endpoints(const std::string& association) const
 {
-    Entries found;
-    forEachParent(known(path), [&](std::string_view parent) {
-        const auto entry = index.find(parent);
-        if (entry != index.end() && hasOneOf(entry->second, wanted))
-        {
-            found.push_back(&*entry);
-        }
-    });
-    return found;
-}
-
-std::set<std::string> Mapper::endpoints(const std::string& association) const
-{
-    const auto found = present.find(association);
-    return found == present.end() ? std::set<std::string>() : found->second;
+    const auto found = associations.find(association);
+    return found == associations.end() ? Paths() : found->second;
 }
 
 /** Those of all objects with a name below a path. */
-std::set<std::string> Mapper::endpointsById(const Json& arguments) const
+Mapper::Paths Mapper::endpointsById(const Json& arguments) const
 {
-    const auto text = [&](std::size_t position) -> const std::string& {
-        return arguments[position].get_ref<const std::string&>();
-    };
-    std::set<std::string> ends;
-    for (const auto* object : below(text(1), 0, arguments[2].get<Names>()))
-    {
-        if (object->first.ends_with('/' + text(0)))
+    Paths ends;
+    const auto wanted = arguments[2].get<Names>();
+    forEachBelow(textOf(arguments[1]), 0, [&](const auto& object) {
+        if (object.first.ends_with('/' + textOf(arguments[0])) &&
+            hasOneOf(object.second, wanted))
         {
-            ends.merge(endpoints(object->first + '/' + text(3)));
+            ends.merge(endpoints(object.first + '/' + textOf(arguments[3])));
         }
-    }
+    });
     return ends;
 }
 
 void Mapper::update()
 {
     index.clear();
-    const auto* standard = interned({});
-    for (const auto& service : services.all)
-    {
-        // The bus's own services are no part of the platform.
-        if (!service->isAlive() ||
-            service->name.starts_with("org.freedesktop."))
-        {
-            continue;
-        }
-        for (const auto& [path, object] : service->objects())
-        {
-            index[path][service->name] = interned(object.interfaces);
-            forEachParent(path, [&](std::string_view parent) {
-                index[std::string(parent)].emplace(service->name, standard);
-            });
-        }
-    }
-    publish(associations());
-    indexOwn();
-}
-
-/** What a service shows of an object; of none, a mere parent node. */
-const Mapper::Names* Mapper::interned(const std::vector<Interface>& interfaces)
-{
-    Names all(standardInterfaces.begin(), standardInterfaces.end());
-    for (const auto& interface : interfaces)
-    {
-        all.push_back(interface.name);
-    }
-    std::ranges::sort(all);
-    return &*names.insert(std::move(all)).first;
-}
-
-Mapper::Associations Mapper::associations() const
-{
-    Associations result;
-    const auto add = [&](const std::string& path, const std::string& name,
-                         const std::string& endpoint) {
-        // The names are free text, also empty for a one-way association.
-        const auto object = path + '/' + name;
-        if (sd_bus_object_path_is_valid(object.c_str()) > 0)
-        {
-            result[object].insert(endpoint);
-        }
-    };
+    std::vector<std::pair<std::string, Association>> defined;
     for (const auto& service : services.all)
     {
         if (!service->isAlive())
@@ -334,68 +256,100 @@ Mapper::Associations Mapper::associations() const
         }
         for (const auto& [path, object] : service->objects())
         {
-            for (const auto& [forward, backward, endpoint] :
-                 associationsOf(object.interfaces))
+            for (const auto& one : associationsOf(object.interfaces))
             {
-                // One waits until its other end is there.
-                if (index.contains(endpoint))
-                {
-                    add(path, forward, endpoint);
-                    add(endpoint, backward, path);
-                }
+                defined.emplace_back(path, one);
+            }
+            // The bus's own services are no part of the platform.
+            if (!service->name.starts_with("org.freedesktop."))
+            {
+                list(path, *service, object.interfaces);
             }
         }
     }
-    return result;
-}
-
-void Mapper::publish(const Associations& associations)
-{
-    for (const auto& [path, ends] : std::exchange(present, associations))
+    for (auto& [path, ends] : associations)
     {
-        if (!associations.contains(path))
+        ends.clear();
+    }
+    for (const auto& [path, one] : defined)
+    {
+        // One waits until its other end is there.
+        if (index.contains(one.endpoint))
         {
-            remove(path);
+            associate(path, one.forward, one.endpoint);
+            associate(one.endpoint, one.backward, path);
         }
     }
+    // The mapper looks at itself as well.
+    list(mapperPath, *this, {{mapperInterface, {}}});
+    index["/"][name] = shown({{"org.freedesktop.DBus.ObjectManager", {}}});
     for (const auto& [path, ends] : associations)
     {
-        const Json value = ends;
-        if (auto* own = find({path, associationInterface, "endpoints"}))
-        {
-            change(path, associationInterface, *own, value);
-            continue;
-        }
-        add(path, {{associationInterface,
-                    {{.name = "endpoints",
-                      .type = "as",
-                      .value = std::make_shared<const Json>(value),
-                      .readOnly = true}}}});
+        publish(path, ends);
+    }
+}
+
+/** What a service shows of an object; of none, a mere parent node. */
+const Mapper::Names* Mapper::shown(const std::vector<Interface>& interfaces)
+{
+    Names all(standardInterfaces.begin(), standardInterfaces.end());
+    for (const auto& interface : interfaces)
+    {
+        all.push_back(interface.name);
+    }
+    std::ranges::sort(all);
+    return share(std::move(all));
+}
+
+void Mapper::list(const std::string& path, const Service& service,
+                  const std::vector<Interface>& interfaces)
+{
+    index[path][service.name] = shown(interfaces);
+    listAbove(path, service, shown({}));
+}
+
+void Mapper::listAbove(std::string_view path, const Service& service,
+                       const Names* interfaces)
+{
+    forEachParent(path, [&](std::string_view parent) {
+        index[std::string(parent)].emplace(service.name, interfaces);
+    });
+}
+
+/** The names are free text, also empty for a one-way association. */
+void Mapper::associate(const std::string& path, const std::string& name,
+                       const std::string& endpoint)
+{
+    const auto object = path + '/' + name;
+    if (sd_bus_object_path_is_valid(object.c_str()) > 0)
+    {
+        associations[object].insert(endpoint);
     }
 }
 
 /**
- * The mapper looks at itself as well. What it finds on its own bus connection
- * has the standard interfaces; what comes with an association has not, and
- * the nodes above stay when the association goes.
+ * Other than what the mapper finds on its own bus connection, what comes with
+ * an association has no standard interfaces, and the nodes above stay when the
+ * association goes.
  */
-void Mapper::indexOwn()
+void Mapper::publish(const std::string& path, const Paths& ends)
 {
-    index[mapperPath][name] = interned({{mapperInterface, {}}});
-    forEachParent(mapperPath, [&](std::string_view parent) {
-        index[std::string(parent)][name] = interned({});
-    });
-    index["/"][name] = interned({{"org.freedesktop.DBus.ObjectManager", {}}});
-    for (const auto& [path, ends] : present)
+    listAbove(path, *this, share({}));
+    if (ends.empty())
     {
-        index[path][name] = &*names.insert({associationInterface}).first;
-        forEachParent(
-            path, [&](std::string_view parent) { ownParents.emplace(parent); });
+        return remove(path);
     }
-    for (const auto& parent : ownParents)
+    index[path][name] = share({associationInterface});
+    const Json value = ends;
+    if (auto* own = find({path, associationInterface, "endpoints"}))
     {
-        index[parent].emplace(name, &*names.insert(Names()).first);
+        return change(path, associationInterface, *own, value);
     }
+    add(path, {{associationInterface,
+                {{.name = "endpoints",
+                  .type = "as",
+                  .value = std::make_shared<const Json>(value),
+                  .readOnly = true}}}});
 }
 
 } // namespace morvath::sim

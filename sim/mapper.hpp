@@ -4,6 +4,7 @@
 #include "sim/service.hpp"
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <set>
 #include <string>
@@ -17,19 +18,19 @@ namespace morvath::sim
 class Mapper : public Service
 {
   public:
-    explicit Mapper(Services& services);
+    explicit Mapper(Services& services) : Service(services, mapperService) {}
 
     /** Takes in what the living services publish now. */
     void update();
 
+    /** Sorted. */
     using Names = std::vector<std::string>;
     /** From the names of services to those of interfaces, which are shared. */
     using Owners = std::map<std::string_view, const Names*>;
-    using Index = std::map<std::string, Owners, std::less<>>;
-    using Entries = std::vector<const Index::value_type*>;
 
   private:
-    using Associations = std::map<std::string, std::set<std::string>>;
+    using Paths = std::set<std::string>;
+    using Index = std::map<std::string, Owners, std::less<>>;
 
     static int onCall(sd_bus_message* call, void* self,
                       sd_bus_error* error) noexcept;
@@ -38,22 +39,25 @@ class Mapper : public Service
     void answer(sd_bus_message* reply, std::string_view method,
                 const Json& arguments) const;
     std::string_view known(std::string_view path) const;
-    Entries below(std::string_view root, int32_t depth,
-                  const Names& wanted) const;
-    Entries above(std::string_view path, const Names& wanted) const;
-    std::set<std::string> endpoints(const std::string& association) const;
-    std::set<std::string> endpointsById(const Json& arguments) const;
+    void forEachBelow(std::string_view root, int32_t depth,
+                      const auto& action) const;
+    Paths endpoints(const std::string& association) const;
+    Paths endpointsById(const Json& arguments) const;
 
-    const Names* interned(const std::vector<Interface>& interfaces);
-    Associations associations() const;
-    void publish(const Associations& associations);
-    void indexOwn();
+    const Names* share(Names names) { return &*shared.insert(names).first; }
+    const Names* shown(const std::vector<Interface>& interfaces);
+    void list(const std::string& path, const Service& service,
+              const std::vector<Interface>& interfaces);
+    void listAbove(std::string_view path, const Service& service,
+                   const Names* interfaces);
+    void associate(const std::string& path, const std::string& name,
+                   const std::string& endpoint);
+    void publish(const std::string& path, const Paths& ends);
 
-    std::set<Names> names;
+    std::set<Names> shared;
     Index index;
-    /** The parents of its own objects, also of those that are gone. */
-    std::set<std::string> ownParents;
-    Associations present;
+    /** The ends of its own objects; none of one that is gone. */
+    std::map<std::string, Paths> associations;
     Slot methods;
 };
 

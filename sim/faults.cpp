@@ -13,6 +13,8 @@ namespace morvath::sim
 namespace
 {
 
+constexpr std::string_view getAll = "GetAll";
+
 struct ConditionKey
 {
     std::string_view key;
@@ -45,34 +47,34 @@ bool fits(std::string_view wanted, std::string_view actual)
 }
 
 /**
- * A fault may name the interface that is called or, for a properties call,
- * the interface whose properties it is about.
+ * Whether a condition is for a property; without a name for an interface. A
+ * fault may name the interface that is called or, for a properties call, the
+ * interface whose properties it is about.
  */
-bool fitsInterface(const Condition& when, std::string_view name)
+bool fitsProperty(const Condition& when, std::string_view interface,
+                  std::string_view property)
 {
-    return when.interface == propertiesInterface || fits(when.interface, name);
+    return (when.interface == propertiesInterface ||
+            fits(when.interface, interface)) &&
+           fits(when.property, property);
 }
 
-/**
- * Whether one of the interfaces, and a property of it, is what the condition
- * names.
- * @param[in] requested  only this interface; empty for all
- * @param[in] isGetAll   hidden properties are not meant
- */
+/** Whether it is for an interface, or a property of it, that can be read. */
 bool concerns(const Condition& when, const std::vector<Interface>& interfaces,
-              std::string_view requested, bool isGetAll)
+              const CallKeys& call)
 {
     return std::ranges::any_of(interfaces, [&](const Interface& one) {
-        const auto isProperty = [&](const Property& property) {
-            return property.name == when.property &&
-                   !(isGetAll && property.hidden);
+        const auto isMeant = [&](const Property& property) {
+            return fitsProperty(when, one.name, property.name) &&
+                   !(property.hidden && call.member == getAll);
         };
-        return fits(requested, one.name) && fitsInterface(when, one.name) &&
-               (when.property.empty() ||
-                std::ranges::any_of(one.properties, isProperty));
+        return fits(call.propertyInterface, one.name) &&
+               (fitsProperty(when, one.name, {}) ||
+                std::ranges::any_of(one.properties, isMeant));
     });
 }
 
+/** @param[in] interfaces  those of the object; null when there is none */
 bool fitsCall(const Condition& when, const CallKeys& call,
               const std::vector<Interface>* interfaces)
 {
@@ -85,31 +87,24 @@ bool fitsCall(const Condition& when, const CallKeys& call,
     {
         return when.property.empty() && fits(when.interface, call.interface);
     }
-    if (when.property.empty() && fitsInterface(when, {}))
-    {
-        return true;
-    }
-    if (call.member == "GetAll")
-    {
-        return interfaces &&
-               concerns(when, *interfaces, call.propertyInterface, true);
-    }
-    return fitsInterface(when, call.propertyInterface) &&
-           fits(when.property, call.property);
+    const auto isOfAll = call.member == getAll || call.member.empty();
+    return fitsProperty(when, {}, {}) ||
+           (isOfAll
+                ? interfaces && concerns(when, *interfaces, call)
+                : fitsProperty(when, call.propertyInterface, call.property));
 }
 
-/** Whether there is what a condition names at an object or a node above it. */
-bool isThere(const Condition& when, std::string_view service,
-             std::string_view path, const std::vector<Interface>& interfaces)
+/** Whether a call of a service at an object, or at a node above, could fit. */
+bool canFit(const Condition& when, std::string_view service,
+            std::string_view path, const std::vector<Interface>& interfaces)
 {
-    const auto isBare = when.property.empty() &&
-                        (when.interface.empty() || isStandard(when.interface));
-    const auto isAbove = [&] {
-        return when.path == "/" || path.starts_with(when.path + '/');
-    };
-    return fits(when.service, service) &&
-           (fits(when.path, path) || (isBare && isAbove())) &&
-           (isBare || concerns(when, interfaces, {}, false));
+    const auto isAbove =
+        path.starts_with(when.path + (when.path == "/" ? "" : "/"));
+    return std::ranges::any_of(standardInterfaces, [&](auto interface) {
+        return fitsCall(when, {service, path, interface}, &interfaces) ||
+               (isAbove &&
+                fitsCall(when, {service, when.path, interface}, nullptr));
+    });
 }
 
 /** Whether the machine has what the names of a condition say. */
@@ -121,14 +116,14 @@ bool isThere(const Condition& when, const Scenario& scenario)
     const auto isAtMapper = [&](const std::string& path,
                                 const auto& interfaces) {
         return scenario.hasMapper &&
-               isThere(when, mapperService, path, interfaces);
+               canFit(when, mapperService, path, interfaces);
     };
     const auto isAtOwner = [&](const Object& object, const Owner& owner) {
         const auto isAtEnd = [&](const Association& one) {
             return isAtMapper(object.path + '/' + one.forward, association) ||
                    isAtMapper(one.endpoint + '/' + one.backward, association);
         };
-        return isThere(when, owner.service, object.path, owner.interfaces) ||
+        return canFit(when, owner.service, object.path, owner.interfaces) ||
                std::ranges::any_of(associationsOf(owner.interfaces), isAtEnd);
     };
     return isAtMapper(mapperPath, mapper) ||
@@ -236,8 +231,7 @@ bool Decision::isMissing(std::string_view interface,
                          std::string_view property) const
 {
     return std::ranges::any_of(missing, [&](const Fault* one) {
-        return one->when.property == property &&
-               fitsInterface(one->when, interface);
+        return fitsProperty(one->when, interface, property);
     });
 }
 

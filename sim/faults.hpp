@@ -65,10 +65,11 @@ struct CallKeys
     std::string_view service;
     std::string_view path;
     std::string_view interface;
-    std::string_view member;
+    /** Empty: it may be any. */
+    std::string_view member{};
     /** Of a call that concerns properties. */
-    std::string_view propertyInterface;
-    std::string_view property;
+    std::string_view propertyInterface{};
+    std::string_view property{};
 };
 
 /** What becomes of a call. */

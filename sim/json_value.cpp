@@ -24,11 +24,6 @@ constexpr unsigned deepestValue = 62;
 /** sd-bus would end a text there. */
 bool hasZero(std::string_view text) { return text.find('\0') != text.npos; }
 
-/** As long as sd-bus has it. */
-enum class Boolean : int
-{
-};
-
 template <typename Value>
 Value fromJson(const Json& json, char type)
 {
@@ -38,9 +33,9 @@ Value fromJson(const Json& json, char type)
 }
 
 template <>
-Boolean fromJson(const Json& json, char)
+bool fromJson(const Json& json, char)
 {
-    return Boolean(asFlag(json));
+    return asFlag(json);
 }
 
 template <>
@@ -60,13 +55,7 @@ const char* fromJson(const Json& json, char)
     return asText(json).c_str();
 }
 
-const void* dataOf(const auto& value) { return &value; }
-
-const void* dataOf(const char* text) { return text; }
-
 Json toJson(auto value) { return value; }
-
-Json toJson(Boolean value) { return value != Boolean{}; }
 
 Json toJson(double number)
 {
@@ -74,41 +63,36 @@ Json toJson(double number)
     return std::isfinite(number) ? Json(number) : Json(word);
 }
 
-/** A type that sd-bus reads and appends by itself. */
+/** A type that sd-bus reads from and writes to memory, of eight bytes. */
 struct BasicType
 {
     char type;
-    int (*append)(sd_bus_message* message, char type, const Json& value);
-    Json (*read)(sd_bus_message* message, char type);
     void (*store)(const Json& value, char type, void* memory);
+    Json (*load)(const void* memory);
 };
 
-template <typename Value>
+template <typename Value, typename Stored = Value>
 constexpr BasicType basic(char type)
 {
     return {type,
-            [](sd_bus_message* message, char type, const Json& json) {
-                const auto value = fromJson<Value>(json, type);
-                return sd_bus_message_append_basic(message, type,
-                                                   dataOf(value));
-            },
-            [](sd_bus_message* message, char type) {
-                Value value{};
-                check(sd_bus_message_read_basic(message, type, &value),
-                      "sd_bus_message_read_basic");
-                return toJson(value);
-            },
             [](const Json& json, char type, void* memory) {
-                const auto value = fromJson<Value>(json, type);
-                std::memcpy(memory, &value, sizeof(value));
+                const Stored stored = fromJson<Value>(json, type);
+                std::memcpy(memory, &stored, sizeof(stored));
+            },
+            [](const void* memory) {
+                Stored stored{};
+                std::memcpy(&stored, memory, sizeof(stored));
+                return toJson(static_cast<Value>(stored));
             }};
 }
 
 constexpr std::array basicTypes{
     basic<uint8_t>('y'),     basic<int16_t>('n'),     basic<uint16_t>('q'),
     basic<int32_t>('i'),     basic<uint32_t>('u'),    basic<int64_t>('x'),
-    basic<uint64_t>('t'),    basic<Boolean>('b'),     basic<double>('d'),
+    basic<uint64_t>('t'),    basic<bool, int>('b'),   basic<double>('d'),
     basic<const char*>('s'), basic<const char*>('o'), basic<const char*>('g')};
+
+bool isText(char type) { return type == 's' || type == 'o' || type == 'g'; }
 
 /** Null for a container and for a file descriptor. */
 const BasicType* basicType(char type)
@@ -144,12 +128,7 @@ class Appender
         const auto letter = type.front();
         if (const auto* basic = basicType(letter))
         {
-            const auto result = basic->append(message, letter, value);
-            demand(result != -EINVAL, value,
-                   std::string("the bus does not carry this text as type ") +
-                       letter);
-            check(result, "sd_bus_message_append_basic");
-            return;
+            return appendBasic(*basic, value);
         }
         demand(letter != 'h', value,
                "a file descriptor cannot be written down (type h)");
@@ -161,13 +140,13 @@ class Appender
         const auto isArray = letter == 'a';
         const std::string inside(
             type.substr(1, type.size() - (isArray ? 1 : 2)));
-        if (isArray && inside.front() == '{' && value.is_object())
-        {
-            return appendDictionary(inside, value);
-        }
         const auto container = isArray ? 'a' : letter == '(' ? 'r' : 'e';
-        appendContainer(container, inside, value,
-                        [&] { appendList(inside, value, isArray); });
+        const auto isObject =
+            isArray && inside.front() == '{' && value.is_object();
+        appendContainer(container, inside, value, [&] {
+            isObject ? appendEntries(inside, value)
+                     : appendList(inside, value, isArray);
+        });
     }
 
     void appendVariant(const Json& json)
@@ -195,6 +174,20 @@ class Appender
     }
 
   private:
+    void appendBasic(const BasicType& basic, const Json& value)
+    {
+        uint64_t memory = 0;
+        basic.store(value, basic.type, &memory);
+        const void* data = &memory;
+        const auto result = sd_bus_message_append_basic(
+            message, basic.type,
+            isText(basic.type) ? asText(value).c_str() : data);
+        demand(result != -EINVAL, value,
+               std::string("the bus does not carry this text as type ") +
+                   basic.type);
+        check(result, "sd_bus_message_append_basic");
+    }
+
     /** A container whose contents cannot be appended has spoilt the message. */
     void appendContainer(char type, const std::string& contents,
                          const Json& place, const auto& appendContents)
@@ -214,29 +207,23 @@ class Appender
         --depth;
     }
 
-    void appendDictionary(const std::string& entry, const Json& object)
+    /** A mistake in a key is one of its value: only that has a place. */
+    void appendEntries(const std::string& entry, const Json& object)
     {
         const auto inside = entry.substr(1, entry.size() - 2);
-        appendContainer('a', entry, object, [&] {
-            for (const auto& one : object.items())
-            {
-                appendContainer('e', inside, one.value(), [&] {
-                    appendKey(inside.substr(0, 1), one.key(), one.value());
-                    append(inside.substr(1), one.value());
-                });
-            }
-        });
-    }
-
-    void appendKey(const std::string& type, const Json& key, const Json& place)
-    {
-        try
+        for (const auto& one : object.items())
         {
-            append(type, key);
-        }
-        catch (const Mistake& mistake)
-        {
-            throw Mistake(place, mistake.what());
+            appendContainer('e', inside, one.value(), [&] {
+                try
+                {
+                    append(inside.substr(0, 1), one.key());
+                }
+                catch (const Mistake& mistake)
+                {
+                    throw Mistake(one.value(), mistake.what());
+                }
+                append(inside.substr(1), one.value());
+            });
         }
     }
 
@@ -262,8 +249,7 @@ Json dictionaryOf(Json&& entries, char keyType)
     const auto isName = [&](const Json& entry) {
         return keys.insert(asText(entry[0])).second;
     };
-    const auto isText = keyType == 's' || keyType == 'o' || keyType == 'g';
-    if (!isText || !std::ranges::all_of(entries, isName))
+    if (!isText(keyType) || !std::ranges::all_of(entries, isName))
     {
         return std::move(entries);
     }
@@ -339,7 +325,10 @@ Json readJson(sd_bus_message* message)
           "sd_bus_message_peek_type");
     if (const auto* basic = basicType(type))
     {
-        return basic->read(message, type);
+        uint64_t memory = 0;
+        check(sd_bus_message_read_basic(message, type, &memory),
+              "sd_bus_message_read_basic");
+        return basic->load(&memory);
     }
     check(type == 'h' ? -EOPNOTSUPP : 0, "reading a file descriptor");
     // The text is the message's and moves on with it.

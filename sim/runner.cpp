@@ -31,11 +31,15 @@ constexpr std::string_view addressStart = "unix:abstract=";
 constexpr auto journalSocket = "/run/systemd/journal/socket";
 
 // Everybody may do everything. The limits allow for many services and for
-// large replies.
+// large replies. The socket is handed over as systemd does it.
 constexpr auto busRules =
     R"(<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
  "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
 <busconfig>
+ <type>session</type>
+ <keep_umask/>
+ <auth>EXTERNAL</auth>
+ <listen>systemd:</listen>
  <policy context="default">
   <allow send_destination="*"/>
   <allow receive_sender="*"/>
@@ -47,6 +51,7 @@ constexpr auto busRules =
  <limit name="max_incoming_bytes">1000000000</limit>
  <limit name="max_outgoing_bytes">1000000000</limit>
  <limit name="max_message_size">134217728</limit>
+</busconfig>
 )";
 
 std::string newAddress()
@@ -56,16 +61,6 @@ std::string newAddress()
     std::array<char, SD_ID128_STRING_MAX> name{};
     return std::string(addressStart) + "morvath-sim-" +
            sd_id128_to_string(id, name.data());
-}
-
-std::string configurationFor(bool isBroker, const std::string& address)
-{
-    // The other one gets its socket, and knows nothing else.
-    const auto own = isBroker ? std::string()
-                              : " <type>session</type>\n <keep_umask/>\n"
-                                " <auth>EXTERNAL</auth>\n <listen>" +
-                                    address + "</listen>\n";
-    return busRules + own + "</busconfig>\n";
 }
 
 /** A socket that waits at an address. */
@@ -86,82 +81,30 @@ Descriptor listenAt(const std::string& address)
     return listener;
 }
 
-/** Away from the terminal, so that its signals do not get there. */
-void startDaemon(std::optional<Process>& process,
-                 const MemoryFile& configuration, int messages)
+/** The program that is the bus, at a socket that is its standard input. */
+std::vector<std::string> busCommand(bool isBroker, const std::string& address,
+                                    const std::string& configuration)
 {
-    std::array<int, 2> ends{};
-    check(pipe2(ends.data(), O_CLOEXEC) < 0 ? -errno : 0, "pipe2");
-    const Descriptor readEnd(ends[0], "pipe2");
-    Descriptor writeEnd(ends[1], "pipe2");
-    process.emplace(
-        std::vector<std::string>{
-            "setsid", "dbus-daemon", "--config-file=" + configuration.path(),
-            "--nofork", "--nopidfile", "--nosyslog", "--print-address=1"},
-        std::array{STDIN_FILENO, writeEnd.get(), messages});
-    writeEnd.close();
-    // It listens when it tells the address, and has failed when it does not.
-    char first = 0;
-    [[maybe_unused]] const auto size = read(readEnd.get(), &first, 1);
-}
-
-void startBroker(std::optional<Process>& process,
-                 const MemoryFile& configuration, int messages,
-                 const std::string& address)
-{
-    if (access(journalSocket, W_OK) < 0)
+    if (isBroker && access(journalSocket, W_OK) < 0)
     {
         throw std::runtime_error(std::string("dbus-broker needs the journal's "
                                              "socket, ") +
                                  journalSocket);
     }
-    // The socket is handed over as systemd does it. The launcher is itself a
-    // client of the bus that it launches.
-    constexpr auto script =
-        "LISTEN_FDS=1 LISTEN_PID=$$ DBUS_SESSION_BUS_ADDRESS=$1 exec "
-        "dbus-broker-launch --scope user --config-file $2 3<&0 </dev/null";
-    process.emplace(std::vector<std::string>{"setsid", "sh", "-c", script, "sh",
-                                             address, configuration.path()},
-                    std::array{listenAt(address).get(), messages, messages});
+    const std::string program =
+        isBroker ? "dbus-broker-launch --scope user --config-file $2"
+                 : "dbus-daemon --nofork --nopidfile --nosyslog "
+                   "--config-file=$2";
+    // Away from the terminal, so that its signals do not get there. The
+    // launcher is itself a client of the bus that it launches.
+    const auto script =
+        "LISTEN_FDS=1 LISTEN_PID=$$ DBUS_SESSION_BUS_ADDRESS=$1 exec setsid " +
+        program + " 3<&0 </dev/null";
+    return {"sh", "-c", script, "sh", address, configuration};
 }
-
-} // namespace
-
-Daemon::Daemon(bool isBroker) :
-    busAddress(newAddress()),
-    configuration(configurationFor(isBroker, busAddress)),
-    messages("")
-{
-    const auto output = messages.descriptor().get();
-    if (isBroker)
-    {
-        startBroker(process, configuration, output, busAddress);
-    }
-    else
-    {
-        startDaemon(process, configuration, output);
-    }
-    try
-    {
-        const auto bus = openBus(busAddress);
-        const char* name = nullptr;
-        check(sd_bus_get_unique_name(bus.get(), &name), "connecting");
-    }
-    catch (const std::system_error& error)
-    {
-        std::string reason;
-        std::getline(std::ifstream(messages.path()), reason);
-        throw std::runtime_error(std::string("the bus did not start: ") +
-                                 error.what() + ": " + reason);
-    }
-}
-
-namespace
-{
 
 /** What ends the program, and what it waits for. */
-sigset_t watchedSignals()
-{
+const auto watchedSignals = [] {
     sigset_t signals;
     sigemptyset(&signals);
     for (const auto signal : {SIGINT, SIGTERM, SIGHUP, SIGCHLD})
@@ -169,20 +112,15 @@ sigset_t watchedSignals()
         sigaddset(&signals, signal);
     }
     return signals;
-}
+}();
 
 /** To be called before there are other threads, which inherit it. */
-void blockSignals()
-{
-    const auto signals = watchedSignals();
-    sigprocmask(SIG_BLOCK, &signals, nullptr);
-}
+void blockSignals() { sigprocmask(SIG_BLOCK, &watchedSignals, nullptr); }
 
 siginfo_t nextSignal()
 {
-    const auto signals = watchedSignals();
     siginfo_t info{};
-    while (sigwaitinfo(&signals, &info) < 0)
+    while (sigwaitinfo(&watchedSignals, &info) < 0)
     {}
     return info;
 }
@@ -219,6 +157,29 @@ int withFaultsTold(int status, const Platform& platform,
 }
 
 } // namespace
+
+Daemon::Daemon(bool isBroker) :
+    busAddress(newAddress()),
+    configuration(busRules),
+    messages(""),
+    process(busCommand(isBroker, busAddress, configuration.path()),
+            {listenAt(busAddress).get(), messages.descriptor().get(),
+             messages.descriptor().get()})
+{
+    try
+    {
+        const auto bus = openBus(busAddress);
+        const char* name = nullptr;
+        check(sd_bus_get_unique_name(bus.get(), &name), "connecting");
+    }
+    catch (const std::system_error& error)
+    {
+        std::string reason;
+        std::getline(std::ifstream(messages.path()), reason);
+        throw std::runtime_error(std::string("the bus did not start: ") +
+                                 error.what() + ": " + reason);
+    }
+}
 
 int runCommand(const Scenario& scenario, const RunOptions& options,
                const std::vector<std::string>& command)

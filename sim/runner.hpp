@@ -29,7 +29,7 @@ class Daemon
     const MemoryFile configuration;
     /** The program also warns of harmless things. */
     const MemoryFile messages;
-    std::optional<Process> process;
+    const Process process;
 };
 
 struct RunOptions

@@ -86,9 +86,8 @@ void checkService(const Json& change, const Json& flag, Scenario& machine)
            "there is no such service");
 }
 
-void checkParts(const Json&, const Json& parts, Scenario& machine)
+SharedJson withParts(Json section, const Json& parts)
 {
-    auto section = *machine.raid;
     for (const auto& [pointer, part] : asObject(parts).items())
     {
         try
@@ -101,7 +100,12 @@ void checkParts(const Json&, const Json& parts, Scenario& machine)
         }
         checkRaid(section, part);
     }
-    machine.raid = std::make_shared<const Json>(std::move(section));
+    return std::make_shared<const Json>(std::move(section));
+}
+
+void checkParts(const Json&, const Json& parts, Scenario& machine)
+{
+    machine.raid = withParts(*machine.raid, parts);
 }
 
 struct ChangeKind
@@ -212,12 +216,7 @@ void Schedule::make(const SharedJson& change)
     }
     else if (const auto* parts = findMember(what, "raid"))
     {
-        auto section = *raid;
-        for (const auto& [pointer, part] : parts->items())
-        {
-            section.at(Json::json_pointer(pointer)) = part;
-        }
-        raid = std::make_shared<const Json>(std::move(section));
+        raid = withParts(*raid, *parts);
         raidChanged(*raid);
     }
     else if (auto* service = services.named(asText(what["service"])))

@@ -86,16 +86,6 @@ cli::Parameter scenarioOption(Options& options)
                      "The machine: a file, \"default\" or \"busy\"");
 }
 
-/** The options of both commands that serve. */
-std::vector<cli::Parameter> servingOptions(Options& options)
-{
-    return {scenarioOption(options),
-            cli::text("--log", cli::fileValue, options.log,
-                      "Write every method call and what became of it"),
-            cli::flag("--strict", options.run.strict,
-                      "Fail when no call has met one of the faults")};
-}
-
 int checkScenario(const Options& options)
 {
     const auto scenario = Scenario::load(options.scenario);
@@ -140,7 +130,27 @@ int serveOrRun(const Options& options)
     return status == EXIT_SUCCESS ? EXIT_FAILURE : status;
 }
 
-cli::Parameter busOption(Options& options)
+/** A command that serves, with its own parameters behind the common ones. */
+cli::Command servingCommand(Options& options, std::string name,
+                            std::string meaning,
+                            const std::vector<cli::Parameter>& own)
+{
+    std::vector parameters{
+        scenarioOption(options),
+        cli::text("--log", cli::fileValue, options.log,
+                  "Write every method call and what became of it"),
+        cli::flag("--strict", options.run.strict,
+                  "Fail when no call has met one of the faults")};
+    parameters.insert(parameters.end(), own.begin(), own.end());
+    return {
+        .name = std::move(name),
+        .meaning = std::move(meaning),
+        .parameters = std::move(parameters),
+        .run = [&options] { return serveOrRun(options); },
+    };
+}
+
+cli::Command runOf(Options& options)
 {
     const auto choose = [&](const std::string& name) {
         options.run.usesBroker = name == brokerName;
@@ -149,46 +159,28 @@ cli::Parameter busOption(Options& options)
     {
         choose(chosen);
     }
-    return {.names = "--bus",
-            .meaning = "The program that is the bus (default: dbus-daemon)",
-            .take = choose,
-            .value = "PROGRAM",
-            .words = {{"dbus-daemon", "the reference implementation"},
-                      {brokerName, "what controllers run"}}};
-}
-
-cli::Command runOf(Options& options)
-{
-    const auto take = [&options](const std::string& word) {
-        options.command.push_back(word);
-    };
-    auto parameters = servingOptions(options);
-    parameters.push_back(busOption(options));
-    parameters.push_back({.names = cli::commandValue,
-                          .meaning = "The command, after --",
-                          .take = take,
-                          .isRequired = true,
-                          .isRepeated = true});
-    return {
-        .name = "run",
-        .meaning = "Run a command with a simulated platform",
-        .parameters = std::move(parameters),
-        .run = [&options] { return serveOrRun(options); },
-    };
+    return servingCommand(
+        options, "run", "Run a command with a simulated platform",
+        {{.names = "--bus",
+          .meaning = "The program that is the bus (default: dbus-daemon)",
+          .take = choose,
+          .value = "PROGRAM",
+          .words = {{"dbus-daemon", "the reference implementation"},
+                    {brokerName, "what controllers run"}}},
+         {.names = cli::commandValue,
+          .meaning = "The command, after --",
+          .take =
+              [&](const std::string& word) { options.command.push_back(word); },
+          .isRequired = true,
+          .isRepeated = true}});
 }
 
 cli::Command serveOf(Options& options)
 {
-    auto parameters = servingOptions(options);
-    parameters.push_back(
-        cli::text("--address", "ADDRESS", options.address,
-                  "The bus (default: the one of the environment)"));
-    return {
-        .name = "serve",
-        .meaning = "Serve on a bus that is already there",
-        .parameters = std::move(parameters),
-        .run = [&options] { return serveOrRun(options); },
-    };
+    return servingCommand(
+        options, "serve", "Serve on a bus that is already there",
+        {cli::text("--address", "ADDRESS", options.address,
+                   "The bus (default: the one of the environment)")});
 }
 
 cli::Command checkOf(Options& options)

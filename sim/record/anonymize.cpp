@@ -241,7 +241,7 @@ class Anonymizer
             }
             for (auto& [name, member] : json.items())
             {
-                const auto* own = ruleOf(name);
+                const auto* own = json.is_object() ? ruleOf(name) : nullptr;
                 walk(member, isValue && !own ? named : own, isValue);
             }
             if (isValue && json.is_object())
@@ -361,6 +361,7 @@ class Anonymizer
         }
     }
 
+    /** Puts masks in place of the longest secrets that fit. */
     void mask(std::string& text, const View& view, const Rule* named) const
     {
         const auto isNamed = named && !named->exception.matches(view.text);

@@ -13,6 +13,7 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -21,7 +22,6 @@
 #include <set>
 #include <string_view>
 #include <system_error>
-#include <unordered_map>
 #include <utility>
 
 namespace morvath::sim
@@ -30,8 +30,6 @@ namespace morvath::sim
 namespace
 {
 
-constexpr auto introspectable = "org.freedesktop.DBus.Introspectable";
-
 /** Adds a member whose key is new, past the search for it. */
 void addNew(Json& object, const std::string& key, Json&& value)
 {
@@ -39,26 +37,16 @@ void addNew(Json& object, const std::string& key, Json&& value)
     members.emplace_back(key, std::move(value));
 }
 
-/** Whether nobody is left to ask: asking again only takes time. */
-bool isLost(const BusError& error)
-{
-    return error.name() == SD_BUS_ERROR_TIMEOUT ||
-           error.name() == SD_BUS_ERROR_SERVICE_UNKNOWN ||
-           error.name() == SD_BUS_ERROR_NAME_HAS_NO_OWNER;
-}
+constexpr std::string_view noObject = SD_BUS_ERROR_UNKNOWN_OBJECT;
 
-/** Whether the service does not know the object. */
-bool isGone(const BusError& error)
+/** Whether the service has no more to say, or not of the object. */
+bool isFinal(const BusError& error)
 {
-    return error.name() == SD_BUS_ERROR_UNKNOWN_OBJECT;
+    constexpr std::array<std::string_view, 4> names{
+        SD_BUS_ERROR_TIMEOUT, SD_BUS_ERROR_SERVICE_UNKNOWN,
+        SD_BUS_ERROR_NAME_HAS_NO_OWNER, noObject};
+    return std::ranges::count(names, error.name()) > 0;
 }
-
-/** An object of one service. */
-struct Source
-{
-    const std::string& path;
-    const std::string& service;
-};
 
 /** What introspection data say of an interface. */
 struct KnownInterface
@@ -71,8 +59,8 @@ struct KnownInterface
 /** Reads introspection data. */
 struct Introspection
 {
-    /** @return whether they are well-formed; what stands before counts */
-    bool parse(const std::string& xml)
+    /** @throws BusError  they are not well-formed; what is before counts */
+    void parse(const std::string& xml)
     {
         const std::unique_ptr<XML_ParserStruct, Releaser<XML_ParserFree>>
             parser(XML_ParserCreate(nullptr));
@@ -82,38 +70,37 @@ struct Introspection
             [](void* self, const char* element, const char** attributes) {
                 static_cast<Introspection*>(self)->start(element, attributes);
             },
-            [](void* self, const char* element) {
-                static_cast<Introspection*>(self)->depth -=
-                    element == nodeElement ? 1 : 0;
+            [](void* self, const char*) {
+                --static_cast<Introspection*>(self)->depth;
             });
-        return XML_Parse(parser.get(), xml.data(), static_cast<int>(xml.size()),
-                         XML_TRUE) == XML_STATUS_OK;
+        if (XML_Parse(parser.get(), xml.data(), static_cast<int>(xml.size()),
+                      XML_TRUE) != XML_STATUS_OK)
+        {
+            throw BusError(SD_BUS_ERROR_FAILED, "not well-formed");
+        }
     }
 
     void start(const std::string_view element, const char** attributes)
     {
-        std::map<std::string_view, std::string_view> values;
+        std::map<std::string_view, std::string> values;
         for (; *attributes; attributes += 2)
         {
             values.emplace(attributes[0], attributes[1]);
         }
-        const std::string name(values["name"]);
-        depth += element == nodeElement ? 1 : 0;
+        ++depth;
         // A child may be described in its parent; that is another object.
-        if (depth == 1 && element == "interface")
+        if (depth == 2 && element == "interface")
         {
-            interfaces.push_back({name});
+            interfaces.push_back({values["name"]});
         }
-        else if (depth == 1 && element == "property" && !interfaces.empty())
+        else if (depth == 3 && element == "property" && !interfaces.empty())
         {
-            interfaces.back().properties.emplace_back(name, values["access"] ==
-                                                                "read");
+            interfaces.back().properties.emplace_back(
+                values["name"], values["access"] == "read");
         }
     }
 
-    static constexpr std::string_view nodeElement = "node";
-
-    std::vector<KnownInterface> interfaces;
+    std::vector<KnownInterface> interfaces{};
     int depth = 0;
 };
 
@@ -138,18 +125,20 @@ class Recorder
         auto recorded = Json::array();
         auto missing = wanted;
         const auto listed = mappedObjects();
-        for (const auto& [path, owners] : listed.items())
+        for (const auto& [object, owners] : listed.items())
         {
+            path = object;
             cli::showProgress(path);
             Json services;
-            for (const auto& [service, interfaces] : owners.items())
+            for (const auto& [owner, interfaces] : owners.items())
             {
+                service = owner;
                 missing.erase(service);
                 // What the mapper publishes follows from the other objects.
                 if (service != mapperService && !lost.contains(service) &&
                     (wanted.empty() || wanted.contains(service)))
                 {
-                    addService(services, {path, service}, interfaces);
+                    addService(services, interfaces);
                 }
             }
             if (!services.empty())
@@ -157,29 +146,29 @@ class Recorder
                 recorded.push_back({{"path", path}, {"services", services}});
             }
         }
-        for (const auto& service : missing)
+        for (const auto& name : missing)
         {
-            omit(service, "the object mapper does not know the service");
+            omit(name, "the object mapper does not know the service");
         }
         return recorded;
     }
 
   private:
     /**
-     * The answer to a call.
+     * What the present service answers for the present object.
      * @throws BusError            it is missing or cannot be used
      * @throws std::runtime_error  the bus is gone
      */
-    Json ask(const Source& source, const char* interface, const char* member,
-             const char* answerType, const char* types, auto... arguments)
+    Json ask(const char* interface, const char* member, const char* answerType,
+             const char* types, auto... arguments)
     {
         sd_bus_error error{};
         const std::unique_ptr<sd_bus_error, Releaser<sd_bus_error_free>> owner(
             &error);
         sd_bus_message* raw = nullptr;
         const auto result = sd_bus_call_method(
-            bus.get(), source.service.c_str(), source.path.c_str(), interface,
-            member, &error, &raw, types, arguments...);
+            bus.get(), service.c_str(), path.c_str(), interface, member, &error,
+            &raw, types, arguments...);
         const Message answer(raw);
         if (result < 0 && sd_bus_is_open(bus.get()) <= 0)
         {
@@ -210,10 +199,12 @@ class Recorder
 
     Json mappedObjects()
     {
+        path = mapperPath;
+        service = mapperService;
         try
         {
-            return ask({mapperPath, mapperService}, mapperService, "GetSubTree",
-                       "a{sa{sas}}", "sias", "/", 0, 0);
+            return ask(mapperService, "GetSubTree", "a{sa{sas}}", "sias", "/",
+                       0, 0);
         }
         catch (const std::exception& error)
         {
@@ -222,128 +213,122 @@ class Recorder
         }
     }
 
-    /** Adds what a service publishes on an object, if it knows the object. */
-    void addService(Json& services, const Source& source,
-                    std::vector<std::string> names)
+    /** Adds what the service publishes on the object, if it knows it. */
+    void addService(Json& services, std::vector<std::string> names)
     {
-        const auto& [path, service] = source;
         std::erase_if(names, [](const std::string& name) {
             return name.starts_with("org.freedesktop.DBus.");
         });
         try
         {
             services.push_back(
-                {{"name", service}, {"interfaces", interfaces(source, names)}});
+                {{"name", service}, {"interfaces", interfaces(names)}});
         }
         catch (const BusError& error)
         {
-            if (isLost(error))
+            const auto isUnknown = error.name() == noObject;
+            if (isFinal(error) && !isUnknown)
             {
                 lost.insert(service);
                 omit(service + ", from object " + path + " on", error.what());
             }
             // Without interfaces it may only be there for what is below.
-            else if (!isGone(error) || !names.empty())
+            else if (!isUnknown || !names.empty())
             {
                 omit(path + ": " + service, error.what());
             }
         }
     }
 
-    Json interfaces(const Source& source, std::vector<std::string> names)
+    Json interfaces(const std::vector<std::string>& names)
     {
         auto recorded = Json::object();
         if (names.empty())
         {
             // Tells whether there is an object at all.
-            ask(source, propertiesInterface.data(), "GetAll", "a{sv}", "s", "");
+            ask(propertiesInterface.data(), "GetAll", "a{sv}", "s", "");
             return recorded;
         }
         Introspection known;
-        attempt(source, "introspection", [&] {
-            const auto xml = ask(source, introspectable, "Introspect", "s", "");
-            if (!known.parse(xml.get_ref<const std::string&>()))
-            {
-                throw BusError(SD_BUS_ERROR_FAILED, "not well-formed");
-            }
+        attempt("introspection", [&] {
+            const auto xml = ask("org.freedesktop.DBus.Introspectable",
+                                 "Introspect", "s", "");
+            known.parse(xml.get_ref<const std::string&>());
         });
         // What was registered last is introspected first.
         std::ranges::reverse(known.interfaces);
-        for (const auto& one : known.interfaces)
-        {
-            if (std::erase(names, one.name) > 0)
-            {
-                addInterface(recorded, source, one);
-            }
-        }
         for (const auto& name : names)
         {
-            addInterface(recorded, source, {name});
+            known.interfaces.push_back({name});
+        }
+        std::set<std::string> left(names.begin(), names.end());
+        for (const auto& interface : known.interfaces)
+        {
+            if (left.erase(interface.name) > 0)
+            {
+                addInterface(recorded, interface);
+            }
         }
         return recorded;
     }
 
-    void addInterface(Json& recorded, const Source& source,
-                      const KnownInterface& known)
+    void addInterface(Json& recorded, const KnownInterface& known)
     {
         const auto& name = known.name;
         auto values = Json::object();
-        const auto isListed = attempt(source, name, [&] {
-            values = ask(source, propertiesInterface.data(), "GetAll", "a{sv}",
-                         "s", name.c_str());
+        const auto isListed = attempt(name, [&] {
+            values = ask(propertiesInterface.data(), "GetAll", "a{sv}", "s",
+                         name.c_str());
         });
         if (!isListed && known.properties.empty())
         {
             return;
         }
-        std::unordered_map<std::string, bool> unseen(known.properties.begin(),
-                                                     known.properties.end());
+        // Of those that are still to be added.
+        std::map<std::string, bool> access(known.properties.begin(),
+                                           known.properties.end());
         auto own = Json::object();
+        const auto add = [&](const std::string& property, Json& value) {
+            const auto isReadOnly = access.extract(property);
+            if (isReadOnly && isReadOnly.mapped())
+            {
+                value["readOnly"] = true;
+            }
+            addNew(own, property, std::move(value));
+        };
         for (auto& [property, value] : values.items())
         {
-            const auto access = unseen.extract(property);
             if (sd_bus_member_name_is_valid(property.c_str()) > 0)
             {
-                addProperty(own, property, value, access && access.mapped());
+                add(property, value);
             }
             else
             {
-                omit(source.path + ": " + name, "a property without a name");
+                omit(path + ": " + name, "a property without a name");
             }
         }
         // One getter that fails takes GetAll with it; the others are not lost.
-        for (const auto& property : known.properties)
+        for (const auto& one : known.properties)
         {
-            if (unseen.contains(property.first))
+            const auto& property = one.first;
+            if (access.contains(property))
             {
-                attempt(source, name + "." + property.first, [&] {
-                    auto value =
-                        ask(source, propertiesInterface.data(), "Get", "v",
-                            "ss", name.c_str(), property.first.c_str());
+                attempt(name + "." + property, [&] {
+                    auto value = ask(propertiesInterface.data(), "Get", "v",
+                                     "ss", name.c_str(), property.c_str());
                     if (isListed)
                     {
                         value["hidden"] = true;
                     }
-                    addProperty(own, property.first, value, property.second);
+                    add(property, value);
                 });
             }
         }
         addNew(recorded, name, std::move(own));
     }
 
-    static void addProperty(Json& own, const std::string& name, Json& value,
-                            bool isReadOnly)
-    {
-        if (isReadOnly)
-        {
-            value["readOnly"] = true;
-        }
-        addNew(own, name, std::move(value));
-    }
-
     /** Tells what fails, unless that ends the whole object. */
-    bool attempt(const Source& source, const std::string& what,
-                 const auto& action)
+    bool attempt(const std::string& what, const auto& action)
     {
         try
         {
@@ -352,12 +337,11 @@ class Recorder
         }
         catch (const BusError& error)
         {
-            if (isLost(error) || isGone(error))
+            if (isFinal(error))
             {
                 throw;
             }
-            omit(source.path + ": " + source.service + ": " + what,
-                 error.what());
+            omit(path + ": " + service + ": " + what, error.what());
             return false;
         }
     }
@@ -365,7 +349,10 @@ class Recorder
     Bus bus;
     const Omit& omit;
     std::set<std::string> wanted;
-    std::set<std::string> lost;
+    std::set<std::string> lost{};
+    // What is asked.
+    std::string service{};
+    std::string path{};
 };
 
 /** The RAID section; null when there is nothing to record. */

@@ -12,7 +12,6 @@
 #include <cstdint>
 #include <map>
 #include <new>
-#include <ranges>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -106,7 +105,7 @@ struct Rules
          APART("[0-9]{1,3}(\\.[0-9]{1,3}){3}|(" GROUP ":){7}" GROUP "|((" GROUP
                ":){1,6}|:)(:" GROUP "){1,7}|(" GROUP ":){1,7}:"),
          // Loopback and multicast addresses, netmasks.
-         "^([0:]*1?$|ff" HEX HEX ":|(0|127|22[4-9]|2[3-5][0-9])\\.)"},
+         "^([0:]*1?$|ff" HEX HEX ":|(127|22[4-9]|23[0-9]|255)\\.)"},
     }};
 
     /** Without marks and spaces. */
@@ -185,10 +184,10 @@ std::string maskOf(std::string letters, Kind kind, uint64_t number)
 {
     // Wherever the dots are, an address of these is one.
     const std::string_view digits = kind == Kind::address ? "12" : "0123456789";
-    for (auto& letter : letters | std::views::reverse)
+    for (auto letter = letters.rbegin(); letter != letters.rend(); ++letter)
     {
-        const auto alphabet = isDigit(letter) ? digits : "abcdef";
-        letter = alphabet[number % alphabet.size()];
+        const auto alphabet = isDigit(*letter) ? digits : "abcdef";
+        *letter = alphabet[number % alphabet.size()];
         number /= alphabet.size();
     }
     return number == 0 ? letters : "";
@@ -336,7 +335,7 @@ class Anonymizer
         const auto& letters = view.letters;
         if (!rules.placeholder.matches(letters))
         {
-            auto& secret = secrets.try_emplace(letters, kind).first->second;
+            auto& secret = secrets.emplace(letters, Secret{kind}).first->second;
             secret.kind = std::min(secret.kind, kind);
             secret.spellings[view.isBroken(0, letters.size() - 1)] = true;
         }

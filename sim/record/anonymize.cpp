@@ -353,6 +353,11 @@ class Anonymizer
             do
             {
                 secret.mask = maskOf(letters, secret.kind, ++number);
+                if (secret.mask.empty())
+                {
+                    // Rather an address that there cannot be than none.
+                    secret.mask = maskOf(letters, Kind::identifier, number);
+                }
             } while (secrets.contains(secret.mask));
             // With none left, one secret stands for another.
             secret.mask = secret.mask.empty() ? previous : secret.mask;

@@ -14,24 +14,6 @@ const std::string board =
 const std::string prefix = "xyz.openbmc_project.";
 const std::string purpose = prefix + "Software.Version.VersionPurpose.";
 
-TEST(Identity, WritesThreeFacts)
-{
-    using Get = int32_t(char**);
-    using Set = int32_t(const char*);
-    const sim::Platform platform(sim::Scenario::standard());
-    const std::pair<Set*, Get*> facts[]{
-        {setSystemAssetTag, getSystemAssetTag},
-        {setSystemHostName, getSystemHostName},
-        {setSystemConfModel, getSystemConfModel},
-    };
-    for (const auto& [set, get] : facts)
-    {
-        EXPECT_NE(read(get), "new");
-        EXPECT_EQ(set("new"), 0);
-        EXPECT_EQ(read(get), "new");
-    }
-}
-
 Json controller(const std::string& model)
 {
     return {{prefix + "Inventory.Item.Bmc", Json::object()},
@@ -90,34 +72,21 @@ TEST(Firmware, IsTheLastOfItsPurpose)
     }
 }
 
-TEST(Bios, WidensEachChoice)
+TEST(Bios, TellsChoicesApart)
 {
-    struct
-    {
-        int32_t (*get)(uint32_t*);
-        const char* name;
-        Json published;
-        uint32_t value;
-    } const choices[]{
-        {getBiosBootType, "BootType", property("y", 7), 7},
-        {getBiosIPV4Support, "IPv4PXESupport", property("b", true), 1},
-        {getBiosIPV6Support, "IPv6PXESupport", property("b", false), 0},
-        {getBiosBootOrder0, "BootTypeOrder0", property("y", 0), 0},
-        {getBiosBootOrder1, "BootTypeOrder1", property("y", 1), 1},
-        {getBiosBootOrder2, "BootTypeOrder2", property("y", 254), 254},
-        {getBiosBootOrder3, "BootTypeOrder3", property("y", 255), 255},
-        {getBiosHyperThreading, "ProcessorHyperThreading", property("b", true),
-         1},
-    };
-    for (const auto& [get, name, published, value] : choices)
-    {
-        const Json choice{{name, published}};
-        const auto machine =
-            Machine().owns(board + "/bios", prefix + "Smbios.MDR_V2",
-                           {{prefix + "BIOSConfig.BiosConf", choice}});
-        const sim::Platform platform(machine.scenario());
-        EXPECT_EQ(read(get), value) << name;
-    }
+    // On the server these are the same as others of them.
+    const auto machine =
+        Machine().owns(board + "/bios", prefix + "Smbios.MDR_V2",
+                       {{prefix + "BIOSConfig.BiosConf",
+                         {{"BootType", property("y", 7)},
+                          {"BootTypeOrder1", property("y", 255)},
+                          {"IPv4PXESupport", property("b", false)},
+                          {"ProcessorHyperThreading", property("b", true)}}}});
+    const sim::Platform platform(machine.scenario());
+    EXPECT_EQ(read(getBiosBootType), 7u);
+    EXPECT_EQ(read(getBiosBootOrder1), 255u);
+    EXPECT_EQ(read(getBiosIPV4Support), 0u);
+    EXPECT_EQ(read(getBiosHyperThreading), 1u);
 }
 
 TEST(DeviceUuid, IsDerivedFromTheMachine)

@@ -76,14 +76,6 @@ Machine answering(const Json& reply)
     return fans().fault({{"member", "GetSubTree"}}, {{"reply", reply}});
 }
 
-TEST(ListObjects, GivesMinusOneForAnEmptyAnswer)
-{
-    const sim::Platform platform(answering({{"type", ""}}).scenario());
-    SubTree tree;
-    EXPECT_EQ(getSubTree("/fans", wanted, &tree), -1);
-    EXPECT_TRUE(tree.empty());
-}
-
 TEST(FindObjects, TakesAnObjectWithoutOwnersAsOneWithoutName)
 {
     const auto orphan = property("a{sa{sas}}", {{"/orphan", Json::object()}});

@@ -73,18 +73,4 @@ Lines raidLinesOf(const Json& section)
     return linesOf<Get>(preset);
 }
 
-/** What a table function leaves in its outputs, in words. */
-template <auto Get>
-std::string outputsOf()
-{
-    constexpr int32_t preset = 77;
-    decltype(recordOf(Get)) marker{};
-    auto* records = &marker;
-    int32_t count = preset;
-    const auto outcome = outcomeOf([&] { return Get(&records, &count); });
-    return outcome + (records == &marker ? ", array untouched" : ", array") +
-           (count == preset ? ", count untouched"
-                            : ", count " + std::to_string(count));
-}
-
 } // namespace morvath::tests

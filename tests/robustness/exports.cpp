@@ -84,20 +84,6 @@ struct Clock : OneOutput<uint32_t>
     std::string taken() { return value == mark<uint32_t> ? untouched : "time"; }
 };
 
-struct LastPart
-{
-    const std::string dotted = "xyz.openbmc_project.long.enough.to.be.AWord";
-    std::string last;
-
-    int32_t of(auto get)
-    {
-        last = get(dotted);
-        return 0;
-    }
-
-    std::string taken() { return last.empty() ? untouched : last; }
-};
-
 struct TextList
 {
     char** texts = nullptr;
@@ -252,6 +238,7 @@ constexpr char address[] = "192.0.2.1";
 const char* addresses[]{address, nullptr};
 
 const PropertyValue newServers = std::vector<std::string>{address};
+constexpr auto newServersSent = R"(NTPServers ["192.0.2.1"])";
 
 // What becomes of a call, by the kind of function.
 constexpr Results local{"", "", untouched, false, "0"};
@@ -298,16 +285,16 @@ constexpr Export exports[]{
         single, "1"),
     on<Number<uint8_t, getDbusPropertyBool, smbios, bios, choices,
               hyperThreading>>(single, "1"),
-    on<Setter<setDbusPropertyBool, network, eth0, ethernet, emitLldp, 1>>(
-        writing),
+    on<Setter<setDbusPropertyBool, network, eth0, ethernet, emitLldp, 2>>(
+        writing, "EmitLLDP true"),
     on<Setter<setDbusPropertyUint64, timeService, clockPath, epoch, elapsed,
-              1>>(writing),
+              UINT64_MAX>>(writing, "Elapsed 18446744073709551615"),
     on<Setter<setDbusPropertyString, network, eth0, ethernet, gateway,
-              address>>(writing),
+              address>>(writing, R"(DefaultGateway "192.0.2.1")"),
     on<Setter<setDbusPropertyVectorString, network, eth0, ethernet, ntpServers,
-              addresses>>(writing),
+              addresses>>(writing, newServersSent),
     on<Setter<setDbusPropertyVectorStringWithoutPath, network, ethernet,
-              ntpServers, addresses>>(writingAll),
+              ntpServers, addresses>>(writingAll, newServersSent),
     on<Texts<getDbusInterface, anyOwner, supplies, supply>>(single),
     on<Call<RowsOfCells, getDbusTableData, supplies, supply, cells, cellCount>>(
         listed),
@@ -315,8 +302,7 @@ constexpr Export exports[]{
     on<Call<OneOutput<PropertyValue>, _getDbusProperty, network, eth0, ethernet,
             ntpServers>>(single),
     on<Setter<_setDbusProperty, network, eth0, ethernet, ntpServers,
-              &newServers>>(writing),
-    on<Call<LastPart, getLastStr>>(local, "AWord"),
+              &newServers>>(writing, newServersSent),
 
     fact<getSystemManufacturer>("Velmora Systems"),
     fact<getSystemModel>("VS2-2288"),
@@ -325,9 +311,9 @@ constexpr Export exports[]{
     fact<getSystemAssetTag>("AT-004512"),
     fact<getSystemHostName>("rack7-node12"),
     fact<getSystemConfModel>("balanced"),
-    on<Setter<setSystemAssetTag, model>>(writing),
-    on<Setter<setSystemHostName, model>>(writing),
-    on<Setter<setSystemConfModel, model>>(writing),
+    on<Setter<setSystemAssetTag, word>>(writing, R"(AssetTag "AlwaysOn")"),
+    on<Setter<setSystemHostName, word>>(writing, R"(HostName "AlwaysOn")"),
+    on<Setter<setSystemConfModel, word>>(writing, R"(ConfModel "AlwaysOn")"),
     fact<getBiosVendor>("Velmora Systems"),
     fact<getBiosBuildDate>("03/14/2026"),
     fact<getCpldFirmwareVersion>("1.07"),
@@ -364,15 +350,21 @@ constexpr Export exports[]{
 
     fact<getSystemPowerState>("PowerOn"),
     code<getSystemPowerCtl>(single, "1"),
-    on<Setter<setSystemPowerCtl, 1>>(writing),
+    on<Setter<setSystemPowerCtl, 1>>(
+        writing, R"(RequestedHostTransition "xyz.openbmc_project.State.Host.)"
+                 R"(Transition.On")"),
     fact<getPowerRestorePolicy>("LastState"),
-    on<Setter<setPowerRestorePolicy, word>>(writing),
+    on<Setter<setPowerRestorePolicy, word>>(
+        writing, R"(PowerRestorePolicy "xyz.openbmc_project.Control.Power.)"
+                 R"(RestorePolicy.Policy.AlwaysOn")"),
     on<Call<Clock, getTimeStamp>>(local, "time"),
     on<Number<int32_t, getTimeZone>>(local),
-    on<Setter<setTimeStamp, 1>>(writing),
+    on<Setter<setTimeStamp, 1>>(writing, "Elapsed 1000000"),
     code<getNtpServerStatus>(single, "1"),
-    on<Setter<setNtpServerStatus, 0>>(writing),
-    on<Setter<setNtpServerIP, address>>(writingAll),
+    on<Setter<setNtpServerStatus, 0>>(
+        writing, R"(TimeSyncMethod "xyz.openbmc_project.Time.Synchronization.)"
+                 R"(Method.Manual")"),
+    on<Setter<setNtpServerIP, address>>(writingAll, newServersSent),
     fact<getNtpPreferServer>("10.20.30.5 10.20.30.6 "),
     on<Text<getBMCDeviceUUID>>(local),
 
@@ -391,7 +383,7 @@ constexpr Export exports[]{
     on<Table<getPwmTableInfo>>(listed),
     on<Table<getNetworkTableInfo>>(interfaces),
     on<Table<getNetPortTableInfo>>(ports),
-    on<Setter<setLldpEnalbed, nic, port, 1>>(writing),
+    on<Setter<setLldpEnalbed, nic, port, 1>>(writing, "LldpEnabled true"),
     on<Table<getHddTableInfo>>(anywhere),
     on<Table<getRaidControllerInfo>>(local),
     on<Table<getRaidHddTableInfo>>(local),

@@ -44,11 +44,14 @@ struct Export
     /** What becomes of calls with a null for each text, one at a time. */
     std::vector<std::string> (*nulls)();
     Results results;
-    /** The outputs without a fault; null where another test checks them. */
+    /**
+     * The outputs without a fault, of a setter what it sends; null where
+     * another test checks them.
+     */
     const char* usual;
 };
 
-/** All exports but those that only release memory. */
+/** All exports but those that release memory or cut a text. */
 std::span<const Export> allExports();
 
 } // namespace morvath::tests

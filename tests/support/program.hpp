@@ -17,7 +17,7 @@ struct Outcome
  * Runs a program in a shell. The last word of the command is the name of the
  * environment variable that says how to run it here.
  */
-Outcome run(const std::string& command, const std::string& arguments);
+Outcome run(std::string command, const std::string& arguments);
 
 inline Outcome morvath(const std::string& arguments)
 {

@@ -138,6 +138,25 @@ Lines linesOf(const Machine& machine, int32_t countBefore = 0)
     return linesOf<Get>(countBefore);
 }
 
+/** The outcome, then what a table function leaves in its outputs, in words. */
+template <auto Get>
+std::string outputsOf(int32_t countBefore)
+{
+    decltype(recordOf(Get)) marker{};
+    auto* records = &marker;
+    int32_t count = countBefore;
+    const auto outcome = outcomeOf([&] { return Get(&records, &count); });
+    const auto* array = !records             ? " null "
+                        : records == &marker ? " untouched "
+                                             : " array ";
+    // One that comes with a code is released already.
+    if (records != &marker && !outcome.starts_with('-'))
+    {
+        std::free(records);
+    }
+    return outcome + array + std::to_string(count);
+}
+
 /** The properties with others in their place; null for one that is missing. */
 inline Json changed(Json properties, const Json& changes)
 {

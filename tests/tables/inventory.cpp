@@ -8,40 +8,6 @@ const std::string item = "xyz.openbmc_project.Inventory.Item.";
 const std::string board =
     "/xyz/openbmc_project/inventory/system/chassis/motherboard/";
 
-TEST(Inventory, IsThatOfTheServer)
-{
-    struct
-    {
-        Lines lines;
-        std::size_t count;
-        const char* second;
-    } const tables[]{
-        {linesOf<getPsuTableInfo>(Machine::server()), 2,
-         "0|powersupply1|Tarnwick Power|TP-800-PT|TW800A6620088|800|1.4.2|0|"
-         "0"},
-        {linesOf<getPcieTableInfo>(Machine::server()), 8,
-         "0|PCIe slot 2||PCIE2|0|0|0"},
-        {linesOf<getNetAdapterTableInfo>(Machine::server()), 2,
-         "0|nic1|Pellagic Networks|PN-100D OCP|QSFP28|Ethernet|2|0|0"},
-        {linesOf<getGpuInfoEntry>(Machine::server()), 2,
-         "0|Umbrafell U48|Umbrafell Graphics|UG-U48-P2|UG48K660021|49152|49|"
-         "36|142|0|0"},
-        {linesOf<getMemoryTableInfo>(Machine::server()), 16,
-         "0|dimm1|Osprune Memory|OM5R64G56-2|6C413A17|DDR5|RDIMM|"
-         "P0_Node0_Channel1_Dimm0|CPU0_DIMM_B|MultiBitECC|5600|67108864|64|1|0|"
-         "0"},
-        {linesOf<getCpuTableInfo>(Machine::server()), 2,
-         "0|CPU1|Kelvane Micro|Kelvane K9 6430 32-Core Processor|K9-6430-A1|"
-         "KX09L2260233|x86-64|2600|3800|32|64|2048|2048|32768|131072|1|0|0"},
-    };
-    for (const auto& [lines, count, second] : tables)
-    {
-        ASSERT_EQ(lines.size(), 1 + count) << second;
-        EXPECT_EQ(lines[0], "0");
-        EXPECT_EQ(lines[2], second);
-    }
-}
-
 /** What the table makes of one object with the properties, changed. */
 template <auto Get>
 void expectVariants(const std::string& path, const std::string& interface,

@@ -31,16 +31,6 @@ Machine oneAddress(const Json& changes)
     return interface({}).owns(eth0 + "/b", service, addressWith(changes));
 }
 
-TEST(NetworkInterfaces, AreThoseOfTheServer)
-{
-    EXPECT_EQ(linesOf<getNetworkTableInfo>(Machine::server()),
-              (Lines{"0",
-                     "0|eth0|5a:3c:9b:10:22:04|10.20.30.41|10.20.30.1|"
-                     "255.255.255.0|1|1|0|0|0",
-                     "0|eth1|5a:3c:9b:10:22:05|192.168.70.12||255.255.252.0|2|"
-                     "1|0|0|0"}));
-}
-
 TEST(NetworkInterfaces, HaveTheNetmaskOfThePrefix)
 {
     const std::pair<int, std::string> cases[]{

@@ -4,8 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
 namespace morvath::tests::facts
 {
 
@@ -29,28 +27,6 @@ TEST(Get, PrintsValuesOfTheServer)
                               "bios-boot-order-3: 255\n"
                               "bios-ipv6-pxe:     no\n"
                               "power-state:       PowerOn\n");
-
-    const auto all = morvath("get --all --json");
-    EXPECT_EQ(all.status, 0);
-    EXPECT_EQ(all.errors, "");
-    auto document = Json::parse(all.output);
-    EXPECT_EQ(document["formatVersion"], 1);
-    EXPECT_EQ(document["errors"], Json::array());
-    auto& facts = document["facts"];
-    EXPECT_EQ(facts["bmc-version"], "3.2.1-r0");
-    EXPECT_EQ(facts["bios-boot-type"], 1);
-    EXPECT_EQ(facts["bios-hyper-threading"], true);
-    EXPECT_EQ(facts["power-control"], "on");
-    EXPECT_EQ(facts["ntp-servers"], Json({"10.20.30.5", "10.20.30.6"}));
-    const auto listed = morvath("facts").output;
-    EXPECT_EQ(std::ranges::count(listed, '\n'),
-              static_cast<std::ptrdiff_t>(facts.size()));
-    for (const auto& [name, value] : facts.items())
-    {
-        EXPECT_NE(listed.find(name + ' '), std::string::npos);
-        // The machine of the tests may be without an identifier.
-        EXPECT_TRUE(!value.is_null() || name == "bmc-uuid") << name;
-    }
 }
 
 TEST(Get, TellsTheMissingFromTheFailed)

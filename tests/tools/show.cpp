@@ -65,49 +65,6 @@ TEST(Show, PrintsAlignedColumnsOrJson)
     EXPECT_EQ(morvath("show power-supplies >/dev/full").status, 1);
 }
 
-TEST(Show, PrintsAllTablesOfTheServer)
-{
-    sim::Platform platform(sim::Scenario::standard());
-    const auto document = documentOf("show --all", 0);
-    EXPECT_EQ(document["errors"], Json::array());
-    Json counts;
-    for (const auto& [name, rows] : document["tables"].items())
-    {
-        counts[name] = rows.size();
-    }
-    EXPECT_EQ(counts, Json::parse(R"({
-        "power-supplies": 2, "pcie-slots": 8, "network-adapters": 2,
-        "gpus": 2, "memory": 16, "processors": 2, "disks": 4,
-        "raid-controllers": 0, "raid-drives": 0, "temperatures": 22,
-        "fans": 8, "voltages": 12, "currents": 6, "powers": 9, "pwms": 6,
-        "bmc-network": 2, "network-ports": 4
-    })"));
-    const std::pair<const char*, const char*> rows[]{
-        {"/tables/temperatures/18", R"({
-            "name": "NVMe3_Temp", "value": null, "unit": "DegreesC",
-            "state": "no reading", "criticalLow": 0.0, "warningLow": null,
-            "warningHigh": null, "criticalHigh": 80.0, "minValue": -128.0,
-            "maxValue": 127.0, "criticalAlarmLow": false,
-            "warningAlarmLow": false, "warningAlarmHigh": false,
-            "criticalAlarmHigh": false})"},
-        {"/tables/bmc-network/0", R"({
-            "interface": "eth0", "macAddress": "5a:3c:9b:10:22:04",
-            "ipAddress": "10.20.30.41", "netmask": "255.255.255.0",
-            "defaultGateway": "10.20.30.1", "addressOrigin": "static",
-            "enabled": true})"},
-        {"/tables/network-ports/1", R"({
-            "adapter": "nic0", "name": "port1",
-            "macAddress": "5a:3c:9b:44:10:01", "rootBdf": "0000:3b:00.1",
-            "portType": "Fibre", "maxSpeedGbps": 25, "lldpEnabled": false,
-            "phyLink": false, "dropRatio": null})"},
-    };
-    for (const auto& [place, row] : rows)
-    {
-        EXPECT_EQ(document[Json::json_pointer(place)], Json::parse(row))
-            << place;
-    }
-}
-
 TEST(Show, HasEmptyTablesOfAllThatIsNotThere)
 {
     sim::Platform platform(Machine().scenario());

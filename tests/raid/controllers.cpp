@@ -28,24 +28,6 @@ TEST(RaidControllers, AreUnknownWhereTheyAreNotConfigured)
     EXPECT_EQ(controllersOf({{"controllers", Json::array()}}), Lines{"0"});
 }
 
-TEST(RaidControllers, ReadTextsToTheEndOfTheirRecordAtMost)
-{
-    const std::string name(80, 'n');
-    const std::string rest(399 - 164, 'D');
-    const Json controller{
-        {"raid_id", 1},
-        {"name", name},
-        {"text84", "next"},
-        {"raw", {{"164", std::string(2 * rest.size(), '4')}}}};
-    EXPECT_EQ(controllersOf({{"controllers", {controller}}}),
-              (Lines{"0", "0|" + name +
-                              "next|next|unknown|unknown|unknown|"
-                              "unknown|" +
-                              rest +
-                              "||0x4444|0x4444|0x4444|0x4444|SAS, SATA||PCIE|"
-                              "68|17476|0|0"}));
-}
-
 // The level of drive 4 is that of the second controller's: it comes later.
 const Lines drivesOfTwo{
     "0", "0|RAID5|Online|L4|left|0|0", "0|RAID1|Hot Spare|L5|left|0|0",

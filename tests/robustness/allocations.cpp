@@ -27,19 +27,14 @@ void* UNDERLYING(calloc)(std::size_t count, std::size_t size);
 void* UNDERLYING(realloc)(void* memory, std::size_t size);
 }
 
-namespace morvath::tests
-{
 namespace
 {
 
-thread_local bool isOpen = false;
-thread_local unsigned counted = 0;
-thread_local AllocationFaults planned;
-
 bool failsNow()
 {
-    if (!isOpen || ++counted < planned.first ||
-        counted - planned.first >= planned.count)
+    auto& counted = morvath::tests::allocations;
+    if (!counted.areCounted || ++counted.seen < counted.firstToFail ||
+        counted.seen - counted.firstToFail >= counted.toFail)
     {
         return false;
     }
@@ -48,25 +43,6 @@ bool failsNow()
 }
 
 } // namespace
-
-AllocationWindow::AllocationWindow()
-{
-    counted = 0;
-    isOpen = true;
-}
-
-AllocationWindow::~AllocationWindow() { isOpen = false; }
-
-void AllocationWindow::plan(const AllocationFaults& faults)
-{
-    planned = faults;
-}
-
-unsigned AllocationWindow::seen() { return counted; }
-
-} // namespace morvath::tests
-
-using morvath::tests::failsNow;
 
 extern "C"
 {

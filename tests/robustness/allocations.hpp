@@ -4,31 +4,35 @@
 namespace morvath::tests
 {
 
-/** Which allocations fail while a window is open, counted from 1. */
-struct AllocationFaults
+/**
+ * The allocations of a thread, those inside of libraries too, while a window
+ * is open. What other threads allocate does not matter.
+ */
+struct Allocations
 {
-    unsigned first = 0;
-    unsigned count = 0;
+    bool areCounted = false;
+    /** In this window or the latest. */
+    unsigned seen = 0;
+    /** Counted from 1. */
+    unsigned firstToFail = 0;
+    unsigned toFail = 0;
 };
 
-/**
- * Counts all allocations of the thread, those inside of libraries too, and
- * fails some of them. What other threads allocate does not matter.
- */
+constinit inline thread_local Allocations allocations;
+
 class AllocationWindow
 {
   public:
-    AllocationWindow();
-    ~AllocationWindow();
+    AllocationWindow()
+    {
+        allocations.seen = 0;
+        allocations.areCounted = true;
+    }
+
+    ~AllocationWindow() { allocations.areCounted = false; }
 
     AllocationWindow(const AllocationWindow&) = delete;
     AllocationWindow& operator=(const AllocationWindow&) = delete;
-
-    /** For all windows from now on. */
-    static void plan(const AllocationFaults& faults);
-
-    /** How many there were in the latest window. */
-    static unsigned seen();
 };
 
 } // namespace morvath::tests

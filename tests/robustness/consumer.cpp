@@ -4,8 +4,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <cstdio>
 #include <cstdlib>
+#include <iostream>
 #include <set>
 #include <string>
 #include <string_view>
@@ -25,23 +25,22 @@ void callAll()
     }
     for (const auto& result : results)
     {
-        std::printf("%s ", result.c_str());
+        std::cout << result << ' ';
     }
-    std::puts("");
-    std::fflush(stdout);
+    std::cout << std::endl;
 }
 
 void callAllInChild()
 {
-    if (const auto child = fork())
+    const auto child = fork();
+    if (child == 0)
     {
-        int status = -1;
-        waitpid(child, &status, 0);
-        std::printf("child %d\n", status);
-        return;
+        callAll();
+        std::exit(EXIT_SUCCESS);
     }
-    callAll();
-    std::exit(EXIT_SUCCESS);
+    int status = -1;
+    waitpid(child, &status, 0);
+    std::cout << "child " << status << std::endl;
 }
 
 } // namespace

@@ -100,10 +100,10 @@ struct TextList
     }
 };
 
-template <auto Get>
+template <typename Record>
 struct RecordList
 {
-    RecordsOf<Get> table;
+    Records<Record> table;
 
     auto of(auto get, auto... arguments)
     {
@@ -149,91 +149,18 @@ struct RowsOfCells
     }
 };
 
-/** A function with its arguments. */
-template <typename Outputs, auto Function, auto... Arguments>
-struct Call
-{
-    static Effect effect()
-    {
-        Outputs outputs;
-        auto result = outcomeOf([&] {
-            const AllocationWindow window;
-            return outputs.of(Function, Arguments...);
-        });
-        return {result, outputs.taken()};
-    }
-
-    static std::vector<std::string> nulls()
-    {
-        std::vector<std::string> outcomes;
-        [&]<std::size_t... Indices>(std::index_sequence<Indices...>)
-        {
-            (addNull<Indices>(outcomes), ...);
-        }
-        (std::make_index_sequence<sizeof...(Arguments)>());
-        return outcomes;
-    }
-
-  private:
-    template <std::size_t Index>
-    static void addNull(std::vector<std::string>& outcomes)
-    {
-        std::tuple arguments(Arguments...);
-        auto& argument = std::get<Index>(arguments);
-        if constexpr (std::is_pointer_v<std::decay_t<decltype(argument)>>)
-        {
-            argument = nullptr;
-            Outputs outputs;
-            outcomes.push_back(outcomeOf([&] {
-                return std::apply(
-                    [&](auto... all) { return outputs.of(Function, all...); },
-                    arguments);
-            }));
-        }
-    }
-};
-
-template <auto Get, auto... Arguments>
-using Text = Call<OneOutput<char*>, Get, Arguments...>;
-template <typename Value, auto Get, auto... Arguments>
-using Number = Call<OneOutput<Value>, Get, Arguments...>;
-template <auto Get, auto... Arguments>
-using Texts = Call<TextList, Get, Arguments...>;
-template <auto Get, auto... Arguments>
-using Table = Call<RecordList<Get>, Get, Arguments...>;
-template <auto Set, auto... Arguments>
-using Setter = Call<NoOutput, Set, Arguments...>;
-
-constexpr char network[] = "xyz.openbmc_project.Network";
-constexpr char eth0[] = "/xyz/openbmc_project/network/eth0";
-constexpr char ethernet[] = "xyz.openbmc_project.Network.EthernetInterface";
-constexpr char supplies[] = "/xyz/openbmc_project/inventory/system/powersupply";
-constexpr char supply[] = "xyz.openbmc_project.Inventory.Item.PowerSupply";
-constexpr char anyOwner[] = "";
-constexpr char pwms[] = "/xyz/openbmc_project/sensors/fan_pwm";
-constexpr char sensor[] = "xyz.openbmc_project.Sensor.Value";
-
-constexpr char timeService[] = "xyz.openbmc_project.Time.Manager";
-constexpr char clockPath[] = "/xyz/openbmc_project/time/bmc";
-constexpr char epoch[] = "xyz.openbmc_project.Time.EpochTime";
-constexpr char elapsed[] = "Elapsed";
-
-constexpr char smbios[] = "xyz.openbmc_project.Smbios.MDR_V2";
-constexpr char bios[] =
+constexpr auto network = "xyz.openbmc_project.Network";
+constexpr auto eth0 = "/xyz/openbmc_project/network/eth0";
+constexpr auto ethernet = "xyz.openbmc_project.Network.EthernetInterface";
+constexpr auto supplies = "/xyz/openbmc_project/inventory/system/powersupply";
+constexpr auto supply = "xyz.openbmc_project.Inventory.Item.PowerSupply";
+constexpr auto smbios = "xyz.openbmc_project.Smbios.MDR_V2";
+constexpr auto bios =
     "/xyz/openbmc_project/inventory/system/chassis/motherboard/bios";
-constexpr char choices[] = "xyz.openbmc_project.BIOSConfig.BiosConf";
-
-constexpr char interfaceName[] = "InterfaceName";
-constexpr char ntpServers[] = "NTPServers";
-constexpr char emitLldp[] = "EmitLLDP";
-constexpr char gateway[] = "DefaultGateway";
-constexpr char bootType[] = "BootType";
-constexpr char hyperThreading[] = "ProcessorHyperThreading";
-constexpr char model[] = "Model";
-constexpr char nic[] = "nic0";
-constexpr char port[] = "port1";
-constexpr char word[] = "AlwaysOn";
-constexpr char address[] = "192.0.2.1";
+constexpr auto choices = "xyz.openbmc_project.BIOSConfig.BiosConf";
+constexpr auto ntpServers = "NTPServers";
+constexpr auto word = "AlwaysOn";
+constexpr auto address = "192.0.2.1";
 
 const char* addresses[]{address, nullptr};
 
@@ -258,135 +185,185 @@ constexpr Results interfaces{addressFaults, addressFaults, untouched, true};
 constexpr auto portFaults = "-1 0 bus-error bus-error 0 bus-error bus-error";
 constexpr Results ports{portFaults, portFaults, untouched, true};
 
-template <typename Call>
-constexpr Export on(const Results& results, const char* usual = nullptr)
+/** Each call of a function has these arguments. */
+template <typename Outputs>
+Export on(const char* name, auto function, const Results& results,
+          const char* usual = nullptr, auto... arguments)
 {
-    return {__PRETTY_FUNCTION__, Call::effect, Call::nulls, results, usual};
+    const auto call = [function](auto... all) -> Effect {
+        Outputs outputs;
+        auto result = outcomeOf([&] {
+            const AllocationWindow window;
+            return outputs.of(function, all...);
+        });
+        return {result, outputs.taken()};
+    };
+    const auto nulls = [call, arguments...]() mutable {
+        std::vector<std::string> outcomes;
+        [[maybe_unused]] const auto addNull = [&](auto& argument) {
+            if constexpr (std::is_pointer_v<std::decay_t<decltype(argument)>>)
+            {
+                const auto kept = std::exchange(argument, nullptr);
+                outcomes.push_back(call(arguments...).result);
+                argument = kept;
+            }
+        };
+        (addNull(arguments), ...);
+        return outcomes;
+    };
+    return {name,
+            [call, arguments...] { return call(arguments...); },
+            nulls,
+            results,
+            std::is_same_v<Outputs, NoOutput>,
+            usual};
 }
 
-template <auto Get>
-constexpr Export fact(const char* usual)
+Export fact(const char* name, auto function, const char* usual)
 {
-    return on<Text<Get>>(single, usual);
+    return on<OneOutput<char*>>(name, function, single, usual);
 }
 
-template <auto Get>
-constexpr Export code(const Results& results, const char* usual)
+Export code(const char* name, auto function, const Results& results,
+            const char* usual)
 {
-    return on<Number<uint32_t, Get>>(results, usual);
+    return on<OneOutput<uint32_t>>(name, function, results, usual);
 }
 
-constexpr Export exports[]{
-    on<Text<getDbusPropertyString, network, eth0, ethernet, interfaceName>>(
-        single, "eth0"),
-    on<Texts<getDbusPropertyVectorString, network, eth0, ethernet, ntpServers>>(
-        single, "10.20.30.5|10.20.30.6|"),
-    on<Number<uint8_t, getDbusPropertyUint8, smbios, bios, choices, bootType>>(
-        single, "1"),
-    on<Number<uint8_t, getDbusPropertyBool, smbios, bios, choices,
-              hyperThreading>>(single, "1"),
-    on<Setter<setDbusPropertyBool, network, eth0, ethernet, emitLldp, 2>>(
-        writing, "EmitLLDP true"),
-    on<Setter<setDbusPropertyUint64, timeService, clockPath, epoch, elapsed,
-              UINT64_MAX>>(writing, "Elapsed 18446744073709551615"),
-    on<Setter<setDbusPropertyString, network, eth0, ethernet, gateway,
-              address>>(writing, R"(DefaultGateway "192.0.2.1")"),
-    on<Setter<setDbusPropertyVectorString, network, eth0, ethernet, ntpServers,
-              addresses>>(writing, newServersSent),
-    on<Setter<setDbusPropertyVectorStringWithoutPath, network, ethernet,
-              ntpServers, addresses>>(writingAll, newServersSent),
-    on<Texts<getDbusInterface, anyOwner, supplies, supply>>(single),
-    on<Call<RowsOfCells, getDbusTableData, supplies, supply, cells, cellCount>>(
-        listed),
-    on<Call<OneOutput<SubTree>, getSubTree, supplies, supply>>(single),
-    on<Call<OneOutput<PropertyValue>, _getDbusProperty, network, eth0, ethernet,
-            ntpServers>>(single),
-    on<Setter<_setDbusProperty, network, eth0, ethernet, ntpServers,
-              &newServers>>(writing, newServersSent),
+template <typename Record, typename... Parameters>
+Export table(const char* name,
+             int32_t (*get)(Record**, int32_t*, Parameters...),
+             const Results& results, auto... arguments)
+{
+    return on<RecordList<Record>>(name, get, results, nullptr, arguments...);
+}
 
-    fact<getSystemManufacturer>("Velmora Systems"),
-    fact<getSystemModel>("VS2-2288"),
-    fact<getSystemSerialNumber>("VSN26A0417"),
-    fact<getSystemUUID>("7d1f0c52-8b3e-4f6a-9c27-15e8a4d2b6f0"),
-    fact<getSystemAssetTag>("AT-004512"),
-    fact<getSystemHostName>("rack7-node12"),
-    fact<getSystemConfModel>("balanced"),
-    on<Setter<setSystemAssetTag, word>>(writing, R"(AssetTag "AlwaysOn")"),
-    on<Setter<setSystemHostName, word>>(writing, R"(HostName "AlwaysOn")"),
-    on<Setter<setSystemConfModel, word>>(writing, R"(ConfModel "AlwaysOn")"),
-    fact<getBiosVendor>("Velmora Systems"),
-    fact<getBiosBuildDate>("03/14/2026"),
-    fact<getCpldFirmwareVersion>("1.07"),
-    on<Text<getBMCFirmwareVersion>>(listed, "3.2.1-r0"),
-    on<Text<getBiosFirmwareVersion>>(listed, "VSB4410.2.14.0"),
-    on<Text<getBMCProperty, model>>(single, "KM2600"),
-    fact<getBMCManufacturer>("Kelvane Micro"),
-    fact<getBMCModel>("KM2600"),
-    fact<getBMCSerialNumber>("BM0071F3A9"),
-    fact<getBMCPartNumber>("KM-BMC-26"),
-    fact<getProductAssetTag>("DC4-R07-U12"),
-    fact<getProductManufacturer>("Velmora Systems"),
-    fact<getProductPartNum>("VS2-2288-B01"),
-    fact<getProductPrettyName>("VS2-2288 two-socket server"),
-    fact<getProductSerialNum>("VSN26A0417"),
-    fact<getProductVersion>("02"),
-    fact<getChassisPartNum>("VSC-2U-25B"),
-    fact<getChassisPrettyName>("2U chassis, 25 bays"),
-    fact<getChassisSerialNum>("CHS9930412"),
-    fact<getBoardBuildDate>("2026-01-19 - 07:42:00 UTC"),
-    fact<getBoardManufacturer>("Velmora Systems"),
-    fact<getBoardPartNum>("VSB-4410-03"),
-    fact<getBoardPrettyName>("VSB-4410"),
-    fact<getBoardSerialNum>("MBQ60221873"),
+#define OF(function) #function, function
+const Export exports[]{
+    on<OneOutput<char*>>(OF(getDbusPropertyString), single, "eth0", network,
+                         eth0, ethernet, "InterfaceName"),
+    on<TextList>(OF(getDbusPropertyVectorString), single,
+                 "10.20.30.5|10.20.30.6|", network, eth0, ethernet, ntpServers),
+    on<OneOutput<uint8_t>>(OF(getDbusPropertyUint8), single, "1", smbios, bios,
+                           choices, "BootType"),
+    on<OneOutput<uint8_t>>(OF(getDbusPropertyBool), single, "1", smbios, bios,
+                           choices, "ProcessorHyperThreading"),
+    on<TextList>(OF(getDbusInterface), single, nullptr, "", supplies, supply),
+    on<RowsOfCells>(OF(getDbusTableData), listed, nullptr, supplies, supply,
+                    cells, cellCount),
+    on<OneOutput<SubTree>>(OF(getSubTree), single, nullptr, supplies, supply),
+    on<OneOutput<PropertyValue>>(OF(_getDbusProperty), single, nullptr, network,
+                                 eth0, ethernet, ntpServers),
 
-    code<getBiosBootType>(choice, "1"),
-    code<getBiosBootOrder0>(choice, "2"),
-    code<getBiosBootOrder1>(choice, "1"),
-    code<getBiosBootOrder2>(choice, "3"),
-    code<getBiosBootOrder3>(choice, "255"),
-    code<getBiosIPV4Support>(choice, "1"),
-    code<getBiosIPV6Support>(choice, "0"),
-    code<getBiosHyperThreading>(choice, "1"),
+    fact(OF(getSystemManufacturer), "Velmora Systems"),
+    fact(OF(getSystemModel), "VS2-2288"),
+    fact(OF(getSystemSerialNumber), "VSN26A0417"),
+    fact(OF(getSystemUUID), "7d1f0c52-8b3e-4f6a-9c27-15e8a4d2b6f0"),
+    fact(OF(getSystemAssetTag), "AT-004512"),
+    fact(OF(getSystemHostName), "rack7-node12"),
+    fact(OF(getSystemConfModel), "balanced"),
+    fact(OF(getBiosVendor), "Velmora Systems"),
+    fact(OF(getBiosBuildDate), "03/14/2026"),
+    fact(OF(getCpldFirmwareVersion), "1.07"),
+    on<OneOutput<char*>>(OF(getBMCFirmwareVersion), listed, "3.2.1-r0"),
+    on<OneOutput<char*>>(OF(getBiosFirmwareVersion), listed, "VSB4410.2.14.0"),
+    on<OneOutput<char*>>(OF(getBMCProperty), single, "KM2600", "Model"),
+    fact(OF(getBMCManufacturer), "Kelvane Micro"),
+    fact(OF(getBMCModel), "KM2600"),
+    fact(OF(getBMCSerialNumber), "BM0071F3A9"),
+    fact(OF(getBMCPartNumber), "KM-BMC-26"),
+    fact(OF(getProductAssetTag), "DC4-R07-U12"),
+    fact(OF(getProductManufacturer), "Velmora Systems"),
+    fact(OF(getProductPartNum), "VS2-2288-B01"),
+    fact(OF(getProductPrettyName), "VS2-2288 two-socket server"),
+    fact(OF(getProductSerialNum), "VSN26A0417"),
+    fact(OF(getProductVersion), "02"),
+    fact(OF(getChassisPartNum), "VSC-2U-25B"),
+    fact(OF(getChassisPrettyName), "2U chassis, 25 bays"),
+    fact(OF(getChassisSerialNum), "CHS9930412"),
+    fact(OF(getBoardBuildDate), "2026-01-19 - 07:42:00 UTC"),
+    fact(OF(getBoardManufacturer), "Velmora Systems"),
+    fact(OF(getBoardPartNum), "VSB-4410-03"),
+    fact(OF(getBoardPrettyName), "VSB-4410"),
+    fact(OF(getBoardSerialNum), "MBQ60221873"),
 
-    fact<getSystemPowerState>("PowerOn"),
-    code<getSystemPowerCtl>(single, "1"),
-    on<Setter<setSystemPowerCtl, 1>>(
-        writing, R"(RequestedHostTransition "xyz.openbmc_project.State.Host.)"
-                 R"(Transition.On")"),
-    fact<getPowerRestorePolicy>("LastState"),
-    on<Setter<setPowerRestorePolicy, word>>(
-        writing, R"(PowerRestorePolicy "xyz.openbmc_project.Control.Power.)"
-                 R"(RestorePolicy.Policy.AlwaysOn")"),
-    on<Call<Clock, getTimeStamp>>(local, "time"),
-    on<Number<int32_t, getTimeZone>>(local),
-    on<Setter<setTimeStamp, 1>>(writing, "Elapsed 1000000"),
-    code<getNtpServerStatus>(single, "1"),
-    on<Setter<setNtpServerStatus, 0>>(
-        writing, R"(TimeSyncMethod "xyz.openbmc_project.Time.Synchronization.)"
-                 R"(Method.Manual")"),
-    on<Setter<setNtpServerIP, address>>(writingAll, newServersSent),
-    fact<getNtpPreferServer>("10.20.30.5 10.20.30.6 "),
-    on<Text<getBMCDeviceUUID>>(local),
+    code(OF(getBiosBootType), choice, "1"),
+    code(OF(getBiosBootOrder0), choice, "2"),
+    code(OF(getBiosBootOrder1), choice, "1"),
+    code(OF(getBiosBootOrder2), choice, "3"),
+    code(OF(getBiosBootOrder3), choice, "255"),
+    code(OF(getBiosIPV4Support), choice, "1"),
+    code(OF(getBiosIPV6Support), choice, "0"),
+    code(OF(getBiosHyperThreading), choice, "1"),
 
-    on<Table<getPsuTableInfo>>(listed),
-    on<Table<getPcieTableInfo>>(anywhere),
-    on<Table<getNetAdapterTableInfo>>(listed),
-    on<Table<getGpuInfoEntry>>(listed),
-    on<Table<getMemoryTableInfo>>(anywhere),
-    on<Table<getCpuTableInfo>>(anywhere),
-    on<Table<getCommonSensorTableInfo, pwms, sensor>>(listed),
-    on<Table<getTempTableInfo>>(listed),
-    on<Table<getFanTableInfo>>(listed),
-    on<Table<getVoltageTableInfo>>(listed),
-    on<Table<getCurrentTableInfo>>(listed),
-    on<Table<getPowerTableInfo>>(listed),
-    on<Table<getPwmTableInfo>>(listed),
-    on<Table<getNetworkTableInfo>>(interfaces),
-    on<Table<getNetPortTableInfo>>(ports),
-    on<Setter<setLldpEnalbed, nic, port, 1>>(writing, "LldpEnabled true"),
-    on<Table<getHddTableInfo>>(anywhere),
-    on<Table<getRaidControllerInfo>>(local),
-    on<Table<getRaidHddTableInfo>>(local),
+    fact(OF(getSystemPowerState), "PowerOn"),
+    code(OF(getSystemPowerCtl), single, "1"),
+    fact(OF(getPowerRestorePolicy), "LastState"),
+    on<Clock>(OF(getTimeStamp), local, "time"),
+    on<OneOutput<int32_t>>(OF(getTimeZone), local),
+    code(OF(getNtpServerStatus), single, "1"),
+    fact(OF(getNtpPreferServer), "10.20.30.5 10.20.30.6 "),
+    on<OneOutput<char*>>(OF(getBMCDeviceUUID), local),
+
+    table(OF(getPsuTableInfo), listed),
+    table(OF(getPcieTableInfo), anywhere),
+    table(OF(getNetAdapterTableInfo), listed),
+    table(OF(getGpuInfoEntry), listed),
+    table(OF(getMemoryTableInfo), anywhere),
+    table(OF(getCpuTableInfo), anywhere),
+    table(OF(getCommonSensorTableInfo), listed,
+          "/xyz/openbmc_project/sensors/fan_pwm",
+          "xyz.openbmc_project.Sensor.Value"),
+    table(OF(getTempTableInfo), listed),
+    table(OF(getFanTableInfo), listed),
+    table(OF(getVoltageTableInfo), listed),
+    table(OF(getCurrentTableInfo), listed),
+    table(OF(getPowerTableInfo), listed),
+    table(OF(getPwmTableInfo), listed),
+    table(OF(getNetworkTableInfo), interfaces),
+    table(OF(getNetPortTableInfo), ports),
+    table(OF(getHddTableInfo), anywhere),
+    table(OF(getRaidControllerInfo), local),
+    table(OF(getRaidHddTableInfo), local),
+
+    // What these change stays changed.
+    on<NoOutput>(OF(setDbusPropertyBool), writing, "EmitLLDP true", network,
+                 eth0, ethernet, "EmitLLDP", 2),
+    on<NoOutput>(
+        OF(setDbusPropertyUint64), writing, "Elapsed 18446744073709551615",
+        "xyz.openbmc_project.Time.Manager", "/xyz/openbmc_project/time/bmc",
+        "xyz.openbmc_project.Time.EpochTime", "Elapsed", UINT64_MAX),
+    on<NoOutput>(OF(setDbusPropertyString), writing,
+                 R"(DefaultGateway "192.0.2.1")", network, eth0, ethernet,
+                 "DefaultGateway", address),
+    on<NoOutput>(OF(setDbusPropertyVectorString), writing, newServersSent,
+                 network, eth0, ethernet, ntpServers, addresses),
+    on<NoOutput>(OF(setDbusPropertyVectorStringWithoutPath), writingAll,
+                 newServersSent, network, ethernet, ntpServers, addresses),
+    on<NoOutput>(OF(_setDbusProperty), writing, newServersSent, network, eth0,
+                 ethernet, ntpServers, &newServers),
+    on<NoOutput>(OF(setSystemAssetTag), writing, R"(AssetTag "AlwaysOn")",
+                 word),
+    on<NoOutput>(OF(setSystemHostName), writing, R"(HostName "AlwaysOn")",
+                 word),
+    on<NoOutput>(OF(setSystemConfModel), writing, R"(ConfModel "AlwaysOn")",
+                 word),
+    on<NoOutput>(OF(setSystemPowerCtl), writing,
+                 R"(RequestedHostTransition "xyz.openbmc_project.State.Host.)"
+                 R"(Transition.On")",
+                 1),
+    on<NoOutput>(OF(setPowerRestorePolicy), writing,
+                 R"(PowerRestorePolicy "xyz.openbmc_project.Control.Power.)"
+                 R"(RestorePolicy.Policy.AlwaysOn")",
+                 word),
+    on<NoOutput>(OF(setTimeStamp), writing, "Elapsed 1000000", 1),
+    on<NoOutput>(OF(setNtpServerStatus), writing,
+                 R"(TimeSyncMethod "xyz.openbmc_project.Time.Synchronization.)"
+                 R"(Method.Manual")",
+                 0),
+    on<NoOutput>(OF(setNtpServerIP), writingAll, newServersSent, address),
+    on<NoOutput>(OF(setLldpEnalbed), writing, "LldpEnabled true", "nic0",
+                 "port1", 1),
 };
 
 } // namespace

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <functional>
 #include <span>
 #include <string>
 #include <vector>
@@ -38,12 +39,13 @@ struct Results
 /** An export with arguments that the default server knows. */
 struct Export
 {
-    /** The name stands in it. */
     const char* name;
-    Effect (*call)();
+    std::function<Effect()> call;
     /** What becomes of calls with a null for each text, one at a time. */
-    std::vector<std::string> (*nulls)();
+    std::function<std::vector<std::string>()> nulls;
     Results results;
+    /** It writes to the platform and has no outputs. */
+    bool isSetter;
     /**
      * The outputs without a fault, of a setter what it sends; null where
      * another test checks them.

@@ -71,19 +71,14 @@ while IFS='|' read -r line expected; do
 done <<'LINES'
 morvath |facts get metrics overview sensors set show
 morvath s|sensors set show
-morvath --v|--version
 morvath show p|pcie-slots power-supplies powers processors pwms
 morvath show memory --json g|gpus
 morvath show --timeout |
-morvath show --timeout 3 gp|gpus
 morvath show --timeout = 3 --no|--no-legend
 morvath get bmc-version bios-v|bios-vendor bios-version
-morvath set power-control o|off on
 morvath set power-restore-policy Al|AlwaysOff AlwaysOn
-morvath set time-sync ntp |
 morvath set lldp nic0 |
 morvath set lldp nic0 port0 |off on
-morvath-sim s|scenario serve
 morvath-sim scenario --scenario s|sample.json
 morvath-sim scenario --scenario = my|my sample
 morvath sensors --class=te|temperatures
@@ -93,7 +88,6 @@ morvath-sim run -- mktemp sa|sample.json
 LINES
 
 if command -v zsh >/dev/null; then
-    completes zsh 'morvath se' 'sensors set'
     completes zsh 'morvath show memory g' 'gpus'
     completes zsh 'morvath set lldp nic0 port0 ' 'off on'
     completes zsh 'morvath-sim scenario --scenario=sa' 'sample.json'

@@ -189,8 +189,8 @@ TEST(TableEngine, KeepsTheRowsBeforeAnObjectThatFails)
         const auto machine =
             items({{{"A", text("0")}},
                    {{"A", text("1")}},
-                   {{"A", text("2")}},
-                   {{"A", text("3")}}})
+                   Json::object(),
+                   Json::object()})
                 .fault({{"member", "GetAll"}, {"call", 3}}, fault);
         EXPECT_EQ(rowsOf(machine, {"A"}), (Lines{error, "0|", "1|"}));
     }

@@ -2,6 +2,7 @@
 #include "support/machine.hpp"
 
 #include <map>
+#include <memory>
 
 namespace morvath::tests
 {
@@ -85,6 +86,15 @@ Machine& Machine::behaves(const std::string& behaviour)
 sim::Scenario Machine::scenario() const
 {
     return sim::Scenario::parse(document.dump(), "test");
+}
+
+sim::Scenario withFault(sim::Scenario scenario, const Json& when,
+                        const Json& then)
+{
+    const auto faults = std::make_shared<const Json>(
+        Json::array({{{"when", when}, {"then", then}}}));
+    scenario.faults = sim::readFaults(*faults, faults, scenario);
+    return scenario;
 }
 
 Json property(const std::string& type, const Json& value)

@@ -42,6 +42,10 @@ class Machine
                   {"faults", Json::array()}};
 };
 
+/** The same with one fault; a scenario is not read anew for it. */
+sim::Scenario withFault(sim::Scenario scenario, const Json& when,
+                        const Json& then);
+
 /** A property as a scenario has it. */
 Json property(const std::string& type, const Json& value);
 

@@ -98,32 +98,33 @@ TEST(Usage, MisuseIsToldWithWhatWasPerhapsMeant)
 TEST(Usage, StatusesTellWhatScriptsAskFor)
 {
     const std::string sensors = "/xyz/openbmc_project/sensors/";
-    const auto unread = Machine::server().fault(
-        {{"path", sensors + "voltage/P5V"}}, {{"error", "com.example.No"}});
+    const auto server = sim::Scenario::standard();
+    const auto unread = withFault(server, {{"path", sensors + "voltage/P5V"}},
+                                  {{"error", "com.example.No"}});
     struct
     {
-        Machine machine;
+        sim::Scenario machine;
         const char* arguments;
         int status;
     } const cases[]{
-        {Machine::server(), "sensors", 0},
-        {Machine::server(), "sensors --check", 3},
-        {Machine::server(), "sensors --check --class temperatures", 4},
-        {Machine::server(), "sensors --check 'CPU*'", 0},
-        {Machine::server(), "sensors --check --alarms 'CPU*'", 0},
-        {Machine::server(), "sensors NONE", 1},
-        {Machine::server(), "sensors --class none", 1},
-        {Machine::server(), "overview", 0},
+        {server, "sensors", 0},
+        {server, "sensors --check", 3},
+        {server, "sensors --check --class temperatures", 4},
+        {server, "sensors --check 'CPU*'", 0},
+        {server, "sensors --check --alarms 'CPU*'", 0},
+        {server, "sensors NONE", 1},
+        {server, "sensors --class none", 1},
+        {server, "overview", 0},
         {unread, "sensors --check", 3},
         {unread, "sensors --check --class voltages", 1},
         {unread, "sensors", 1},
         {unread, "overview", 1},
-        {Machine(), "sensors --check", 0},
-        {Machine().withoutMapper(), "sensors", 1},
+        {Machine().scenario(), "sensors --check", 0},
+        {Machine().withoutMapper().scenario(), "sensors", 1},
     };
     for (const auto& [machine, arguments, status] : cases)
     {
-        sim::Platform platform(machine.scenario());
+        sim::Platform platform(machine);
         EXPECT_EQ(morvath(arguments).status, status) << arguments;
     }
 }

@@ -68,6 +68,12 @@ TEST(Show, HasEmptyTablesOfAllThatIsNotThere)
                             "kind\n");
     EXPECT_EQ(Json::parse(asked.output)["tables"], Json({{"fans", nullptr}}));
     EXPECT_EQ(morvath("show fans").output, "");
+
+    const auto facts = morvath("get --all");
+    EXPECT_EQ(facts.status, 0);
+    EXPECT_EQ(facts.errors, "");
+    EXPECT_NE(facts.output.find("\npower-state:           -\n"),
+              facts.output.npos);
 }
 
 TEST(Faults, LeaveOneDocumentWithAllOthers)
@@ -81,13 +87,13 @@ TEST(Faults, LeaveOneDocumentWithAllOthers)
                                                       {"get", "Get"},
                                                       {"get", "GetAll"},
                                                       {"get", "GetSubTree"}};
+    const auto server = Machine::smallServer().scenario();
     for (const auto& fault : faults)
     {
         for (const auto& [command, member] : cases)
         {
-            sim::Platform platform(Machine::smallServer()
-                                       .fault({{"member", member}}, fault)
-                                       .scenario());
+            sim::Platform platform(
+                withFault(server, {{"member", member}}, fault));
             const auto document = documentOf(
                 command + " --all" +
                     (fault.contains("silent") ? " --timeout 0.05" : ""),

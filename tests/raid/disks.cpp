@@ -95,10 +95,8 @@ TEST(Disks, OnTheBus)
           {"DiskTemp", property("i", -5)}},
          {"0", "0|D|null|null|null|null|null|null|null|6GB/s|-5|4294967295|0|"
                "0|0"}},
-        {"no temperature", {{"DiskTemp", nullptr}}, {nullText}},
         {"no capacity", {{"Capacity", nullptr}}, {nullText}},
         {"no speed", {{"CapableSpeedGbs", nullptr}}, {nullText}},
-        {"no presence", {{"Present", nullptr}}, {nullText}},
         {"no number", {{"DiskTemp", text("warm")}}, {"invalid argument: stoi"}},
         {"a great number",
          {{"Capacity", text("18446744073709551616")}},

@@ -5,8 +5,6 @@ namespace morvath::tests::inventory
 {
 
 const std::string item = "xyz.openbmc_project.Inventory.Item.";
-const std::string board =
-    "/xyz/openbmc_project/inventory/system/chassis/motherboard/";
 
 /** What the table makes of one object with the properties, changed. */
 template <auto Get>
@@ -40,24 +38,11 @@ TEST(PcieSlots, ConvertTheirPresence)
         {{"Manufacturer", text("Maker")}, {"LocationCode", text("")}},
         {{{{"Present", property("b", true)}}, {"0", "0|null|Maker||1|0|0"}},
          {{{"Present", text(" 12 cards")}}, {"0", "0|null|Maker||12|0|0"}},
+         {{{"Present", property("d", -3.75)}}, {"0", "0|null|Maker||-3|0|0"}},
          {{}, {nullText, unknown}},
          {{{"Present", text("true")}}, {"invalid argument: stoi", unknown}},
          {{{"Present", property("u", 2147483648)}},
           {"out of range: stoi", unknown}}});
-}
-
-TEST(Gpus, MayLackTextsButNoNumbers)
-{
-    expectVariants<getGpuInfoEntry>(
-        board + "gpu", item + "Gpu",
-        {{"SerialNumber", text("")},
-         {"TotalMemory", property("u", 8192)},
-         {"Temperature", property("d", -3.75)},
-         {"FanLevel", property("y", 0)},
-         {"CurrentPower", property("u", 2147483647)}},
-        {{{}, {"0", "0|null|null|null||8192|-3|0|2147483647|0|0"}},
-         {{{"FanLevel", nullptr}},
-          {nullText, "0|null|null|null||8192|-3|0|0|0|0"}}});
 }
 
 TEST(MemoryModules, HaveTheWordsOfEnumerations)

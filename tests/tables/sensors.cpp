@@ -9,6 +9,19 @@ int32_t getAirflows(BmcSensorEntry** outArray, int32_t* outCount)
     return getCommonSensorTableInfo(outArray, outCount, "/air", "com.Flow");
 }
 
+TEST(Sensors, OfEachClassAreInItsFolder)
+{
+    const sim::Platform platform(sim::Scenario::standard());
+    const std::pair<decltype(&getTempTableInfo), std::string> classes[]{
+        {getTempTableInfo, "DegreesC"}, {getFanTableInfo, "RPMS"},
+        {getVoltageTableInfo, "Volts"}, {getCurrentTableInfo, "Amperes"},
+        {getPowerTableInfo, "Watts"},   {getPwmTableInfo, "Percent"}};
+    for (const auto& [get, unit] : classes)
+    {
+        EXPECT_EQ(read(get)[0].unit, unit);
+    }
+}
+
 TEST(Sensors, HaveOrLackLimitsByTheFirstAlarm)
 {
     const Json properties{{"CriticalAlarmHigh", property("b", true)},

@@ -16,7 +16,7 @@ import unittest
 from concurrent.futures import ThreadPoolExecutor
 from pathlib import Path
 
-from harness import (EXPORTER, MORVATH, PATIENCE, SIM, TABLES, exporter, failed,
+from harness import (EXPORTER, MORVATH, PATIENCE, SIM, TABLES, Exporter, failed,
                      reading, samples, scenario, served, temperature)
 
 HERE = Path(__file__).resolve().parent
@@ -145,7 +145,7 @@ class Faults(unittest.TestCase):
                 (folder / "good").touch()
                 _, body = server.request()
                 self.assertIn(b"\nmorvath_scrape_success 1\n", body)
-        with exporter("--reader", "/nowhere") as server:
+        with Exporter("--reader", "/nowhere") as server:
             _, body = server.request()
             self.assertIn(b"\nmorvath_scrape_success 0\n", body)
 
@@ -243,9 +243,10 @@ class Http(unittest.TestCase):
                 return client
 
             def received(client):
-                """What is answered until the connection is closed."""
+                """What is answered at once, or before the connection ends."""
                 try:
                     with client:
+                        client.settimeout(2)
                         client.shutdown(socket.SHUT_WR)
                         return b"".join(iter(lambda: client.recv(65536), b""))
                 except OSError:
@@ -266,6 +267,8 @@ class Http(unittest.TestCase):
             idle = [connected(b"GET /metr") for _ in range(8)]
             idle += [connected(b"GET /metrics HTTP/1.1\r\nHost: a\r\n\r\n" * 9)
                      for _ in range(8)]
+            # It has seen all of them when this is answered.
+            server.request()
             before = resident(server.process)
             begin = time.monotonic()
             with ThreadPoolExecutor(1000) as pool:
@@ -282,13 +285,13 @@ class Http(unittest.TestCase):
                 client.close()
 
     def test_it_listens_where_it_is_told(self):
-        with exporter("--listen", "[::1]:0") as server:
+        with Exporter("--listen", "[::1]:0") as server:
             self.assertIn("[::1]:", server.address)
             self.assertEqual(server.request("/-/healthy")[0].status, 200)
         with socket.create_server(("127.0.0.1", 0)) as handed:
             environment = {**os.environ, "LISTEN_FDS": "1"}
             move = f"exec 3<&{handed.fileno()}; " if handed.fileno() != 3 else ""
-            with exporter(before=["sh", "-c", move + 'LISTEN_PID=$$ exec "$@"',
+            with Exporter(before=["sh", "-c", move + 'LISTEN_PID=$$ exec "$@"',
                                   "sh"], pass_fds=[handed.fileno()],
                           env=environment) as server:
                 port = handed.getsockname()[1]

@@ -66,7 +66,7 @@ def free_port():
         return server.getsockname()[1]
 
 
-class Prometheus:
+class Prometheus(contextlib.AbstractContextManager):
     def __init__(self, folder, targets):
         impatient = re.sub(r"\bfor: \w+", "for: 0s",
                            (RULES / "morvath.rules.yml").read_text())
@@ -88,7 +88,7 @@ class Prometheus:
              f"--web.listen-address={self.address}"], stderr=self.log,
             stdout=self.log)
 
-    def stop(self):
+    def __exit__(self, *_):
         self.process.terminate()
         self.process.wait(PATIENCE)
 
@@ -148,12 +148,10 @@ def main():
             own = Path(folder, str(number))
             own.mkdir()
             options = scenario(own, document(number))
-            servers.append(Exporter(
-                "--reader", *MORVATH, before=[*SIM, "run", *options, "--"]))
-            running.callback(servers[-1].stop)
-        prometheus = Prometheus(Path(folder),
-                                [server.address for server in servers])
-        running.callback(prometheus.stop)
+            servers.append(running.enter_context(Exporter(
+                "--reader", *MORVATH, before=[*SIM, "run", *options, "--"])))
+        prometheus = running.enter_context(Prometheus(
+            Path(folder), [server.address for server in servers]))
         check_fleet(prometheus, servers)
     print(f"Prometheus sees {SERVERS} servers as they are")
 

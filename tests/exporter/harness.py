@@ -91,19 +91,15 @@ def script(folder, text):
     return str(file)
 
 
-class Exporter:
+class Exporter(contextlib.AbstractContextManager):
     """A running exporter, and a client of it."""
 
     def __init__(self, *options, before=(), **spawning):
         self.process = subprocess.Popen(
             [*before, *EXPORTER, "--listen", "127.0.0.1:0", *options],
             stderr=subprocess.PIPE, text=True, process_group=0, **spawning)
-        self.errors = []
-        for line in self.process.stderr:
-            self.errors.append(line)
-            if "listening on" in line:
-                break
-        self.address = self.errors[-1].split()[-1]
+        self.address = next(line for line in self.process.stderr
+                            if "listening on" in line).split()[-1]
 
     def request(self, path="/metrics", method="GET", **headers):
         with contextlib.closing(http.client.HTTPConnection(
@@ -120,19 +116,10 @@ class Exporter:
         assert answer.status == 200
         return samples(body.decode())
 
-    def stop(self):
+    def __exit__(self, *_):
         self.process.send_signal(signal.SIGTERM)
         self.process.wait(PATIENCE)
         self.process.stderr.close()
-
-
-@contextlib.contextmanager
-def exporter(*options, **spawning):
-    running = Exporter(*options, **spawning)
-    try:
-        yield running
-    finally:
-        running.stop()
 
 
 @contextlib.contextmanager
@@ -141,7 +128,7 @@ def served(document=None):
     with tempfile.TemporaryDirectory() as folder:
         reader = script(folder, f'exec {shlex.join(MORVATH)} "$@"\n')
         options = scenario(folder, document) if document else []
-        with exporter("--reader", reader,
+        with Exporter("--reader", reader,
                       before=[*SIM, "run", *options, "--"]) as running:
             yield running
 
@@ -151,5 +138,5 @@ def reading(text, **spawning):
     """An exporter with a reader of this shell script, and its folder."""
     with tempfile.TemporaryDirectory() as folder:
         reader = script(folder, text)
-        with exporter("--reader", reader, cwd=folder, **spawning) as running:
+        with Exporter("--reader", reader, cwd=folder, **spawning) as running:
             yield running, Path(folder)

@@ -171,4 +171,19 @@ inline Json changed(Json properties, const Json& changes)
     return properties;
 }
 
+/** What the table makes of one object with the properties, changed. */
+template <auto Get>
+void expectVariants(const std::string& path, const std::string& interface,
+                    const Json& properties,
+                    const std::vector<std::pair<Json, Lines>>& variants)
+{
+    for (const auto& [changes, lines] : variants)
+    {
+        const auto machine =
+            Machine().owns(path, "com.example.Inventory",
+                           {{interface, changed(properties, changes)}});
+        EXPECT_EQ(linesOf<Get>(machine), lines) << changes;
+    }
+}
+
 } // namespace morvath::tests

@@ -6,30 +6,6 @@ namespace morvath::tests::inventory
 
 const std::string item = "xyz.openbmc_project.Inventory.Item.";
 
-/** What the table makes of one object with the properties, changed. */
-template <auto Get>
-void expectVariants(const std::string& path, const std::string& interface,
-                    const Json& properties,
-                    const std::vector<std::pair<Json, Lines>>& variants)
-{
-    for (const auto& [changes, lines] : variants)
-    {
-        const auto machine =
-            Machine().owns(path, "com.example.Inventory",
-                           {{interface, changed(properties, changes)}});
-        EXPECT_EQ(linesOf<Get>(machine), lines) << changes;
-    }
-}
-
-TEST(PowerSupplies, HaveNullForWhatIsMissing)
-{
-    expectVariants<getPsuTableInfo>(
-        "/xyz/openbmc_project/inventory/system/powersupply/0",
-        item + "PowerSupply",
-        {{"Name", text("left")}, {"PartNumber", text("")}},
-        {{{}, {"0", "0|left|null||null|800|null|0|0"}}});
-}
-
 TEST(PcieSlots, ConvertTheirPresence)
 {
     const std::string unknown = "0|null|Maker||0|0|0";

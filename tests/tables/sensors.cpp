@@ -36,35 +36,32 @@ TEST(Sensors, HaveOrLackLimitsByTheFirstAlarm)
                           {"MinValue", property("d", "-inf")},
                           {"Unit", text("a.Unit.CFM")},
                           {"Value", property("d", "nan")}};
-    const std::pair<Json, Lines> cases[]{
-        {{},
-         {"0", "0|1st|nan|1|0|90.00|10.00|0|1|80.00|20.00|-inf|inf|CFM|0|0"}},
-        {{{"CriticalAlarmHigh", nullptr}},
-         {"0", "0|1st|nan|0|0|-|-|0|1|80.00|20.00|-inf|inf|CFM|0|0"}},
-        {{{"WarningAlarmHigh", nullptr}, {"Value", nullptr}},
-         {"0", "0|1st|null|1|0|90.00|10.00|0|0|-|-|-inf|inf|CFM|0|0"}},
-        {{{"CriticalLow", nullptr}},
-         {"0", "0|1st|nan|1|0|90.00|null|0|1|80.00|20.00|-inf|inf|CFM|0|0"}},
-        {{{"WarningAlarmLow", nullptr}},
-         {nullText,
-          "0|1st|null|1|0|90.00|10.00|0|0|null|null|null|null|null|0|0"}},
-        {{{"CriticalAlarmLow", text("no")}},
-         {"invalid argument: stoi",
-          "0|1st|null|1|0|null|null|0|0|null|null|null|null|null|0|0"}},
-        {{{"Unit", text("CFM")}},
-         {"0",
-          "0|1st|nan|1|0|90.00|10.00|0|1|80.00|20.00|-inf|inf|unknown|0|0"}},
-        {{{"Unit", nullptr}},
-         {nullText,
-          "0|1st|null|1|0|90.00|10.00|0|1|80.00|20.00|-inf|inf|null|0|0"}},
-    };
-    for (const auto& [changes, lines] : cases)
-    {
-        const auto machine =
-            Machine().owns("/air/_31st", "com.example.Inventory",
-                           {{"com.Flow", changed(properties, changes)}});
-        EXPECT_EQ(linesOf<getAirflows>(machine), lines) << changes;
-    }
+    expectVariants<getAirflows>(
+        "/air/_31st", "com.Flow", properties,
+        {
+            {{},
+             {"0",
+              "0|1st|nan|1|0|90.00|10.00|0|1|80.00|20.00|-inf|inf|CFM|0|0"}},
+            {{{"CriticalAlarmHigh", nullptr}},
+             {"0", "0|1st|nan|0|0|-|-|0|1|80.00|20.00|-inf|inf|CFM|0|0"}},
+            {{{"WarningAlarmHigh", nullptr}, {"Value", nullptr}},
+             {"0", "0|1st|null|1|0|90.00|10.00|0|0|-|-|-inf|inf|CFM|0|0"}},
+            {{{"CriticalLow", nullptr}},
+             {"0",
+              "0|1st|nan|1|0|90.00|null|0|1|80.00|20.00|-inf|inf|CFM|0|0"}},
+            {{{"WarningAlarmLow", nullptr}},
+             {nullText,
+              "0|1st|null|1|0|90.00|10.00|0|0|null|null|null|null|null|0|0"}},
+            {{{"CriticalAlarmLow", text("no")}},
+             {"invalid argument: stoi",
+              "0|1st|null|1|0|null|null|0|0|null|null|null|null|null|0|0"}},
+            {{{"Unit", text("CFM")}},
+             {"0", "0|1st|nan|1|0|90.00|10.00|0|1|80.00|20.00|-inf|inf|unknown|"
+                   "0|0"}},
+            {{{"Unit", nullptr}},
+             {nullText,
+              "0|1st|null|1|0|90.00|10.00|0|1|80.00|20.00|-inf|inf|null|0|0"}},
+        });
 }
 
 } // namespace morvath::tests::sensors

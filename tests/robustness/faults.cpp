@@ -119,8 +119,8 @@ std::string mistakeOf(const Usual& usual, const Kind& kind, std::size_t call)
 void expectKnownResults(const std::vector<Usual>& all, const Kind& kind,
                         std::size_t call)
 {
-    const auto scenario =
-        Machine::smallServer().fault({{"call", call}}, kind.fault).scenario();
+    static const auto server = Machine::smallServer().scenario();
+    const auto scenario = withFault(server, {{"call", call}}, kind.fault);
     std::optional<sim::Platform> platform;
     for (const auto& usual : all)
     {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "sim/document.hpp"
+#include "sim/json_value.hpp"
 
 #include <chrono>
 #include <functional>

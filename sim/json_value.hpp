@@ -1,14 +1,21 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "sim/document.hpp"
 #include "sim/sd_bus.hpp"
+#include "simulation/document.hpp"
 
+#include <memory>
 #include <string>
 #include <string_view>
 
 namespace morvath::sim
 {
+
+// A scenario is read like the RAID section that it contains.
+using namespace vontel::document;
+
+/** A part of a document that lives as long as one of them is needed. */
+using SharedJson = std::shared_ptr<const Json>;
 
 /**
  * Appends a value in the form that scenarios use.

@@ -167,7 +167,7 @@ void Platform::moveTo(Seconds moment)
     }
     catch (const std::exception&)
     {
-        // Only sending is left to fail: the bus is gone.
+        // The bus is gone, or a RAID section would have become wrong.
     }
     time = moment;
 }

@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <set>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -64,6 +65,12 @@ struct Object
 {
     std::string path;
     std::vector<Owner> owners;
+};
+
+/** A scenario that cannot be used; what() is "FILE: /pointer: message". */
+class ScenarioError : public std::runtime_error
+{
+    using std::runtime_error::runtime_error;
 };
 
 /** A machine as data. docs/scenario.md describes the format. */

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "sim/document.hpp"
+#include "sim/json_value.hpp"
 #include "sim/record/parts.hpp"
 
 #include <regex.h>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "sim/document.hpp"
+#include "sim/json_value.hpp"
 #include "sim/process.hpp"
 #include "support/program.hpp"
 

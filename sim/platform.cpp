@@ -20,8 +20,9 @@ void waitFor(std::vector<pollfd>& files, Clock::time_point until)
 {
     using namespace std::chrono;
     const auto rest = std::max(until - Clock::now(), Clock::duration());
-    const timespec time{duration_cast<seconds>(rest).count(),
-                        (rest % seconds(1)).count()};
+    const timespec time{
+        static_cast<time_t>(duration_cast<seconds>(rest).count()),
+        static_cast<long>((rest % seconds(1)).count())};
     ppoll(files.data(), files.size(),
           until == Clock::time_point::max() ? nullptr : &time, nullptr);
 }

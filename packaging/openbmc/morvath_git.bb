@@ -7,7 +7,7 @@ LICENSE = "Apache-2.0"
 LIC_FILES_CHKSUM = "file://LICENSE;md5=3b83ef96387f14655fc854ddc3c6bd57"
 
 SRC_URI = "git://git.example.org/morvath.git;branch=main;protocol=https;destsuffix=${BP}"
-SRCREV = "8806eb1cccdb8237a85e78f03911d90d684456e3"
+SRCREV = "f8c7d1f619cb33541b5fce8f1484aea2e50242ed"
 PV = "0.1.0+git${SRCPV}"
 
 DEPENDS = "nlohmann-json sdbusplus systemd"

@@ -184,14 +184,25 @@ void Service::meet(const Fault& fault, sd_bus_message* message, Call& call)
 void Service::sendDue()
 {
     const auto now = Clock::now();
-    for (auto& call : held)
-    {
-        if (call.due <= now)
+    held.remove_if([&](Held& call) {
+        if (call.due > now)
         {
-            call.due = Clock::time_point::max();
-            sendAgain(call);
+            return false;
         }
-    }
+        call.due = Clock::time_point::max();
+        try
+        {
+            sendAgain(call);
+            return false;
+        }
+        catch (const std::exception& error)
+        {
+            // Without success when the bus is gone.
+            sd_bus_reply_method_errorf(call.message.get(), SD_BUS_ERROR_FAILED,
+                                       "%s", error.what());
+            return true;
+        }
+    });
 }
 
 /** sd-bus answers only what it receives, so the service calls itself. */

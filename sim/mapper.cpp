@@ -305,7 +305,7 @@ void Mapper::list(const std::string& path, const Service& service,
                   const std::vector<Interface>& interfaces)
 {
     index[path][service.name] = shown(interfaces);
-    listAbove(path, service, shown({}));
+    listAbove(path, service, standard);
 }
 
 void Mapper::listAbove(std::string_view path, const Service& service,

@@ -9,6 +9,7 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace morvath::sim
@@ -44,7 +45,10 @@ class Mapper : public Service
     Paths endpoints(const std::string& association) const;
     Paths endpointsById(const Json& arguments) const;
 
-    const Names* share(Names names) { return &*shared.insert(names).first; }
+    const Names* share(Names names)
+    {
+        return &*shared.insert(std::move(names)).first;
+    }
     const Names* shown(const std::vector<Interface>& interfaces);
     void list(const std::string& path, const Service& service,
               const std::vector<Interface>& interfaces);
@@ -55,6 +59,7 @@ class Mapper : public Service
     void publish(const std::string& path, const Paths& ends);
 
     std::set<Names> shared;
+    const Names* standard = shown({});
     Index index;
     /** The ends of its own objects; none of one that is gone. */
     std::map<std::string, Paths> associations;

@@ -117,6 +117,11 @@ struct Rules
 
 bool isDigit(char character) { return character >= '0' && character <= '9'; }
 
+bool isHex(char character)
+{
+    return std::isxdigit(static_cast<unsigned char>(character)) != 0;
+}
+
 /** A text, and its letters and digits alone, in small letters. */
 struct View
 {
@@ -127,9 +132,8 @@ struct View
         {
             const auto start = place;
             text += whole[place];
-            if (isPath && whole[place] == '_' &&
-                std::isxdigit(whole[place + 1]) != 0 &&
-                std::isxdigit(whole[place + 2]) != 0)
+            if (isPath && whole[place] == '_' && isHex(whole[place + 1]) &&
+                isHex(whole[place + 2]))
             {
                 const auto code = whole.substr(place + 1, 2);
                 text.back() = static_cast<char>(std::stoi(code, nullptr, 16));

@@ -28,8 +28,12 @@ TEST(Process, LoadsWithoutABus)
 
 TEST(Process, EndsWhileItLoadsWithoutAName)
 {
-    // A bus that hears a greeting and goes away.
-    const auto ended = consumer("unixexec:path=head,argv1=-c1", "call");
+    // A bus that hears a greeting and goes away. Its end of the socket does
+    // not block, so it asks until there is something to hear.
+    const auto ended = consumer("'unixexec:path=sh,argv1=-c,argv2="
+                                "until head -c1 >/dev/null 2>&1%3B do :%3B "
+                                "done'",
+                                "call");
     EXPECT_EQ(ended.status, 128 + SIGABRT);
     EXPECT_EQ(ended.output, "");
 }

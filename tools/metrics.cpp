@@ -51,9 +51,15 @@ std::string sampleText(double value)
     {
         return value > 0 ? "+Inf" : "-Inf";
     }
-    char text[32];
     // Not all digits: 42.35 percent are 0.4235.
     constexpr int digits = 15;
+    // Most are flags and whole limits, which need no search for digits.
+    constexpr double wholeLimit = 1e15;
+    if (std::abs(value) < wholeLimit && value == std::trunc(value))
+    {
+        return std::to_string(static_cast<int64_t>(value));
+    }
+    char text[32];
     return {text, std::to_chars(text, text + sizeof(text), value,
                                 std::chars_format::general, digits)
                       .ptr};

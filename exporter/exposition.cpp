@@ -230,7 +230,7 @@ constexpr auto pageHead =
     "body { font: 1rem/1.5 system-ui, sans-serif; max-width: 40rem;"
     " margin: 2rem auto; padding: 0 1rem }\n"
     "table { border-collapse: collapse; width: 100% }\n"
-    "th, td { text-align: left; padding: .25rem 1rem .25rem 0;"
+    "th, td { text-align: left; padding: .25rem .5rem .25rem 0;"
     " border-bottom: 1px solid #ccc; overflow-wrap: anywhere }\n"
     "</style>\n"
     "<h1>Morvath</h1>\n"

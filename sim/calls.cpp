@@ -132,7 +132,8 @@ int Service::decide(sd_bus_message* message)
         leaveOut(call.path, decision);
         return 0;
     }
-    const std::chrono::milliseconds delay(fault ? fault->milliseconds : 0);
+    const std::chrono::milliseconds delay(
+        fault ? fault->what->at("delayMs").get<int64_t>() : 0);
     held.push_back({.message = Message(sd_bus_message_ref(message)),
                     .call = std::move(call),
                     .decision = std::move(decision),
@@ -159,20 +160,20 @@ void Service::refuse(sd_bus_message* message, Call& call,
 
 void Service::meet(const Fault& fault, sd_bus_message* message, Call& call)
 {
+    const auto& what = *fault.what;
     switch (fault.then)
     {
         case Effect::error:
-            return refuse(message, call, fault.errorName, fault.errorText);
+            return refuse(message, call, what["error"],
+                          what.value("message", ""));
         case Effect::vanished:
             return refuse(message, call, SD_BUS_ERROR_UNKNOWN_OBJECT,
                           "Unknown object '" + fault.when.path + "'.");
         case Effect::reply:
         {
             const auto reply = newReply(message);
-            if (fault.reply)
-            {
-                appendValues(reply.get(), fault.replyTypes, *fault.reply);
-            }
+            appendValues(reply.get(), asText(what["reply"]["type"]),
+                         what["reply"].value("value", Json::array()));
             logOutcome(call, replied);
             return send(reply);
         }

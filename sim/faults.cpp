@@ -156,21 +156,16 @@ Condition readCondition(const Json& json, const Scenario& scenario)
     return condition;
 }
 
-void readReply(const Json& json, const SharedJson& document, Fault& fault)
+void checkReply(const Json& reply)
 {
-    allowOnly(json, {"type", "value"});
-    const auto& types = member(json, "type");
-    fault.replyTypes = asText(types);
-    if (fault.replyTypes.empty())
-    {
-        // Without a value, too.
-        return allowOnly(json, {"type"});
-    }
-    fault.reply = {document, &member(json, "value")};
-    checkValues(types, *fault.reply);
+    allowOnly(reply, {"type", "value"});
+    const auto& types = member(reply, "type");
+    // Without types also without a value.
+    asText(types).empty() ? allowOnly(reply, {"type"})
+                          : checkValues(types, member(reply, "value"));
 }
 
-void readEffect(const Json& json, const SharedJson& document, Fault& fault)
+Effect readEffect(const Json& json)
 {
     const auto* found = std::ranges::find_if(effectKeys, [&](const auto& one) {
         return findMember(json, one.first) != nullptr;
@@ -181,24 +176,18 @@ void readEffect(const Json& json, const SharedJson& document, Fault& fault)
     const auto& [key, effect] = *found;
     const auto& own = member(json, key);
     allowOnly(json, {key, effect == Effect::error ? "message" : key});
-    fault.then = effect;
     switch (effect)
     {
         case Effect::error:
-            fault.errorName = asName(interfaceName, own);
-            if (const auto* text = findMember(json, "message"))
-            {
-                checkValue("s", *text);
-                fault.errorText = *text;
-            }
-            return;
-        case Effect::delay:
-            fault.milliseconds =
-                static_cast<uint32_t>(asWhole(own, 0, UINT32_MAX));
-            return;
-        case Effect::reply: return readReply(own, document, fault);
+            asName(interfaceName, own);
+            withMember(json, "message",
+                       [](const Json& text) { checkValue("s", text); });
+            break;
+        case Effect::delay: asWhole(own, 0, UINT32_MAX); break;
+        case Effect::reply: checkReply(own); break;
         default: checkTrue(own);
     }
+    return effect;
 }
 
 } // namespace
@@ -212,8 +201,9 @@ std::vector<Fault> readFaults(const Json& list, const SharedJson& document,
         allowOnly(one, {"when", "then"});
         const auto& when = member(one, "when");
         Fault fault{.place = "/faults/" + std::to_string(faults.size()),
-                    .when = readCondition(when, scenario)};
-        readEffect(member(one, "then"), document, fault);
+                    .when = readCondition(when, scenario),
+                    .then = readEffect(member(one, "then")),
+                    .what = {document, &one["then"]}};
         const auto isMissing = fault.then == Effect::missing;
         if (isMissing || fault.then == Effect::vanished)
         {

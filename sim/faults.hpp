@@ -42,11 +42,8 @@ struct Fault
     std::string place;
     Condition when{};
     Effect then{};
-    std::string errorName{};
-    std::string errorText{};
-    uint32_t milliseconds = 0;
-    std::string replyTypes{};
-    SharedJson reply{};
+    /** What else the effect says, in the form of the document, checked. */
+    SharedJson what{};
     /** The calls that the condition is for, so far. */
     uint32_t calls = 0;
     bool used = false;

@@ -23,7 +23,8 @@ import sys
 import termios
 
 TIME = re.compile(r"^\d\d:\d\d:\d\d", re.MULTILINE)
-ESCAPES = re.compile(r"\x1b\[[0-9;]*[A-Za-z]|\r")
+# On a slow machine also what is being read, which is wiped in the end.
+UNSEEN = re.compile(r"[^\n]*\r\x1b\[K|\x1b\[[0-9;]*[A-Za-z]|\r")
 END_OF_ROUND = b"\x1b[J"
 PATIENCE = 120
 
@@ -56,7 +57,7 @@ def screen_of(path, simulator, morvath):
     words = shlex.split(first.removeprefix("$ "))
     columns, rows = map(int, re.search(r"-(\d+)x(\d+)$", path.stem).groups())
     command = [*simulator, "run", "--", *morvath, *words[1:]]
-    text = ESCAPES.sub("", shown_by(command, columns, rows))
+    text = UNSEEN.sub("", shown_by(command, columns, rows))
     return f"{first}\n" + TIME.sub("14:32:07", text.rstrip("\n")) + "\n"
 
 

@@ -69,8 +69,7 @@ class DocumentBuilder
     bool key(std::string& key)
     {
         // Past the library's own search for the key.
-        Json::object_t::Container& members =
-            open.back()->get_ref<Json::object_t&>();
+        auto& members = open.back()->get_ref<Json::object_t&>();
         next = &members.emplace_back(std::move(key), nullptr).second;
         return true;
     }
@@ -199,9 +198,15 @@ const Json& member(const Json& object, std::string_view key)
 
 bool flagAt(const Json& object, std::string_view key, bool otherwise)
 {
-    withMember(object, key,
-               [&](const Json& flag) { otherwise = asFlag(flag); });
-    return otherwise;
+    const auto* flag = findMember(object, key);
+    return flag ? asFlag(*flag) : otherwise;
+}
+
+const Json& listAt(const Json& object, std::string_view key)
+{
+    static const auto none = Json::array();
+    const auto* list = findMember(object, key);
+    return list ? asList(*list) : none;
 }
 
 void allowOnly(const Json& object, const std::vector<std::string_view>& keys)

@@ -80,6 +80,9 @@ void withMember(const Json& object, std::string_view key, const auto& action)
 /** The flag at a key; without it something else. */
 bool flagAt(const Json& object, std::string_view key, bool otherwise);
 
+/** The list at a key; without it an empty one. */
+const Json& listAt(const Json& object, std::string_view key);
+
 /** Every other key is a mistake. */
 void allowOnly(const Json& object, const std::vector<std::string_view>& keys);
 

@@ -107,7 +107,7 @@ int copyRecord(const char* operation, uint8_t selector, const char* list,
     });
 }
 
-std::string codeText(const char* operation, const char* kind, uint8_t code)
+std::string textOf(const char* operation, const char* kind, uint32_t code)
 {
     const auto& section = counted(operation);
     const auto text = section.texts.find({kind, code});
@@ -174,35 +174,32 @@ int getRaidConf(std::string vendor, std::string device, std::string subVendor,
 
 std::string getSupportRaidLevels(uint8_t selector, uint32_t raidId)
 {
-    const auto& section = counted(__func__);
-    const auto levels = section.raidLevels.find(raidId);
-    const auto isThere = selector == 0 && levels != section.raidLevels.end();
-    return isThere ? levels->second : section.unknown;
+    return textOf(__func__, selector == 0 ? levelsKey : "", raidId);
 }
 
 std::string getRaidLevelStr(uint8_t level)
 {
-    return codeText(__func__, "raid_level", level);
+    return textOf(__func__, "raid_level", level);
 }
 
 std::string getPhyDevStateStr(uint8_t state)
 {
-    return codeText(__func__, "drive_state", state);
+    return textOf(__func__, "drive_state", state);
 }
 
 std::string getDriveMediaType(uint8_t type)
 {
-    return codeText(__func__, "media_type", type);
+    return textOf(__func__, "media_type", type);
 }
 
 std::string getDriveInterfaceType(uint8_t type)
 {
-    return codeText(__func__, "interface_type", type);
+    return textOf(__func__, "interface_type", type);
 }
 
 std::string getDriveSpeed(uint8_t linkSpeed)
 {
-    return codeText(__func__, "speed", linkSpeed);
+    return textOf(__func__, "speed", linkSpeed);
 }
 
 void simulation::load(const std::string& section)

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <charconv>
 #include <iterator>
+#include <numeric>
 #include <set>
 
 namespace vontel::simulation
@@ -18,83 +19,8 @@ namespace
 using Bytes = std::span<unsigned char>;
 using ConstBytes = std::span<const unsigned char>;
 
-/** A key of a description and the bytes of the record that it describes. */
-struct Field
-{
-    enum Kind
-    {
-        number,
-        text,
-        /** With blanks behind it. */
-        padded,
-        /** How many there are, and then an entry for each. */
-        members,
-        /** Of nothing in the record. */
-        outside,
-    };
-
-    std::string_view key;
-    Kind kind;
-    std::size_t offset;
-    std::size_t length;
-};
-
 constexpr std::size_t mostMembers = UINT8_MAX;
 static_assert(logical_drive::members == logical_drive::memberCount + 1);
-
-struct RecordKind
-{
-    std::size_t size;
-    /** The first one is the id. */
-    std::vector<Field> fields;
-};
-
-/** By the key of their list. */
-const std::map<std::string_view, RecordKind> recordKinds{
-    {"controllers",
-     {sizeof(RAIDInfo_T),
-      {{"raid_id", Field::number, raid_info::raidId, 4},
-       {"name", Field::text, raid_info::name, 80},
-       {"text84", Field::text, raid_info::idText1, 48},
-       {"text132", Field::text, raid_info::idText2, 32},
-       {"text164", Field::text, raid_info::idText3, 160},
-       {"pci_vendor", Field::number, raid_info::vendorId, 2},
-       {"pci_device", Field::number, raid_info::deviceId, 2},
-       {"pci_subvendor", Field::number, raid_info::subVendorId, 2},
-       {"pci_subdevice", Field::number, raid_info::subDeviceId, 2},
-       {"word332", Field::number, raid_info::wordProperty, 2},
-       {"byte335", Field::number, raid_info::byteProperty, 1},
-       {"supported_raid_levels", Field::outside, 0, 0},
-       {"physical", Field::outside, 0, 0},
-       {"logical", Field::outside, 0, 0}}}},
-    {"physical",
-     {sizeof(PhyDevInfo_T),
-      {{"device_id", Field::number, physical_drive::deviceId, 2},
-       {"media_type", Field::number, physical_drive::mediaType, 1},
-       {"state", Field::number, physical_drive::state, 1},
-       {"vendor", Field::padded, physical_drive::vendor,
-        physical_drive::vendorLength},
-       {"model", Field::padded, physical_drive::model,
-        physical_drive::modelLength},
-       {"serial", Field::text, physical_drive::serial, 48},
-       {"text80", Field::text, physical_drive::driveText, 8},
-       {"interface_type", Field::number, physical_drive::interfaceType, 1},
-       {"link_speed", Field::number, physical_drive::linkSpeed, 1},
-       {"blocks", Field::number, physical_drive::blocks, 8},
-       {"block_size", Field::number, physical_drive::blockSize, 4},
-       {"temperature", Field::number, physical_drive::temperature, 1},
-       {"usage", Field::number, physical_drive::usage, 1}}}},
-    {"logical",
-     {sizeof(LogicalDevInfo_T),
-      {{"id", Field::outside, 0, 2},
-       {"raid_level", Field::number, logical_drive::raidLevel, 1},
-       {"members", Field::members, logical_drive::memberCount,
-        1 + mostMembers* logical_drive::memberSize}}}}};
-
-constexpr std::array<std::string_view, 8> operationsWithResult{
-    "checkRaidMgrExist", "getRaidIdList",     "getRaidInfoById",
-    "getPhyDevIdList",   "getPhyDevInfoById", "getLogDevIdList",
-    "getLogDevInfoById", "getRaidConf"};
 
 uint64_t numberOf(const Json& value, std::size_t width)
 {
@@ -102,8 +28,9 @@ uint64_t numberOf(const Json& value, std::size_t width)
 }
 
 /** Little-endian, as wide as the area. */
-void storeNumber(uint64_t number, Bytes area)
+void storeNumber(const Json& value, Bytes area)
 {
+    auto number = numberOf(value, area.size());
     for (auto& byte : area)
     {
         byte = static_cast<unsigned char>(number);
@@ -111,14 +38,11 @@ void storeNumber(uint64_t number, Bytes area)
     }
 }
 
-uint64_t loadNumber(ConstBytes area)
+Json loadNumber(ConstBytes area)
 {
-    uint64_t number = 0;
-    for (auto byte = area.rbegin(); byte != area.rend(); ++byte)
-    {
-        number = number << 8 | *byte;
-    }
-    return number;
+    return std::accumulate(
+        area.rbegin(), area.rend(), uint64_t{},
+        [](auto number, auto byte) { return number << 8 | byte; });
 }
 
 /** The id of a drive among the members that an area has. */
@@ -128,63 +52,46 @@ auto memberIn(auto area, std::size_t index)
                         sizeof(uint16_t));
 }
 
-void store(const Field& field, const Json& value, Bytes record)
+/** How many there are, and then an entry for each. */
+void storeMembers(const Json& ids, Bytes area)
 {
-    const auto area = record.subspan(field.offset, field.length);
-    if (field.kind == Field::number)
+    area[0] = static_cast<unsigned char>(asList(ids).size());
+    for (std::size_t index = 0; index < ids.size(); ++index)
     {
-        storeNumber(numberOf(value, area.size()), area);
-    }
-    else if (field.kind == Field::members)
-    {
-        area[0] = static_cast<unsigned char>(asList(value).size());
-        for (std::size_t index = 0; index < value.size(); ++index)
-        {
-            demand(index < mostMembers, value[index],
-                   "is one member too many for a logical drive");
-            const auto place = memberIn(area, index);
-            storeNumber(numberOf(value[index], place.size()), place);
-        }
-    }
-    else if (field.kind != Field::outside)
-    {
-        const auto& text = asText(value);
-        demand(text.size() <= area.size(), value,
-               "must have at most " + std::to_string(area.size()) + " bytes");
-        std::ranges::fill(area, field.kind == Field::padded ? ' ' : 0);
-        std::ranges::copy(text, area.begin());
+        demand(index < mostMembers, ids[index],
+               "is one member too many for a logical drive");
+        storeNumber(ids[index], memberIn(area, index));
     }
 }
 
-Json load(const Field& field, ConstBytes record)
+Json loadMembers(ConstBytes area)
 {
-    const auto area = record.subspan(field.offset, field.length);
-    if (field.kind == Field::outside)
+    auto ids = Json::array();
+    for (std::size_t index = 0; index < area[0]; ++index)
     {
-        return {};
+        ids.push_back(loadNumber(memberIn(area, index)));
     }
-    if (field.kind == Field::number)
-    {
-        return loadNumber(area);
-    }
-    if (field.kind == Field::members)
-    {
-        auto members = Json::array();
-        for (std::size_t index = 0; index < area[0]; ++index)
-        {
-            members.push_back(loadNumber(memberIn(area, index)));
-        }
-        return members;
-    }
+    return ids;
+}
+
+template <char filler>
+void storeText(const Json& value, Bytes area)
+{
+    const auto& text = asText(value);
+    demand(text.size() <= area.size(), value,
+           "must have at most " + std::to_string(area.size()) + " bytes");
+    std::ranges::fill(area, filler);
+    std::ranges::copy(text, area.begin());
+}
+
+template <char filler>
+Json loadText(ConstBytes area)
+{
     std::string text(area.begin(), std::ranges::find(area, 0));
-    if (field.kind == Field::padded)
-    {
-        text.resize(text.find_last_not_of(' ') + 1);
-    }
+    text.resize(text.find_last_not_of(filler) + 1);
     return text;
 }
 
-/** Bytes in hexadecimal, put anywhere. */
 void storeRaw(const Json& raw, Bytes record)
 {
     for (const auto& [key, value] : asObject(raw).items())
@@ -209,6 +116,83 @@ void storeRaw(const Json& raw, Bytes record)
     }
 }
 
+/** How values stand in an area of a record. */
+struct Form
+{
+    void (*store)(const Json& value, Bytes area) = nullptr;
+    Json (*load)(ConstBytes area) = nullptr;
+};
+
+namespace form
+{
+constexpr Form number{storeNumber, loadNumber};
+constexpr Form text{storeText<'\0'>, loadText<'\0'>};
+constexpr Form padded{storeText<' '>, loadText<' '>};
+constexpr Form members{storeMembers, loadMembers};
+constexpr Form raw{storeRaw};
+/** In none. */
+constexpr Form outside;
+} // namespace form
+
+/** A key of a description and the bytes of the record that it describes. */
+struct Field
+{
+    std::string_view key;
+    Form form;
+    std::size_t offset;
+    std::size_t length;
+};
+
+/**
+ * By the key of the list. The first one is the id; the last one is the whole
+ * record, and goes over all the others.
+ */
+const std::map<std::string_view, std::vector<Field>> recordKinds{
+    {"controllers",
+     {{"raid_id", form::number, raid_info::raidId, 4},
+      {"name", form::text, raid_info::name, 80},
+      {"text84", form::text, raid_info::idText1, 48},
+      {"text132", form::text, raid_info::idText2, 32},
+      {"text164", form::text, raid_info::idText3, 160},
+      {"pci_vendor", form::number, raid_info::vendorId, 2},
+      {"pci_device", form::number, raid_info::deviceId, 2},
+      {"pci_subvendor", form::number, raid_info::subVendorId, 2},
+      {"pci_subdevice", form::number, raid_info::subDeviceId, 2},
+      {"word332", form::number, raid_info::wordProperty, 2},
+      {"byte335", form::number, raid_info::byteProperty, 1},
+      {levelsKey, form::outside, 0, 0},
+      {"physical", form::outside, 0, 0},
+      {"logical", form::outside, 0, 0},
+      {"raw", form::raw, 0, sizeof(RAIDInfo_T)}}},
+    {"physical",
+     {{"device_id", form::number, physical_drive::deviceId, 2},
+      {"media_type", form::number, physical_drive::mediaType, 1},
+      {"state", form::number, physical_drive::state, 1},
+      {"vendor", form::padded, physical_drive::vendor,
+       physical_drive::vendorLength},
+      {"model", form::padded, physical_drive::model,
+       physical_drive::modelLength},
+      {"serial", form::text, physical_drive::serial, 48},
+      {"text80", form::text, physical_drive::driveText, 8},
+      {"interface_type", form::number, physical_drive::interfaceType, 1},
+      {"link_speed", form::number, physical_drive::linkSpeed, 1},
+      {"blocks", form::number, physical_drive::blocks, 8},
+      {"block_size", form::number, physical_drive::blockSize, 4},
+      {"temperature", form::number, physical_drive::temperature, 1},
+      {"usage", form::number, physical_drive::usage, 1},
+      {"raw", form::raw, 0, sizeof(PhyDevInfo_T)}}},
+    {"logical",
+     {{"id", form::outside, 0, 2},
+      {"raid_level", form::number, logical_drive::raidLevel, 1},
+      {"members", form::members, logical_drive::memberCount,
+       1 + mostMembers* logical_drive::memberSize},
+      {"raw", form::raw, 0, sizeof(LogicalDevInfo_T)}}}};
+
+constexpr std::array<std::string_view, 8> operationsWithResult{
+    "checkRaidMgrExist", "getRaidIdList",     "getRaidInfoById",
+    "getPhyDevIdList",   "getPhyDevInfoById", "getLogDevIdList",
+    "getLogDevInfoById", "getRaidConf"};
+
 /** Each run of bytes that differ, by its offset. */
 Json differences(ConstBytes record, ConstBytes described)
 {
@@ -232,27 +216,29 @@ Json differences(ConstBytes record, ConstBytes described)
     return raw;
 }
 
-/** Bytes without a key stay zero; "raw" goes over all that have one. */
+/** Bytes without a key stay zero. */
 Record recordOf(const std::string& list, uint32_t raidId,
                 const Json& description)
 {
-    const auto& [size, fields] = recordKinds.at(list);
-    std::vector<std::string_view> keys{"raw"};
+    const auto& fields = recordKinds.at(list);
+    std::vector<std::string_view> keys;
     std::ranges::transform(fields, std::back_inserter(keys), &Field::key);
     allowOnly(description, keys);
-    Record record(size);
+    Record record(fields.back().length);
+    const Bytes bytes(record);
     if (list == "physical")
     {
-        storeNumber(raidId, Bytes(record).subspan(physical_drive::raidId,
-                                                  sizeof(raidId)));
+        storeNumber(raidId,
+                    bytes.subspan(physical_drive::raidId, sizeof(raidId)));
     }
-    for (const auto& field : fields)
+    for (const auto& [key, form, offset, length] : fields)
     {
-        withMember(description, field.key,
-                   [&](const Json& value) { store(field, value, record); });
+        const auto* value = findMember(description, key);
+        if (value && form.store)
+        {
+            form.store(*value, bytes.subspan(offset, length));
+        }
     }
-    withMember(description, "raw",
-               [&](const Json& raw) { storeRaw(raw, record); });
     return record;
 }
 
@@ -260,31 +246,28 @@ Record recordOf(const std::string& list, uint32_t raidId,
 void readList(const Json& parent, const std::string& list, uint32_t raidId,
               Section& section)
 {
-    const auto& idField = recordKinds.at(list).fields.front();
+    const auto& idField = recordKinds.at(list).front();
     auto& items = section.lists[{list, raidId}];
     std::set<uint32_t> seen;
-    const auto readItem = [&](const Json& json) {
+    for (const auto& json : listAt(parent, list))
+    {
         const auto& place = member(json, idField.key);
         const auto id = static_cast<uint32_t>(numberOf(place, idField.length));
         demand(seen.insert(id).second, place, "the id stands here twice");
         items.push_back({id, recordOf(list, raidId, json)});
         if (list == "controllers")
         {
-            auto& levels = section.raidLevels[id];
-            withMember(json, "supported_raid_levels",
-                       [&](const Json& text) { levels = asText(text); });
+            const auto* levels = findMember(json, levelsKey);
+            section.texts[{levelsKey, id}] = levels ? asText(*levels) : "";
             readList(json, "physical", id, section);
             readList(json, "logical", id, section);
         }
-    };
-    withMember(parent, list, [&](const Json& elements) {
-        std::ranges::for_each(asList(elements), readItem);
-    });
+    }
 }
 
 void readConfiguration(const Json& list, Section& section)
 {
-    for (const auto& entry : asList(list))
+    for (const auto& entry : list)
     {
         allowOnly(entry,
                   {"vendor", "device", "subvendor", "subdevice", "outputs"});
@@ -323,7 +306,7 @@ void readTexts(const Json& json, Section& section)
 
 void readFaults(const Json& list, Section& section)
 {
-    for (const auto& json : asList(list))
+    for (const auto& json : list)
     {
         allowOnly(json, {"operation", "result", "call"});
         const auto& operation = member(json, "operation");
@@ -333,11 +316,9 @@ void readFaults(const Json& list, Section& section)
                    "\" is not an operation with a result");
         const auto result =
             asWhole(member(json, "result"), INT32_MIN, INT32_MAX);
-        Fault fault{asText(operation), static_cast<int>(result)};
-        withMember(json, "call", [&](const Json& call) {
-            fault.call = static_cast<uint32_t>(asWhole(call, 1, UINT32_MAX));
-        });
-        section.faults.push_back(std::move(fault));
+        const auto* call = findMember(json, "call");
+        section.faults.push_back({asText(operation), static_cast<int>(result),
+                                  call ? asWhole(*call, 1, UINT32_MAX) : 0});
     }
 }
 
@@ -349,12 +330,10 @@ Section read(const Json& json)
                      "faults"});
     Section section{.hasManager = flagAt(json, "manager_present", true)};
     readList(json, "controllers", 0, section);
-    const auto readPart = [&](std::string_view key, const auto& part) {
-        withMember(json, key, [&](const Json& own) { part(own, section); });
-    };
-    readPart("configuration", readConfiguration);
-    readPart("texts", readTexts);
-    readPart("faults", readFaults);
+    readConfiguration(listAt(json, "configuration"), section);
+    withMember(json, "texts",
+               [&](const Json& texts) { readTexts(texts, section); });
+    readFaults(listAt(json, "faults"), section);
     return section;
 }
 
@@ -377,15 +356,16 @@ Section readText(const std::string& text, const std::string& name)
 Json describe(const std::string& list, uint32_t raidId, uint32_t id,
               ConstBytes record)
 {
-    const auto& fields = recordKinds.at(list).fields;
+    const auto& fields = recordKinds.at(list);
     Json description{{fields.front().key, id}};
-    const auto blank = recordOf(list, raidId, Json::object());
-    for (const auto& field : std::span(fields).subspan(1))
+    for (const auto& [key, form, offset, length] : std::span(fields).subspan(1))
     {
-        auto value = load(field, record);
-        if (value != load(field, blank) && isUtf8(value))
+        const auto area = record.subspan(offset, length);
+        auto value = form.load ? form.load(area) : nullptr;
+        // What is zero or empty needs no key.
+        if (value != Json(value.type()) && isUtf8(value))
         {
-            description[std::string(field.key)] = std::move(value);
+            description[std::string(key)] = std::move(value);
         }
     }
     auto raw = differences(record, recordOf(list, raidId, description));

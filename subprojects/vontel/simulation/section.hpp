@@ -33,8 +33,11 @@ struct Fault
     std::string operation;
     int result;
     /** Counted from 1; 0: all of them. */
-    uint32_t call = 0;
+    uint64_t call;
 };
+
+/** Of a text of a controller that is in no record. */
+constexpr auto levelsKey = "supported_raid_levels";
 
 using FourTexts = std::array<std::string, 4>;
 
@@ -43,12 +46,10 @@ struct Section
 {
     bool hasManager = true;
     Lists lists{};
-    /** By the id of the controller. */
-    std::map<uint32_t, std::string> raidLevels{};
     /** What getRaidConf finds, by vendor, device, subvendor and subdevice. */
     std::map<FourTexts, FourTexts> configuration{};
-    /** By the key of their kind and the code. */
-    std::map<std::pair<std::string, uint8_t>, std::string> texts{};
+    /** By their key and the code, or the id of the controller. */
+    std::map<std::pair<std::string, uint32_t>, std::string> texts{};
     std::string unknown = "Unknown";
     std::vector<Fault> faults{};
 };

@@ -37,7 +37,6 @@ struct Options
     std::vector<std::string> command;
     bool raidOnly = false;
     RunOptions run;
-    RecordOptions record;
 };
 
 using File = std::unique_ptr<std::FILE, Releaser<std::fclose>>;
@@ -233,7 +232,7 @@ int parseAndExecute(int argc, char** argv)
             .name = programName,
             .meaning = "Simulates the services of a managed server on a bus.",
             .commands = {runOf(options), serveOf(options), checkOf(options),
-                         recordCommand(options.record)},
+                         recordCommand()},
         },
         about(), argc, argv);
 }

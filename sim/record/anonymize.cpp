@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "sim/json_value.hpp"
-#include "sim/record/parts.hpp"
+#include "sim/record/record.hpp"
 
 #include <regex.h>
 

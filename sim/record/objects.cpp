@@ -1,13 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "sim/record/record.hpp"
-
 #include "cli/terminal_text.hpp"
 #include "sim/json_value.hpp"
-#include "sim/record/parts.hpp"
+#include "sim/record/record.hpp"
 #include "sim/scenario.hpp"
 #include "sim/sd_bus.hpp"
 
-#include <dlfcn.h>
 #include <expat.h>
 
 #include <nlohmann/json.hpp>
@@ -15,8 +12,6 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cstdio>
-#include <cstdlib>
 #include <map>
 #include <memory>
 #include <set>
@@ -26,26 +21,24 @@
 
 namespace morvath::sim
 {
-
 namespace
 {
+
+constexpr std::string_view noObject = SD_BUS_ERROR_UNKNOWN_OBJECT;
+
+/** Whether the service has no more to say at all. */
+bool isGone(const BusError& error)
+{
+    constexpr std::array<std::string_view, 3> names{
+        SD_BUS_ERROR_TIMEOUT, SD_BUS_ERROR_SERVICE_UNKNOWN,
+        SD_BUS_ERROR_NAME_HAS_NO_OWNER};
+    return std::ranges::count(names, error.name()) > 0;
+}
 
 /** Adds a member whose key is new, past the search for it. */
 void addNew(Json& object, const std::string& key, Json&& value)
 {
-    Json::object_t::Container& members = object.get_ref<Json::object_t&>();
-    members.emplace_back(key, std::move(value));
-}
-
-constexpr std::string_view noObject = SD_BUS_ERROR_UNKNOWN_OBJECT;
-
-/** Whether the service has no more to say, or not of the object. */
-bool isFinal(const BusError& error)
-{
-    constexpr std::array<std::string_view, 4> names{
-        SD_BUS_ERROR_TIMEOUT, SD_BUS_ERROR_SERVICE_UNKNOWN,
-        SD_BUS_ERROR_NAME_HAS_NO_OWNER, noObject};
-    return std::ranges::count(names, error.name()) > 0;
+    object.get_ref<Json::object_t&>().emplace_back(key, std::move(value));
 }
 
 /** What introspection data say of an interface. */
@@ -110,17 +103,15 @@ class Recorder
   public:
     Recorder(const RecordOptions& options, const Omit& omit) :
         bus(openBus(options.address)),
-        omit(omit),
-        wanted(options.services.begin(), options.services.end())
+        omit(omit)
     {
-        const std::chrono::duration<double, std::micro> patience =
-            options.patience;
-        check(sd_bus_set_method_call_timeout(
-                  bus.get(), static_cast<uint64_t>(patience.count())),
+        const auto patience = static_cast<uint64_t>(options.patience.count());
+        check(sd_bus_set_method_call_timeout(bus.get(), patience),
               "sd_bus_set_method_call_timeout");
     }
 
-    Json objects()
+    /** @param[in] wanted  the services; empty: all */
+    Json objects(const std::set<std::string>& wanted)
     {
         auto recorded = Json::array();
         auto missing = wanted;
@@ -183,7 +174,6 @@ class Recorder
         }
         try
         {
-            check(result, "calling it");
             // A dictionary with a key that is there twice is an array, too.
             auto json = sd_bus_message_has_signature(raw, answerType) > 0
                             ? readJson(raw)
@@ -226,14 +216,13 @@ class Recorder
         }
         catch (const BusError& error)
         {
-            const auto isUnknown = error.name() == noObject;
-            if (isFinal(error) && !isUnknown)
+            if (isGone(error))
             {
                 lost.insert(service);
                 omit(service + ", from object " + path + " on", error.what());
             }
             // Without interfaces it may only be there for what is below.
-            else if (!isUnknown || !names.empty())
+            else if (error.name() != noObject || !names.empty())
             {
                 omit(path + ": " + service, error.what());
             }
@@ -284,11 +273,15 @@ class Recorder
         {
             return;
         }
+        auto own = Json::object();
         // Of those that are still to be added.
         std::map<std::string, bool> access(known.properties.begin(),
                                            known.properties.end());
-        auto own = Json::object();
         const auto add = [&](const std::string& property, Json& value) {
+            if (sd_bus_member_name_is_valid(property.c_str()) <= 0)
+            {
+                return omit(path + ": " + name, "a property without a name");
+            }
             const auto isReadOnly = access.extract(property);
             if (isReadOnly && isReadOnly.mapped())
             {
@@ -298,14 +291,7 @@ class Recorder
         };
         for (auto& [property, value] : values.items())
         {
-            if (sd_bus_member_name_is_valid(property.c_str()) > 0)
-            {
-                add(property, value);
-            }
-            else
-            {
-                omit(path + ": " + name, "a property without a name");
-            }
+            add(property, value);
         }
         // One getter that fails takes GetAll with it; the others are not lost.
         for (const auto& one : known.properties)
@@ -337,7 +323,7 @@ class Recorder
         }
         catch (const BusError& error)
         {
-            if (isFinal(error))
+            if (isGone(error) || error.name() == noObject)
             {
                 throw;
             }
@@ -348,106 +334,17 @@ class Recorder
 
     Bus bus;
     const Omit& omit;
-    std::set<std::string> wanted;
     std::set<std::string> lost{};
     // What is asked.
     std::string service{};
     std::string path{};
 };
 
-/** The RAID section; null when there is nothing to record. */
-Json raidSection(const Omit& omit)
-{
-    Json section;
-    // It stays, as an exception of the library's own would need it.
-    auto* module = dlopen(raidModule, RTLD_NOW | RTLD_NODELETE);
-    if (module)
-    {
-        const auto read = reinterpret_cast<decltype(&recordRaid)>(
-            dlsym(module, "recordRaid"));
-        read(section, omit);
-        return section;
-    }
-    const std::string error = dlerror();
-    const auto isWithoutLibrary =
-        error.starts_with("libvontel.so.0: cannot open") &&
-        error.ends_with("No such file or directory");
-    if (!isWithoutLibrary)
-    {
-        omit("RAID", error);
-    }
-    return {};
-}
-
-/** Prints a scenario; success when nothing had to be left out. */
-int record(const RecordOptions& options)
-{
-    auto status = EXIT_SUCCESS;
-    const Omit omit = [&](const std::string& what, const std::string& why) {
-        status = EXIT_FAILURE;
-        cli::complain("morvath-sim", "left out: " + what + ": " + why);
-    };
-    Json scenario{{"format", 1},
-                  {"description", "Recorded from a running platform"}};
-    scenario["objects"] = Recorder(options, omit).objects();
-    // The manager of drives is not a service that could be chosen.
-    if (options.services.empty())
-    {
-        if (auto raid = raidSection(omit); !raid.is_null())
-        {
-            scenario["raid"] = std::move(raid);
-        }
-    }
-    if (options.anonymize)
-    {
-        anonymize(scenario);
-    }
-    const auto text = cli::visibleJson(scenario.dump(2)) + '\n';
-    try
-    {
-        // What is printed is meant to be replayed.
-        Scenario::parse(text, "the recording");
-    }
-    catch (const ScenarioError& error)
-    {
-        omit("a correct scenario", error.what());
-    }
-    cli::endProgress();
-    if (std::fputs(text.c_str(), stdout) < 0 || std::fflush(stdout) != 0)
-    {
-        throw std::runtime_error("the recording could not be written");
-    }
-    return status;
-}
-
 } // namespace
 
-cli::Command recordCommand(RecordOptions& options)
+Json recordObjects(const RecordOptions& options, const Omit& omit)
 {
-    const auto takeService = [&options](const std::string& name) {
-        if (sd_bus_service_name_is_valid(name.c_str()) <= 0)
-        {
-            throw cli::Misuse("--service: \"" + name + "\" is not a bus name");
-        }
-        options.services.push_back(name);
-    };
-    return {
-        .name = "record",
-        .meaning = "Print what is on a bus as a scenario",
-        .parameters =
-            {{.names = "--service",
-              .meaning = "Record only this service; may be repeated",
-              .take = takeService,
-              .value = "NAME",
-              .isRepeated = true},
-             cli::flag("--anonymize", options.anonymize,
-                       "Mask serial numbers, addresses and names of hosts"),
-             cli::seconds("--timeout", options.patience,
-                          "Longest wait for each answer, in seconds (5)"),
-             cli::text("--address", "ADDRESS", options.address,
-                       "The bus (default: the one of the environment)")},
-        .run = [&options] { return record(options); },
-    };
+    return Recorder(options, omit).objects(options.services);
 }
 
 } // namespace morvath::sim

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "sim/record/parts.hpp"
+#include "sim/record/record.hpp"
 #include "simulation/section.hpp"
 #include "vontel.hpp"
 
@@ -156,14 +156,14 @@ class RaidRecorder
     /** What is said of most codes is said of those that are unknown. */
     static Json texts()
     {
-        Json all;
+        std::vector<std::tuple<std::string, unsigned, std::string>> all;
         std::map<std::string, unsigned> counts;
         for (const auto& [kind, textOf] : codeTexts)
         {
             for (auto code = 0U; code <= UINT8_MAX; ++code)
             {
                 const auto text = checked(textOf(static_cast<uint8_t>(code)));
-                all[kind].push_back(text);
+                all.emplace_back(kind, code, text);
                 ++counts[text];
             }
         }
@@ -171,14 +171,11 @@ class RaidRecorder
         const auto& [unknown, most] =
             *std::ranges::max_element(counts, {}, &Count::second);
         Json known;
-        for (const auto& [kind, texts] : all.items())
+        for (const auto& [kind, code, text] : all)
         {
-            for (const auto& [code, text] : texts.items())
+            if (text != unknown)
             {
-                if (text != unknown)
-                {
-                    known[kind][code] = text;
-                }
+                known[kind][std::to_string(code)] = text;
             }
         }
         known["unknown"] = unknown;
@@ -191,13 +188,13 @@ class RaidRecorder
 
 } // namespace
 
-[[gnu::visibility("default")]] void recordRaid(Json& section, const Omit& omit)
+[[gnu::visibility("default")]] void recordRaid(Json& scenario, const Omit& omit)
 {
     try
     {
         if (vontel::checkRaidMgrExist() != 0)
         {
-            section = RaidRecorder(omit).section();
+            scenario["raid"] = RaidRecorder(omit).section();
         }
     }
     catch (const std::exception& error)

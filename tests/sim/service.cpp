@@ -1,199 +1,245 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "sim/client.hpp"
-#include "sim/platform.hpp"
+#include "support/machine.hpp"
 
 #include <gtest/gtest.h>
 
-#include <cstddef>
+#include <chrono>
 #include <stdexcept>
 #include <string>
 #include <system_error>
 #include <utility>
+#include <vector>
 
 namespace morvath::tests::service
 {
-
-using sim::Seconds;
 
 const std::string busError = "org.freedesktop.DBus.Error.";
 
 constexpr auto machine = R"({"format": 1, "objects": [
 {"path": "/a", "services": [{"name": "x.S", "interfaces": {
-  "x.First": {
-    "Name": {"type": "s", "value": "one"},
-    "Secret": {"type": "u", "value": 7, "hidden": true}},
-  "x.Last": {
-    "Name": {"type": "s", "value": "two"},
-    "Mode": {"type": "s", "value": "m.On", "enum": ["m.On", "m.Off"]}}}}]}]})";
+  "x.I": {"P": {"type": "s", "value": "one"}, "Q": {"type": "i", "value": 2},
+          "H": {"type": "i", "value": 3, "hidden": true}},
+  "x.J": {"P": {"type": "s", "value": "m.On", "enum": ["m.On", "m.Off"]}}}}]},
+{"path": "/b", "services": [{"name": "x.S", "interfaces": {
+  "x.I": {"P": {"type": "s", "value": "b"}}}}]}], )";
 
-/** Keeps what is in all signals, each as an array after its name. */
-int keepSignal(sd_bus_message* message, void* kept, sd_bus_error*)
+/** The machine with a list of faults or changes. */
+sim::Scenario machineWith(const char* key, const std::string& list)
 {
-    auto& one = static_cast<Json*>(kept)->emplace_back();
-    one = sim::readJsonList(message);
-    one.insert(one.begin(), sd_bus_message_get_member(message));
-    return 0;
+    return sim::Scenario::parse(
+        machine + ('"' + std::string(key) + "\": " + list + "}"), key);
 }
 
-/** The signals of an interface, once there are so many. */
-class Signals
+// Faults, and what Get P, Get Q and GetAll of x.I on /a, whose answer has the
+// names alone here, and Get P on /b answer.
+constexpr auto faultCases = R"json([
+[[{"when": {"property": "P"}, "then": {"error": "x.E"}}],
+ ["x.E", 2, "x.E", "x.E"]],
+[[{"when": {"path": "/a", "property": "Q", "member": "GetAll"},
+   "then": {"error": "x.E"}}], ["one", 2, "x.E", "b"]],
+[[{"when": {"property": "H"}, "then": {"error": "x.E"}}], ["one", 2, "PQ", "b"]],
+[[{"when": {"interface": "x.J", "property": "P"}, "then": {"error": "x.E"}}],
+ ["one", 2, "PQ", "b"]],
+[[{"when": {"interface": "org.freedesktop.DBus.Properties", "property": "Q"},
+   "then": {"error": "x.E"}}], ["one", "x.E", "x.E", "b"]],
+[[{"when": {"path": "/a", "call": 2}, "then": {"error": "x.E"}}],
+ ["one", "x.E", "PQ", "b"]],
+[[{"when": {"path": "/a"}, "then": {"error": "x.First"}},
+  {"when": {}, "then": {"error": "x.Second"}}],
+ ["x.First", "x.First", "x.First", "x.Second"]],
+[[{"when": {"path": "/a", "property": "P"}, "then": {"missing": true}}],
+ ["org.freedesktop.DBus.Error.UnknownProperty", 2, "Q", "b"]],
+[[{"when": {"path": "/a", "property": "Q", "call": 2},
+   "then": {"missing": true}}], ["one", 2, "P", "b"]],
+[[{"when": {"path": "/b"}, "then": {"vanished": true}}],
+ ["one", 2, "PQ", "org.freedesktop.DBus.Error.UnknownObject"]],
+[[{"when": {"path": "/b"}, "then":
+   {"reply": {"type": "v", "value": {"type": "u", "value": 9}}}}],
+ ["one", 2, "PQ", 9]],
+[[{"when": {"path": "/a", "member": "GetAll"}, "then":
+   {"reply": {"type": "ii", "value": [5, 6]}}}], ["one", 2, 5, "b"]]
+])json";
+
+TEST(Faults, ReachExactlyTheCallsTheyDescribe)
 {
-  public:
-    Signals(Client& client, const char* path, const char* interface) :
-        bus(client.bus())
+    for (const auto& [row, expected] :
+         Json::parse(faultCases).get<std::vector<std::pair<Json, Json>>>())
     {
-        sim::check(sd_bus_match_signal(bus, nullptr, "x.S", path, interface,
-                                       nullptr, keepSignal, &kept),
-                   "sd_bus_match_signal");
-    }
-
-    Json wait(std::size_t count)
-    {
-        int progress = 1;
-        while (kept.size() < count && progress > 0)
+        const sim::Platform platform(machineWith("faults", row.dump()));
+        Client client;
+        Json answers{client.properties("x.S", "/a", {"x.I", "P"}),
+                     client.properties("x.S", "/a", {"x.I", "Q"}),
+                     client.properties("x.S", "/a", {"x.I"}),
+                     client.properties("x.S", "/b", {"x.I", "P"})};
+        if (answers[2].is_object())
         {
-            progress = sd_bus_process(bus, nullptr);
-            if (progress == 0)
+            std::string names;
+            for (const auto& one : answers[2].items())
             {
-                progress = sd_bus_wait(bus, patience);
+                names += one.key();
             }
+            answers[2] = names;
         }
-        return kept;
+        EXPECT_EQ(answers, expected) << row;
     }
+}
 
-  private:
-    sd_bus* bus;
-    Json kept = Json::array();
-};
+TEST(Faults, DelayedCallIsAnsweredLateAndAnUnusedFaultIsTold)
+{
+    const sim::Platform platform(machineWith(
+        "faults", R"([{"when": {"path": "/a"}, "then": {"delayMs": 60}},
+           {"when": {"path": "/a", "property": "P"}, "then": {"missing": true}},
+           {"when": {"path": "/a", "call": 3}, "then": {"die": true}}])"));
+    Client client;
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(client.properties("x.S", "/a", {"x.I", "Q"}), 2);
+    EXPECT_GE(std::chrono::steady_clock::now() - start,
+              std::chrono::milliseconds(60));
+    EXPECT_EQ(client.properties("x.S", "/a", {"x.I", "P"}),
+              busError + "UnknownProperty");
+    EXPECT_EQ(platform.unusedFaults(), std::vector<std::string>{"/faults/2"});
+}
+
+/** The order of interfaces stays while a property comes and goes. */
+TEST(Faults, MissingPropertyLeavesTheOthersInTheirOrder)
+{
+    const sim::Platform platform(machineWith(
+        "faults", R"([{"when": {"path": "/a", "property": "Q", "call": 1},
+                      "then": {"missing": true}},
+                     {"when": {"path": "/b", "property": "P"},
+                      "then": {"missing": true}}])"));
+    Client client;
+    const std::string both = R"([["P",{"type":"s","value":"m.On"}],)"
+                             R"(["P",{"type":"s","value":"one"}])";
+    EXPECT_EQ(client.properties("x.S", "/a", {""}).dump(), both + ']');
+    EXPECT_EQ(client.properties("x.S", "/a", {""}).dump(),
+              both + R"(,["Q",{"type":"i","value":2}]])");
+    const auto isIntrospected = [&](const char* path, const char* name) {
+        const std::string xml = client.call(
+            "x.S", path, "org.freedesktop.DBus.Introspectable", "Introspect");
+        return xml.find(name) != xml.npos;
+    };
+    EXPECT_TRUE(isIntrospected("/a", "\"Q\""));
+    EXPECT_FALSE(isIntrospected("/b", "\"P\""));
+}
+
+/** The signals of x.S that come until an action ends with an answer of it. */
+Json signalsDuring(const Client& client, const char* interface,
+                   const auto& action)
+{
+    Json signals;
+    const auto keep = [](sd_bus_message* message, void* all, sd_bus_error*) {
+        static_cast<Json*>(all)->push_back(
+            {sd_bus_message_get_member(message), sim::readJsonList(message)});
+        return 0;
+    };
+    sd_bus_slot* slot = nullptr;
+    sim::check(sd_bus_match_signal(client.bus.get(), &slot, "x.S", nullptr,
+                                   interface, nullptr, keep, &signals));
+    const sim::Slot owner(slot);
+    action();
+    while (sd_bus_process(client.bus.get(), nullptr) > 0)
+    {}
+    return signals;
+}
 
 TEST(Service, AnnouncesWhatChanges)
 {
-    const sim::Platform platform(sim::Scenario::parse(machine, "machine"));
-    Client client;
-    Signals signals(client, "/a", propertiesInterface);
-    client.set("x.S", "/a", "x.First", "Name", "s", "one");
-    client.set("x.S", "/a", "x.First", "Secret", "u", 1);
-    client.set("x.S", "/a", "x.Last", "Name", "s", "new");
-    EXPECT_EQ(signals.wait(1).dump(), R"([["PropertiesChanged","x.Last",)"
-                                      R"({"Name":{"type":"s","value":"new"}},)"
-                                      R"([]]])");
-    EXPECT_EQ(platform.property("x.S", "/a", "x.First", "Secret"), 1);
-    EXPECT_THROW(platform.property("x.S", "/a", "x.First", "Other"),
-                 std::out_of_range);
-}
-
-TEST(Service, RefusesTextsThatAreNotEnumerated)
-{
-    const sim::Platform platform(sim::Scenario::parse(machine, "machine"));
-    Client client;
-    EXPECT_EQ(client.set("x.S", "/a", "x.Last", "Mode", "s", "Off"),
-              "xyz.openbmc_project.sdbusplus.Error.InvalidEnumString");
-    EXPECT_EQ(client.set("x.S", "/a", "x.Last", "Mode", "s", "m.Off"), Json());
-    EXPECT_EQ(client.get("x.S", "/a", "x.Last", "Mode"), "m.Off");
-}
-
-TEST(Service, HasItsNameAlone)
-{
-    const auto scenario = sim::Scenario::parse(machine, "machine");
+    const auto scenario = machineWith("faults", "[]");
     const sim::Platform platform(scenario);
+    Client client;
+    const auto set = [&](const char* interface, const char* name,
+                         const Json& value) {
+        return client.properties("x.S", "/a", {interface, name, value});
+    };
+    const auto* properties = "org.freedesktop.DBus.Properties";
+    const auto announced = signalsDuring(client, properties, [&] {
+        EXPECT_EQ(set("x.I", "P", text("one")), Json());
+        EXPECT_EQ(set("x.I", "H", property("i", 1)), Json());
+        EXPECT_EQ(set("x.J", "P", text("Off")),
+                  "xyz.openbmc_project.sdbusplus.Error.InvalidEnumString");
+        EXPECT_EQ(set("x.J", "P", text("m.Off")), Json());
+    });
+    EXPECT_EQ(announced.dump(), R"([["PropertiesChanged",["x.J",)"
+                                R"({"P":{"type":"s","value":"m.Off"}},[]]]])");
+    EXPECT_EQ(platform.property("x.S", "/a", "x.I", "H"), 1);
+    EXPECT_THROW(platform.property("x.S", "/a", "x.I", "Other"),
+                 std::out_of_range);
+    // The name is taken.
     EXPECT_THROW(sim::Platform{scenario}, std::system_error);
 }
 
 TEST(Behaviours, HostFollowsTransitions)
 {
     const std::string host = "xyz.openbmc_project.State.Host";
-    const std::string hostPath = "/xyz/openbmc_project/state/host0";
-    const std::pair<std::string, std::string> steps[]{
-        {"Reboot", "Running"}, {"Off", "Off"},
-        {"Reboot", "Off"},     {"GracefulWarmReboot", "Off"},
-        {"On", "Running"},     {"ForceWarmReboot", "Running"},
-    };
+    const std::string path = "/xyz/openbmc_project/state/host0";
+    const auto requested = "RequestedHostTransition";
     const sim::Platform platform(sim::Scenario::standard());
     Client client;
-    for (const auto& [transition, state] : steps)
+    for (const auto& [transition, state] : {std::pair{"Reboot", "Running"},
+                                            {"Off", "Off"},
+                                            {"Reboot", "Off"},
+                                            {"GracefulWarmReboot", "Off"},
+                                            {"On", "Running"},
+                                            {"ForceWarmReboot", "Running"}})
     {
         const auto request = host + ".Transition." + transition;
-        client.set(host, hostPath, host, "RequestedHostTransition", "s",
-                   request);
+        client.properties(host, path, {host, requested, text(request)});
         for (const auto& service : {host, host + "0"})
         {
-            const auto held = [&](const std::string& name) {
-                return platform.property(service, hostPath, host, name);
+            const auto held = [&](const char* name) {
+                return platform.property(service, path, host, name);
             };
-            EXPECT_EQ(held("RequestedHostTransition"), request);
-            EXPECT_EQ(held("CurrentHostState"), host + ".HostState." + state)
-                << transition;
+            EXPECT_EQ(held(requested), request);
+            EXPECT_EQ(held("CurrentHostState"), host + ".HostState." + state);
         }
     }
 }
 
-constexpr auto moving = R"({"format": 1, "objects": [
-{"path": "/a", "services": [{"name": "x.S", "interfaces": {
-  "x.I": {"P": {"type": "i", "value": 0}}}}]}], "changes": [
-{"after": 1, "every": 2, "path": "/a", "set": {"x.I": {"P": 1}}},
-{"after": 2, "every": 2, "path": "/a", "set": {"x.I": {"P": 2}}},
-{"after": 10.5, "add": {"path": "/b", "services": [
-  {"name": "x.S", "interfaces": {"x.J": {"Q": {"type": "s", "value": "q"}}}},
+TEST(Changes, HappenInTheirOrderAndAreAnnounced)
+{
+    sim::Platform platform(machineWith("changes", R"([
+{"after": 1, "every": 2, "path": "/a", "set": {"x.I": {"Q": 1}}},
+{"after": 2, "every": 2, "path": "/a", "set": {"x.I": {"Q": 2}}},
+{"after": 10.5, "add": {"path": "/c", "services": [
+  {"name": "x.S", "interfaces": {"x.C": {"R": {"type": "s", "value": "r"}}}},
   {"name": "x.New", "interfaces": {"x.K": {}}}]}},
-{"after": 11, "path": "/b", "remove": true},
+{"after": 11, "path": "/c", "remove": true},
 {"after": 12, "service": "x.S", "die": true},
-{"after": 13, "service": "x.S", "start": true}]})";
-
-TEST(Changes, HappenInTheirOrderAndAgain)
-{
-    sim::Platform platform(sim::Scenario::parse(moving, "moving"));
-    for (const auto& [step, held] :
-         {std::pair{0.5, 0}, {0.5, 1}, {0.9, 1}, {0.1, 2}, {1, 1}, {4.5, 1}})
-    {
-        platform.advance(Seconds(step));
-        EXPECT_EQ(platform.property("x.S", "/a", "x.I", "P"), held) << step;
-    }
-}
-
-TEST(Changes, OfObjectsAndServicesAreAnnounced)
-{
-    sim::Platform platform(sim::Scenario::parse(moving, "moving"));
+{"after": 13, "service": "x.S", "start": true}])"));
     Client client;
-    Signals signals(client, "/", "org.freedesktop.DBus.ObjectManager");
-    const auto paths = [&](const char* interface) {
-        return client.mapper("GetSubTreePaths", "sias",
-                             Json::array({"/", 0, Json::array({interface})}));
+    const auto none = busError + "UnknownObject";
+    const auto dead = busError + "ServiceUnknown";
+    const Json a{"/a"};
+    const Json c{"/c"};
+    const Json no = Json::array();
+    // Seconds, and then Q, R and where the mapper knows x.J, x.C and x.K.
+    const std::pair<double, Json> steps[]{
+        {0.5, {2, none, a, no, no}},   {0.5, {1, none, a, no, no}},
+        {0.9, {1, none, a, no, no}},   {0.1, {2, none, a, no, no}},
+        {1, {1, none, a, no, no}},     {4.5, {1, none, a, no, no}},
+        {3, {2, "r", a, c, c}},        {0.5, {1, none, a, no, no}},
+        {1, {dead, dead, no, no, no}}, {1, {1, none, a, no, no}},
     };
-    platform.advance(Seconds(10.5));
-    EXPECT_EQ(client.get("x.S", "/b", "x.J", "Q"), "q");
-    EXPECT_EQ(paths("x.J"), Json{"/b"});
-    EXPECT_EQ(paths("x.K"), Json{"/b"});
-    platform.advance(Seconds(0.5));
-    EXPECT_EQ(client.get("x.S", "/b", "x.J", "Q"), busError + "UnknownObject");
-    EXPECT_EQ(paths("x.J"), Json::array());
-    const auto announced = signals.wait(2);
-    ASSERT_EQ(announced.size(), 2U);
+    const auto* manager = "org.freedesktop.DBus.ObjectManager";
+    const auto announced = signalsDuring(client, manager, [&] {
+        for (const auto& [step, expected] : steps)
+        {
+            platform.advance(sim::Seconds(step));
+            Json held{client.properties("x.S", "/a", {"x.I", "Q"}),
+                      client.properties("x.S", "/c", {"x.C", "R"})};
+            for (const auto* interface : {"x.J", "x.C", "x.K"})
+            {
+                held.push_back(client.mapper(
+                    "GetSubTreePaths", {"/", 0, Json::array({interface})}));
+            }
+            EXPECT_EQ(held, expected) << step;
+        }
+    });
+    ASSERT_EQ(announced.size(), 2u);
     EXPECT_EQ(announced[0][0], "InterfacesAdded");
     EXPECT_EQ(announced[1][0], "InterfacesRemoved");
-    platform.advance(Seconds(1));
-    EXPECT_EQ(client.get("x.S", "/a", "x.I", "P"), busError + "ServiceUnknown");
-    EXPECT_EQ(paths("x.I"), Json::array());
-    platform.advance(Seconds(1));
-    EXPECT_EQ(client.get("x.S", "/a", "x.I", "P"), 1);
-    EXPECT_EQ(paths("x.I"), Json{"/a"});
-}
-
-TEST(Busy, StopsAFanAndLetsItRecover)
-{
-    sim::Platform platform(sim::Scenario::load("busy"));
-    for (const auto& [step, speed] : {std::pair{0, 8120}, {75, 0}, {45, 8120}})
-    {
-        platform.advance(Seconds(step));
-        const auto held = [&](const char* interface, const char* name) {
-            const std::string prefix = "xyz.openbmc_project.";
-            return platform.property(
-                prefix + "FanSensor",
-                "/xyz/openbmc_project/sensors/fan_tach/FAN1",
-                prefix + "Sensor." + interface, name);
-        };
-        EXPECT_EQ(held("Value", "Value"), speed);
-        EXPECT_EQ(held("Threshold.Critical", "CriticalAlarmLow"), speed == 0);
-    }
 }
 
 } // namespace morvath::tests::service

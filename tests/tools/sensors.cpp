@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "sim/background.hpp"
 #include "sim/sd_bus.hpp"
+#include "support/background.hpp"
 #include "support/machine.hpp"
 #include "support/program.hpp"
 

@@ -66,7 +66,7 @@ TEST(Program, StatusTellsWhatHappened)
         {"run --scenario $FAULTY -- true", 0, unused},
         {"run --scenario $FAULTY --strict -- true", 1, unused},
         // A program between may close what it inherits.
-        {"run --scenario $GOOD -- sh -c 'exec 3>&- 4>&- 5>&-; until "
+        {"run --scenario $GOOD -- timeout 60 sh -c 'exec 3>&- 4>&- 5>&-; until "
          "grep 6 $MORVATH_SIM_RAID; do sleep 0.01; done; "
          "cat $MORVATH_SIM_RAID'",
          0, R"({"controllers":[{"raid_id":6}]}

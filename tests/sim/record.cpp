@@ -187,6 +187,8 @@ TEST(Record, MasksWhatIdentifiesTheMachineAlone)
                   {"11.1.2.1": "", "UUID": "0A0A0A00-0A0A-0A0A-0A00-00A0A0A0A0A1"}],
 "AllSerial": ["as", ["1", "2", "3", "4", "5", "6", "7", "8", "9"],
                     ["0", "1", "2", "3", "4", "5", "6", "7", "8"]],
+"LikeAddressSerial": ["s", "101299", "111112"],
+"LikeSerialAddress": ["s", "10.1.2.99", "11.1.1.12"],
 "OfManyAddress": ["as", ["0.0.0.0", "127.0.0.1", "255.255.252.0", "ff02::1", "0x50"]],
 "Words": ["as", ["123456789012", "deadbeef", "1.2.3.4.5", "xyz.openbmc_project.Rack7.Off"]],
 "Version": ["as", ["1.2.3.4", "5a3c9b10"]],

@@ -20,20 +20,24 @@ constexpr std::size_t propertyCount = 24;
 constexpr std::array interfaces{"com.example.Item", "com.example.Asset",
                                 "com.example.State"};
 
-// The same for all objects, so that this takes no memory of each.
+union Value
+{
+    const char* text;
+    double real;
+    uint64_t uint64;
+    uint32_t uint32;
+    uint16_t uint16;
+    int boolean;
+};
+
+using Values = std::array<Value, propertyCount>;
+
+// What all objects share.
 struct Properties
 {
     std::array<std::string, propertyCount> names;
     std::array<std::string, propertyCount> texts;
-    union
-    {
-        const char* text;
-        double real;
-        uint64_t uint64;
-        uint32_t uint32;
-        uint16_t uint16;
-        int boolean;
-    } values[propertyCount];
+    Values values;
     std::array<std::vector<sd_bus_vtable>, interfaces.size()> vtables;
 };
 
@@ -70,9 +74,8 @@ void fill(Properties& properties)
         auto& name = properties.names[index];
         name = (index < 10 ? "Property0" : "Property") + std::to_string(index);
         const char* type = setValue(properties, index);
-        properties.vtables[index % interfaces.size()].push_back(
-            SD_BUS_PROPERTY(name.c_str(), type, nullptr,
-                            index * sizeof(properties.values[0]), 0));
+        properties.vtables[index % interfaces.size()].push_back(SD_BUS_PROPERTY(
+            name.c_str(), type, nullptr, index * sizeof(Value), 0));
     }
     for (auto& vtable : properties.vtables)
     {
@@ -121,13 +124,15 @@ int main(int argc, char** argv)
     }
     Properties properties;
     fill(properties);
+    // As a real service has them, each object has its own.
+    std::vector<Values> values(objects, properties.values);
     for (int index = 0; index < objects; ++index)
     {
         for (std::size_t which = 0; which < interfaces.size(); ++which)
         {
             sd_bus_add_object_vtable(
                 bus, nullptr, pathOf(index).c_str(), interfaces[which],
-                properties.vtables[which].data(), properties.values);
+                properties.vtables[which].data(), &values[index]);
         }
     }
     sd_bus_add_object_vtable(bus, nullptr, mapperPath, mapperService, mapper,

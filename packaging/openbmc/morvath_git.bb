@@ -7,7 +7,7 @@ LICENSE = "Apache-2.0"
 LIC_FILES_CHKSUM = "file://LICENSE;md5=3b83ef96387f14655fc854ddc3c6bd57"
 
 SRC_URI = "git://git.example.org/morvath.git;branch=main;protocol=https;destsuffix=${BP}"
-SRCREV = "f8c7d1f619cb33541b5fce8f1484aea2e50242ed"
+SRCREV = "b3802665c604f2ad74cb48554c57f18a96a43edd"
 PV = "0.1.0+git${SRCPV}"
 
 DEPENDS = "nlohmann-json sdbusplus systemd"

@@ -64,6 +64,8 @@ constexpr auto mistakes = R"json(# ... => /
 {"type": "a{yv}", "value": {"1": 1}}
  => */value/1: must be a whole number from 0 to 255 (type y)
 {"type": "s", "value": "", "enum": []} => */enum: must not be empty
+{"type": "i", "value": 1, "enum": ["1"]}
+ => */enum: only a property of type s has an enumeration
 # {"format": 1, "faults": [...]} => /faults/0
 {"when": {"service": "x.S"}, "then": {"die": true}}
  => */when/service: no call can meet this: the machine has no such service

@@ -58,13 +58,13 @@ TEST(Get, TellsTheMissingFromTheFailed)
         {"board-manufacturer", "", "the property is of an unexpected type"},
         {"power-restore-policy", "", "the platform holds an unknown value"},
         {"time-sync", "",
-         "xyz.openbmc_project.Settings: timed out after 0.2 s\n"},
+         "xyz.openbmc_project.Settings: timed out after 0.5 s\n"},
     };
     sim::Platform platform(machine.scenario());
     EXPECT_EQ(morvath("get board-part-number").output, "VSB\\x1b-1\n");
     for (const auto& [fact, output, error] : cases)
     {
-        const auto arguments = std::string(fact) + " --timeout 0.2";
+        const auto arguments = std::string(fact) + " --timeout 0.5";
         const auto one = morvath("get " + arguments);
         EXPECT_EQ(one.status, 1) << fact;
         EXPECT_EQ(one.output, output) << fact;

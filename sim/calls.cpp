@@ -134,10 +134,11 @@ int Service::decide(sd_bus_message* message)
     }
     const std::chrono::milliseconds delay(
         fault ? fault->what->at("delayMs").get<int64_t>() : 0);
-    held.push_back({.message = Message(sd_bus_message_ref(message)),
-                    .call = std::move(call),
-                    .decision = std::move(decision),
-                    .due = Clock::now() + delay});
+    hold({.service = this,
+          .message = Message(sd_bus_message_ref(message)),
+          .call = std::move(call),
+          .decision = std::move(decision)},
+         delay);
     return 1;
 }
 
@@ -182,28 +183,32 @@ void Service::meet(const Fault& fault, sd_bus_message* message, Call& call)
     }
 }
 
-void Service::sendDue()
+void Service::hold(Held call, std::chrono::microseconds delay)
 {
-    const auto now = Clock::now();
-    held.remove_if([&](Held& call) {
-        if (call.due > now)
-        {
-            return false;
-        }
-        call.due = Clock::time_point::max();
+    constexpr uint64_t accuracy = 1;
+    const auto send = [](sd_event_source*, uint64_t, void* self) {
+        auto& call = *static_cast<Held*>(self);
+        auto& service = *call.service;
         try
         {
-            sendAgain(call);
-            return false;
+            service.sendAgain(call);
         }
         catch (const std::exception& error)
         {
             // Without success when the bus is gone.
             sd_bus_reply_method_errorf(call.message.get(), SD_BUS_ERROR_FAILED,
                                        "%s", error.what());
-            return true;
+            service.held.remove_if(
+                [&](const Held& one) { return &one == &call; });
         }
-    });
+        return 0;
+    };
+    sd_event_source* timer = nullptr;
+    auto& one = held.emplace_back(std::move(call));
+    check(sd_event_add_time_relative(services.events, &timer, CLOCK_MONOTONIC,
+                                     static_cast<uint64_t>(delay.count()),
+                                     accuracy, send, &one));
+    one.timer.reset(timer);
 }
 
 /** sd-bus answers only what it receives, so the service calls itself. */
@@ -239,7 +244,8 @@ void Service::answer(sd_bus_message* reply)
     std::list<Held> answered;
     answered.splice(answered.end(), held,
                     std::ranges::find(held, cookie, &Held::cookie));
-    auto& [message, call, decision, due, slot, sent] = answered.front();
+    auto& [service, message, call, decision, timer, slot, sent] =
+        answered.front();
     if (const auto* error = sd_bus_message_get_error(reply))
     {
         return refuse(message.get(), call, error->name,

@@ -13,22 +13,6 @@
 
 namespace morvath::sim
 {
-namespace
-{
-
-void waitFor(std::vector<pollfd>& files, Clock::time_point until)
-{
-    using namespace std::chrono;
-    const auto rest = std::max(until - Clock::now(), Clock::duration());
-    const timespec time{
-        static_cast<time_t>(duration_cast<seconds>(rest).count()),
-        static_cast<long>((rest % seconds(1)).count())};
-    ppoll(files.data(), files.size(),
-          until == Clock::time_point::max() ? nullptr : &time, nullptr);
-}
-
-} // namespace
-
 Platform::Platform(const Scenario& scenario, const std::string& busAddress) :
     Platform(scenario, {.busAddress = busAddress}, true)
 {}
@@ -39,8 +23,10 @@ Platform::Platform(const Scenario& scenario, const Live& options) :
 
 Platform::Platform(const Scenario& scenario, const Live& options,
                    bool keepsCalls) :
-    wake(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK), "eventfd"),
-    services{.busAddress = options.busAddress,
+    wake(eventfd(0, EFD_CLOEXEC), "eventfd"),
+    events(newEventLoop()),
+    services{.events = events.get(),
+             .busAddress = options.busAddress,
              .faults = Faults(scenario.faults),
              .behaviours = scenario.behaviours,
              .log = options.log,
@@ -82,6 +68,12 @@ Platform::Platform(const Scenario& scenario, const Live& options,
         mapper->update();
         mapper->start();
     }
+    const auto wakeUp = [](sd_event_source*, int file, uint32_t, void*) {
+        eventfd_t count = 0;
+        return eventfd_read(file, &count);
+    };
+    check(sd_event_add_io(events.get(), nullptr, wake.get(), EPOLLIN, wakeUp,
+                          nullptr));
     start = Clock::now();
     thread = std::thread([this] { serve(); });
 }
@@ -101,63 +93,35 @@ void Platform::serve()
     std::unique_lock lock(mutex);
     while (!ended)
     {
-        for (auto* service : ready(lock))
+        auto state = sd_event_prepare(events.get());
+        if (state == 0)
         {
-            service->work();
+            const auto rest = untilNextChange();
+            lock.unlock();
+            state = sd_event_wait(events.get(), rest);
+            lock.lock();
+        }
+        if (state > 0)
+        {
+            sd_event_dispatch(events.get());
         }
         moveTo(isLive ? Clock::now() - start : wanted);
         reached.notify_all();
     }
 }
 
-/** Waits, unlocked, for those who have work. */
-std::vector<Service*> Platform::ready(std::unique_lock<std::mutex>& lock)
-{
-    std::vector<Service*> all;
-    std::vector<pollfd> files{{wake.get(), POLLIN, 0}};
-    auto until = nextChange();
-    const auto add = [&](Service& service) {
-        all.push_back(&service);
-        files.push_back(service.interest());
-        until = std::min(until, service.due());
-    };
-    for (const auto& service : services.all)
-    {
-        add(*service);
-    }
-    if (mapper)
-    {
-        add(*mapper);
-    }
-    lock.unlock();
-    waitFor(files, until);
-    lock.lock();
-    if (files.front().revents)
-    {
-        eventfd_t count = 0;
-        eventfd_read(wake.get(), &count);
-    }
-    const auto now = Clock::now();
-    std::vector<Service*> ready;
-    for (std::size_t index = 0; index < all.size(); ++index)
-    {
-        if (files[index + 1].revents || all[index]->due() <= now)
-        {
-            ready.push_back(all[index]);
-        }
-    }
-    return ready;
-}
-
-Clock::time_point Platform::nextChange() const
+/** In microseconds. */
+uint64_t Platform::untilNextChange() const
 {
     if (!isLive || schedule.empty())
     {
-        return Clock::time_point::max();
+        return UINT64_MAX;
     }
     constexpr Seconds longest(1e9);
-    return start + std::chrono::ceil<Clock::duration>(
-                       std::min(schedule.next(), longest));
+    const Seconds elapsed = Clock::now() - start;
+    const auto rest = std::clamp(schedule.next() - elapsed, Seconds(), longest);
+    return static_cast<uint64_t>(
+        std::chrono::ceil<std::chrono::microseconds>(rest).count());
 }
 
 void Platform::moveTo(Seconds moment)

@@ -76,12 +76,13 @@ class Platform
     std::vector<std::string> unusedFaults() const;
 
   private:
+    using Clock = std::chrono::steady_clock;
+
     Platform(const Scenario& scenario, const Live& options, bool keepsCalls);
 
     void serve();
-    std::vector<Service*> ready(std::unique_lock<std::mutex>& lock);
     void moveTo(Seconds moment);
-    Clock::time_point nextChange() const;
+    uint64_t untilNextChange() const;
 
     // The order matters: what is used stands before its users.
     /** Held while calls are answered. */
@@ -89,6 +90,7 @@ class Platform
     std::vector<Call> kept;
     /** Ends the thread's waiting. */
     const Descriptor wake;
+    const EventLoop events;
     Services services;
     Schedule schedule;
     std::unique_ptr<Mapper> mapper;

@@ -44,6 +44,13 @@ Bus openBus(const std::string& address)
     return owned;
 }
 
+EventLoop newEventLoop()
+{
+    sd_event* events = nullptr;
+    check(sd_event_new(&events), "sd_event_new");
+    return EventLoop(events);
+}
+
 Bus openNothing()
 {
     std::array<int, 2> ends{};

@@ -2,8 +2,8 @@
 #pragma once
 
 #include <systemd/sd-bus.h>
+#include <systemd/sd-event.h>
 
-#include <chrono>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -21,9 +21,9 @@ struct Releaser
 using Bus = std::unique_ptr<sd_bus, Releaser<sd_bus_flush_close_unref>>;
 using Message = std::unique_ptr<sd_bus_message, Releaser<sd_bus_message_unref>>;
 using Slot = std::unique_ptr<sd_bus_slot, Releaser<sd_bus_slot_unref>>;
-
-/** As sd-bus counts time. */
-using Clock = std::chrono::steady_clock;
+using EventLoop = std::unique_ptr<sd_event, Releaser<sd_event_unref>>;
+using Timer =
+    std::unique_ptr<sd_event_source, Releaser<sd_event_source_disable_unref>>;
 
 /** An answer in the form of a D-Bus error. */
 class BusError : public std::runtime_error
@@ -66,6 +66,8 @@ int check(int result, const char* operation = "sd-bus");
 
 /** A connection; empty address: the bus of the environment. */
 Bus openBus(const std::string& address);
+
+EventLoop newEventLoop();
 
 /** A connection to nobody: messages can be filled, but not sent. */
 Bus openNothing();

@@ -4,7 +4,6 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <chrono>
 #include <utility>
 
 namespace morvath::sim
@@ -174,40 +173,9 @@ void Service::start()
               "sd_bus_add_object_manager");
     }
     prepare();
+    check(sd_bus_attach_event(bus.get(), services.events, 0));
     const auto operation = "taking the bus name " + name;
     check(sd_bus_request_name(bus.get(), name.c_str(), 0), operation.c_str());
-}
-
-pollfd Service::interest() const
-{
-    const auto events = bus ? sd_bus_get_events(bus.get()) : -1;
-    return {events < 0 ? -1 : sd_bus_get_fd(bus.get()),
-            static_cast<short>(events), 0};
-}
-
-Clock::time_point Service::due() const
-{
-    auto first = Clock::time_point::max();
-    uint64_t microseconds = 0;
-    if (bus && sd_bus_get_timeout(bus.get(), &microseconds) > 0)
-    {
-        first = Clock::time_point(std::chrono::microseconds(microseconds));
-    }
-    for (const auto& call : held)
-    {
-        first = std::min(first, call.due);
-    }
-    return first;
-}
-
-void Service::work()
-{
-    sendDue();
-    if (bus)
-    {
-        // Fails when the bus is gone, which a message has told.
-        sd_bus_process(bus.get(), nullptr);
-    }
 }
 
 void Service::die()

@@ -4,8 +4,6 @@
 #include "sim/scenario.hpp"
 #include "sim/sd_bus.hpp"
 
-#include <poll.h>
-
 #include <chrono>
 #include <functional>
 #include <list>
@@ -54,6 +52,8 @@ using CallSink = std::function<void(const Call&)>;
 /** All services of a platform, and what they share. */
 struct Services
 {
+    /** Answers calls while it runs. */
+    sd_event* events;
     std::string busAddress;
     Faults faults;
     std::set<std::string> behaviours;
@@ -116,22 +116,13 @@ class Service
     Service(const Service&) = delete;
     Service& operator=(const Service&) = delete;
 
-    /** Connects and takes the name; calls are answered by work(). */
+    /** Connects and takes the name. */
     void start();
 
     /** Leaves the bus without another answer. */
     void die();
 
     bool isAlive() const noexcept { return bus != nullptr; }
-
-    /** What to wait for on the bus. */
-    pollfd interest() const;
-
-    /** When there is work, whatever comes. */
-    Clock::time_point due() const;
-
-    /** Does some of the work that there is. */
-    void work();
 
     /** By their paths. */
     const auto& objects() const noexcept { return published; }
@@ -169,11 +160,12 @@ class Service
     /** A call that is answered later. */
     struct Held
     {
+        Service* service;
         Message message;
         Call call;
         Decision decision;
-        /** When it is sent again; never a second time. */
-        Clock::time_point due;
+        /** Sends it again. */
+        Timer timer{};
         Slot reply{};
         uint64_t cookie = 0;
     };
@@ -184,8 +176,8 @@ class Service
     void refuse(sd_bus_message* message, Call& call, const std::string& error,
                 const std::string& text);
     void logOutcome(Call& call, const std::string& outcome);
-    void sendDue();
-    void sendAgain(Held& held);
+    void hold(Held call, std::chrono::microseconds delay);
+    void sendAgain(Held& call);
     void answer(sd_bus_message* reply);
     void leaveOut(std::string_view path, const Decision& decision);
     void registerAll(const std::string& path, Published& object);

@@ -30,40 +30,42 @@ union Value
     int boolean;
 };
 
-using Values = std::array<Value, propertyCount>;
+// As a real service has them, each object has its own, texts too.
+struct Object
+{
+    std::array<Value, propertyCount> values;
+    std::array<std::string, propertyCount> texts;
+};
 
 // What all objects share.
 struct Properties
 {
     std::array<std::string, propertyCount> names;
-    std::array<std::string, propertyCount> texts;
-    Values values;
     std::array<std::vector<sd_bus_vtable>, interfaces.size()> vtables;
 };
 
-const char* setValue(Properties& properties, std::size_t index)
+const char* setValue(Object& object, std::size_t index)
 {
     constexpr std::array texts{"text of property ",
                                "xyz.openbmc_project.Example.Value.Number"};
-    auto& value = properties.values[index];
+    auto& value = object.values[index];
     switch (index % 8)
     {
         case 0:
         case 4:
-            properties.texts[index] =
-                texts[index % 8 / 4] + std::to_string(index);
-            value.text = properties.texts[index].c_str();
+            object.texts[index] = texts[index % 8 / 4] + std::to_string(index);
+            value.text = object.texts[index].c_str();
             return "s";
         case 1: value.real = 20 + static_cast<double>(index) / 7; return "d";
         case 2: value.uint32 = static_cast<uint32_t>(4000 + index); return "u";
         case 3: value.boolean = index % 2 == 0; return "b";
         case 5: value.uint16 = static_cast<uint16_t>(index); return "q";
-        case 6: value.text = ""; return "s";
+        case 6: value.text = object.texts[index].c_str(); return "s";
         default: value.uint64 = (uint64_t{1} << 40) + index; return "t";
     }
 }
 
-void fill(Properties& properties)
+void fill(Properties& properties, std::vector<Object>& objects)
 {
     for (auto& vtable : properties.vtables)
     {
@@ -73,7 +75,11 @@ void fill(Properties& properties)
     {
         auto& name = properties.names[index];
         name = (index < 10 ? "Property0" : "Property") + std::to_string(index);
-        const char* type = setValue(properties, index);
+        const char* type = nullptr;
+        for (auto& object : objects)
+        {
+            type = setValue(object, index);
+        }
         properties.vtables[index % interfaces.size()].push_back(SD_BUS_PROPERTY(
             name.c_str(), type, nullptr, index * sizeof(Value), 0));
     }
@@ -95,9 +101,12 @@ int getSubTree(sd_bus_message* request, void* userdata, sd_bus_error*)
     sd_bus_message_open_container(reply, 'a', "{sa{sas}}");
     for (int index = 0; index < *static_cast<int*>(userdata); ++index)
     {
-        sd_bus_message_append(reply, "{sa{sas}}", pathOf(index).c_str(), 1,
-                              service, 3, interfaces[0], interfaces[1],
-                              interfaces[2]);
+        // As a mapper lists them, with what every object has.
+        sd_bus_message_append(
+            reply, "{sa{sas}}", pathOf(index).c_str(), 1, service, 6,
+            interfaces[0], interfaces[1], interfaces[2],
+            "org.freedesktop.DBus.Introspectable", "org.freedesktop.DBus.Peer",
+            "org.freedesktop.DBus.Properties");
     }
     sd_bus_message_close_container(reply);
     const int sent = sd_bus_send(nullptr, reply, nullptr);
@@ -123,16 +132,15 @@ int main(int argc, char** argv)
         return 1;
     }
     Properties properties;
-    fill(properties);
-    // As a real service has them, each object has its own.
-    std::vector<Values> values(objects, properties.values);
+    std::vector<Object> all(objects);
+    fill(properties, all);
     for (int index = 0; index < objects; ++index)
     {
         for (std::size_t which = 0; which < interfaces.size(); ++which)
         {
             sd_bus_add_object_vtable(
                 bus, nullptr, pathOf(index).c_str(), interfaces[which],
-                properties.vtables[which].data(), &values[index]);
+                properties.vtables[which].data(), &all[index]);
         }
     }
     sd_bus_add_object_vtable(bus, nullptr, mapperPath, mapperService, mapper,

@@ -202,14 +202,24 @@ void Service::add(const std::string& path, std::vector<Interface> interfaces)
         object.raw.resize(object.raw.size() + interface.properties.size());
     }
     auto* raw = object.raw.data();
+    std::vector<std::pair<Raw*, std::size_t>> texts;
     for (auto& interface : object.interfaces)
     {
         for (auto& property : interface.properties)
         {
             property.raw = ++raw;
             storeBasic(property.type, *property.value, raw);
+            if (property.value->is_string() && property.type != "d")
+            {
+                texts.emplace_back(raw, object.texts.size());
+                (object.texts += asText(*property.value)) += '\0';
+            }
         }
         ++raw;
+    }
+    for (const auto& [place, start] : texts)
+    {
+        place->text = &object.texts[start];
     }
     if (bus)
     {

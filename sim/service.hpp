@@ -95,6 +95,7 @@ class Service
     {
         Service* service;
         uint64_t value;
+        const char* text;
     };
 
     struct Published
@@ -105,6 +106,8 @@ class Service
          * service, and then the values of its properties.
          */
         std::vector<Raw> raw{};
+        /** As it was published: a text that changes is somewhere else. */
+        std::string texts{};
         /** Without these properties at the moment. */
         Decision without{};
         std::vector<Slot> slots{};

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <utility>
 
 namespace morvath::sim
@@ -173,7 +174,7 @@ Seconds Schedule::next() const
     return std::ranges::min(pending, {}, &Change::after).after;
 }
 
-void Schedule::advance(Seconds time)
+void Schedule::advance(Seconds time, bool skips)
 {
     while (!pending.empty() && next() <= time)
     {
@@ -182,7 +183,8 @@ void Schedule::advance(Seconds time)
         const auto what = due->what;
         if (due->every > Seconds::zero())
         {
-            due->after += due->every;
+            const auto late = skips ? (time - due->after) / due->every : 0;
+            due->after += due->every * (1 + std::floor(late));
         }
         else
         {

@@ -44,8 +44,11 @@ class Schedule
     /** When the next change is due, since the start. */
     Seconds next() const;
 
-    /** Makes all changes up to a time since the start. */
-    void advance(Seconds time);
+    /**
+     * Makes all changes up to a time since the start.
+     * @param[in] skips  of what repeats itself, only the first one
+     */
+    void advance(Seconds time, bool skips);
 
   private:
     void make(const SharedJson& change);

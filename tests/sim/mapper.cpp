@@ -83,6 +83,10 @@ constexpr auto questions = R"json([
 ["GetAssociatedSubTreePathsById", ["q", "/p", ["x.Assoc"], "up", []], []],
 ["GetAssociatedSubTreeById", ["r", "/p", ["x.Assoc"], "up", ["x.Two"]],
  {"/m/b": {"x.first": ["+", "x.One", "x.Two"]}}],
+["Set", {"type": "a(sss)", "value": []}, null],
+["GetSubTreePaths", ["/", 0, ["xyz.openbmc_project.Association"]], []],
+["Set", {"type": "a(sss)", "value": [["up", "", "/m/b"]]}, null],
+["GetSubTreePaths", ["/", 0, ["xyz.openbmc_project.Association"]], ["/p/q/r/up"]],
 ["Die", [], null],
 ["GetSubTreePaths", ["/", 0, ["x.One"]], ["/m/a10", "/m/a2", "/m/b"]],
 ["GetSubTreePaths", ["/", 0, ["xyz.openbmc_project.Association"]], []],
@@ -116,6 +120,13 @@ TEST(Mapper, AnswersAsTheRealOne)
         Json{"/m/b"});
     for (const auto& row : written(questions))
     {
+        if (row[0] == "Set")
+        {
+            client.properties("x.Upper", "/p/q/r",
+                              {"xyz.openbmc_project.Association.Definitions",
+                               "Associations", row[1]});
+            continue;
+        }
         if (row[0] == "Die")
         {
             EXPECT_EQ(client.call("x.Upper", "/m/A1", "x.Any", "Die"),

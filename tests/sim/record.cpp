@@ -89,6 +89,9 @@ TEST(Record, KeepsEveryTypeAndTheOrder)
     EXPECT_EQ(recording.status, 0);
     EXPECT_EQ(recording.errors, "");
     EXPECT_EQ(recording.output, machine.dump(2) + '\n');
+    // Nobody knows what these bytes tell.
+    const auto masked = recorded(machine.dump(), "--anonymize").output;
+    EXPECT_EQ(masked.find("raw"), masked.npos);
 }
 
 TEST(Record, TellsWhatItLeavesOut)
@@ -159,6 +162,12 @@ TEST(Record, ChoosesServicesAndRefusesWhatIsNone)
     EXPECT_EQ(
         inScenario("", "env MORVATH_SIM_RAID=/none $MORVATH_SIM record").errors,
         "morvath-sim: left out: RAID: /none: cannot be read\n");
+    EXPECT_EQ(
+        recorded(R"({"format": 1, "raid": {"controllers": [{"raid_id": 7}],
+        "faults": [{"operation": "getPhyDevIdList", "result": -1}]}})")
+            .errors,
+        "morvath-sim: left out: RAID: controller 7: physical drives: the "
+        "RAID management library fails with -1\n");
     const auto none = recorded(R"({"format": 1, "mapper": false})");
     EXPECT_EQ(none.status, 1);
     EXPECT_TRUE(none.errors.starts_with(
@@ -190,7 +199,8 @@ TEST(Record, MasksWhatIdentifiesTheMachineAlone)
 "LikeAddressSerial": ["s", "101299", "111112"],
 "LikeSerialAddress": ["s", "10.1.2.99", "11.1.1.12"],
 "OfManyAddress": ["as", ["0.0.0.0", "127.0.0.1", "255.255.252.0", "ff02::1", "0x50"]],
-"Words": ["as", ["123456789012", "deadbeef", "1.2.3.4.5", "xyz.openbmc_project.Rack7.Off"]],
+"Words": ["as", ["123456789012", "deadbeef", "1.2.3.4.5", "xyz.openbmc_project.Rack7.Off",
+                "xrack7 rack78"]],
 "Version": ["as", ["1.2.3.4", "5a3c9b10"]],
 "NoSerial": ["as", ["", "Unknown", "N/A", "0000", "To be filled by O.E.M."]]})json");
     Json properties;

@@ -242,4 +242,18 @@ TEST(Changes, HappenInTheirOrderAndAreAnnounced)
     EXPECT_EQ(announced[1][0], "InterfacesRemoved");
 }
 
+TEST(Changes, LeaveTimeForCalls)
+{
+    Json many;
+    for (int count = 0; count < 500; ++count)
+    {
+        many.push_back(
+            {{"after", 0}, {"every", 0.01}, {"path", "/b"}, {"remove", true}});
+    }
+    const sim::Platform platform(machineWith("changes", many.dump()),
+                                 sim::Platform::Live{});
+    Client client;
+    EXPECT_EQ(client.properties("x.S", "/a", {"x.I", "Q"}), 2);
+}
+
 } // namespace morvath::tests::service

@@ -187,7 +187,7 @@ std::string successOf(string_view table)
 std::string missingOf(const Families& families)
 {
     std::string text =
-        "# HELP morvath_table_success Whether the table was read.\n"
+        "# HELP morvath_table_success Whether all of the table was read.\n"
         "# TYPE morvath_table_success gauge\n";
     bool complete = true;
     for (const auto* table : tableNames)

@@ -278,7 +278,8 @@ void addFirmware(Exposition& exposition)
 
 } // namespace
 
-void addMetrics(std::string_view name, Exposition& exposition)
+std::vector<Failure> addMetrics(std::string_view name, Exposition& exposition,
+                                const std::function<void()>& prepare)
 {
     constexpr std::pair<std::string_view, void (*)(Exposition&)> ofFacts[]{
         {"host", addHost}, {"system", addSystem}, {"firmware", addFirmware}};
@@ -286,12 +287,16 @@ void addMetrics(std::string_view name, Exposition& exposition)
     {
         if (kind == name)
         {
-            return addKind(exposition);
+            beginReading(name);
+            addKind(exposition);
+            return {};
         }
     }
     const auto& table = tableNamed(name);
-    const auto rows = table.read(table);
-    (table.root.empty() ? addInventory : addSensors)(table, rows, exposition);
+    auto reading = read(table, Absence::emptyTable, prepare);
+    (table.root.empty() ? addInventory : addSensors)(table, reading.rows,
+                                                     exposition);
+    return std::move(reading.failures);
 }
 
 } // namespace morvath::tools

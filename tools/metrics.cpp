@@ -90,27 +90,33 @@ std::optional<Seconds> waitFor(const MetricOptions& options,
     return std::min(options.timeout.value_or(left), left * shareOfAnswer);
 }
 
-/** Adds a table and how that went; whether it was read. */
+/** Adds a table and how that went; whether all of it was read. */
 bool addTable(const char* name, const MetricOptions& options,
               Clock::time_point start, Exposition& exposition)
 {
     const auto begin = Clock::now();
     bool isRead = true;
-    try
-    {
+    const auto complainOf = [&](const std::string& failure) {
+        complain(std::string(name) + ": " + failure);
+        isRead = false;
+    };
+    const auto prepare = [&] {
         answerLimit() = waitFor(options, start);
         useBus();
-        beginReading(name);
-        addMetrics(name, exposition);
-    }
-    catch (const Absent&)
+    };
+    try
     {
-        // Nothing to add.
+        prepare();
+        const auto failures = addMetrics(name, exposition, prepare);
+        // One for all: this goes to a journal, with every scrape.
+        if (!failures.empty())
+        {
+            complainOf(textOf(failures.front()));
+        }
     }
     catch (const std::exception& error)
     {
-        complain(std::string(name) + ": " + error.what());
-        isRead = false;
+        complainOf(error.what());
     }
     const auto labels = label("table", name);
     exposition
@@ -118,7 +124,8 @@ bool addTable(const char* name, const MetricOptions& options,
                 true)
         .add(labels, since(begin).count());
     exposition
-        .metric("morvath_table_success", "Whether the table was read.", true)
+        .metric("morvath_table_success", "Whether all of the table was read.",
+                true)
         .add(labels, isRead);
     return isRead;
 }
@@ -214,8 +221,8 @@ cli::Command metricsCommand()
                        cli::flag("--by-table", options->byTable,
                                  "Write all of a table at once")},
         .run = [options] { return printMetrics(*options); },
-        .notes = "Tables that cannot be read, or are not reached before the "
-                 "deadline, have\nmorvath_table_success 0.",
+        .notes = "Tables that cannot be read, or not all of them, or are not "
+                 "reached before the\ndeadline, have morvath_table_success 0.",
     };
 }
 

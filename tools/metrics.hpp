@@ -1,9 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "table.hpp"
+
+#include <functional>
 #include <list>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace morvath::tools
 {
@@ -45,9 +49,12 @@ class Exposition
 std::string label(std::string_view name, std::string_view value);
 
 /**
- * Adds all of a table, or of the host, the system or the firmware. Raises
- * std::exception when it cannot be read; nothing is added then.
+ * Adds what can be read of a table, or of the host, the system or the firmware.
+ * Raises std::exception when that is nothing.
+ * @param[in] prepare  as read() has it
+ * @return the failures of the others
  */
-void addMetrics(std::string_view table, Exposition& exposition);
+std::vector<Failure> addMetrics(std::string_view table, Exposition& exposition,
+                                const std::function<void()>& prepare);
 
 } // namespace morvath::tools

@@ -53,7 +53,7 @@ std::string defectOf(const Table& table, const std::exception& error)
 }
 
 /** The reading of each object alone; those that fail are named. */
-void readOneByOne(TableReading& reading)
+void readOneByOne(TableReading& reading, const std::function<void()>& prepare)
 {
     const auto& table = *reading.table;
     const auto objects = listedObjects();
@@ -62,6 +62,10 @@ void readOneByOne(TableReading& reading)
         const OnlyObject only(place);
         try
         {
+            if (prepare)
+            {
+                prepare();
+            }
             std::ranges::move(table.read(table),
                               std::back_inserter(reading.rows));
         }
@@ -139,7 +143,8 @@ void requireSuccess(int32_t code)
     }
 }
 
-TableReading read(const Table& table, Absence absence)
+TableReading read(const Table& table, Absence absence,
+                  const std::function<void()>& prepare)
 {
     TableReading reading{&table};
     try
@@ -160,7 +165,7 @@ TableReading read(const Table& table, Absence absence)
         // Otherwise it is no object that failed.
         if (lastFailure() || dynamic_cast<const std::logic_error*>(&error))
         {
-            readOneByOne(reading);
+            readOneByOne(reading, prepare);
         }
         if (reading.failures.empty() && reading.rows.empty())
         {
@@ -171,14 +176,19 @@ TableReading read(const Table& table, Absence absence)
     return reading;
 }
 
+std::string textOf(const Failure& failure)
+{
+    const auto& [object, message] = failure;
+    return (object.path.empty() ? ""
+                                : object.path + ": " + object.service + ": ") +
+           message;
+}
+
 void complainAbout(const TableReading& reading)
 {
-    for (const auto& [object, message] : reading.failures)
+    for (const auto& failure : reading.failures)
     {
-        const auto where = object.path.empty()
-                               ? ""
-                               : object.path + ": " + object.service + ": ";
-        complain(reading.table->name + ": " + where + message);
+        complain(reading.table->name + ": " + textOf(failure));
     }
 }
 

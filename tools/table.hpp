@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <exception>
+#include <functional>
 #include <optional>
 #include <span>
 #include <string>
@@ -145,10 +146,17 @@ enum class Absence
     emptyTable,
 };
 
-/** When a table fails, its objects are asked one by one. */
-TableReading read(const Table& table, Absence absence);
+/**
+ * When a table fails, its objects are asked one by one.
+ * @param[in] prepare  called before each of them; it may raise std::exception
+ */
+TableReading read(const Table& table, Absence absence,
+                  const std::function<void()>& prepare = {});
 
-/** Says on standard error what could not be read. */
+/** What could not be read, and why. */
+std::string textOf(const Failure& failure);
+
+/** Says that on standard error. */
 void complainAbout(const TableReading& reading);
 
 /** Why the reading of something failed: what the bus says, or the error. */

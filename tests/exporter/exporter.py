@@ -103,6 +103,18 @@ class Faults(unittest.TestCase):
         self.assertEqual(found["morvath_temperature_celsius",
                                'sensor="Inlet_Temp"'], 23.5)
 
+    def test_a_bad_sensor_does_not_hide_the_others(self):
+        path = "/xyz/openbmc_project/sensors/fan_tach/FAN1"
+        for fault in {"error": "x.Refused"}, {"silent": True}:
+            with self.subTest(fault), served({"faults": [
+                    {"when": {"path": path}, "then": fault}]}) as server:
+                found = server.scrape(timeout=5)
+                self.assertEqual(failed(found), {"fans"})
+                fans = {key[1] for key in found
+                        if key[0] == "morvath_fan_speed_rpm"}
+                self.assertEqual(len(fans), 7)
+                self.assertNotIn('sensor="FAN1"', fans)
+
     def test_a_mapper_that_hangs_or_is_gone_is_told(self):
         for document in ({"mapper": False}, {"faults": [
                 {"when": {"service": "xyz.openbmc_project.ObjectMapper"},

@@ -153,29 +153,20 @@ class RaidRecorder
         }
     }
 
-    /** What is said of most codes is said of those that are unknown. */
+    /** Any text can be that of the unknown codes: the others are named. */
     static Json texts()
     {
-        std::vector<std::tuple<std::string, unsigned, std::string>> all;
-        std::map<std::string, unsigned> counts;
+        const auto unknown = checked(vontel::getRaidLevelStr(UINT8_MAX));
+        Json known;
         for (const auto& [kind, textOf] : codeTexts)
         {
             for (auto code = 0U; code <= UINT8_MAX; ++code)
             {
                 const auto text = checked(textOf(static_cast<uint8_t>(code)));
-                all.emplace_back(kind, code, text);
-                ++counts[text];
-            }
-        }
-        using Count = decltype(counts)::value_type;
-        const auto& [unknown, most] =
-            *std::ranges::max_element(counts, {}, &Count::second);
-        Json known;
-        for (const auto& [kind, code, text] : all)
-        {
-            if (text != unknown)
-            {
-                known[kind][std::to_string(code)] = text;
+                if (text != unknown)
+                {
+                    known[kind][std::to_string(code)] = text;
+                }
             }
         }
         known["unknown"] = unknown;

@@ -3,6 +3,7 @@
 
 import contextlib
 import glob
+import itertools
 import json
 import os
 import re
@@ -138,11 +139,18 @@ def server_instructions(command, job):
     return counts[1] - counts[0]
 
 
-def server_times(command, job, times):
-    """CPU microseconds of the server, and of the wall, for the job once."""
-    with served(command) as (server, environment):
-        ask(job, 1, environment)
-        cpu, wall = cpu_microseconds(server), time.perf_counter()
-        ask(job, times, environment)
-        return ((cpu_microseconds(server) - cpu) / times,
-                1e6 * (time.perf_counter() - wall) / times)
+def servers_in_turns(commands, jobs, rounds):
+    """The least CPU of each server, and wall, of each job in microseconds."""
+    least = {}
+    with contextlib.ExitStack() as running:
+        servers = {name: running.enter_context(served(command))
+                   for name, command in commands.items()}
+        for _, job, name in itertools.product(range(rounds), jobs, servers):
+            server, environment = servers[name]
+            cpu, wall = cpu_microseconds(server), time.perf_counter()
+            ask(job, 1, environment)
+            spent = (cpu_microseconds(server) - cpu,
+                     1e6 * (time.perf_counter() - wall))
+            before = least.get((name, job), spent)
+            least[name, job] = tuple(map(min, spent, before))
+    return least

@@ -50,9 +50,9 @@ std::string label(std::string_view name, std::string_view value);
 
 /**
  * Adds what can be read of a table, or of the host, the system or the firmware.
- * Raises std::exception when that is nothing.
  * @param[in] prepare  as read() has it
- * @return the failures of the others
+ * @return what of a table could not be read
+ * @throws std::exception  nothing could be read
  */
 std::vector<Failure> addMetrics(std::string_view table, Exposition& exposition,
                                 const std::function<void()>& prepare);

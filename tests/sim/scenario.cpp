@@ -191,8 +191,9 @@ TEST(Scenario, LimitsAreThoseOfTheBusAndOfTheRecords)
 TEST(Scenario, ExtensionReplacesAddsAndRemoves)
 {
     sim::MemoryFile base(R"({"format": 1, "mapper": false,
-        "behaviours": ["host-power"], "raid": {"controllers": [], "faults":
-        [{"operation": "getRaidIdList", "result": 1}]}, "faults": [{"when": {}, "then": {"die": true}}], "objects": [
+        "behaviours": ["host-power"], "raid": {"controllers": [],
+        "faults": [{"operation": "getRaidIdList", "result": 1}]},
+        "faults": [{"when": {}, "then": {"die": true}}], "objects": [
         {"path": "/a", "services": [{"name": "x.A", "interfaces": {}}]},
         {"path": "/b", "services": [{"name": "x.B", "interfaces": {}}]}]})");
     const auto extended = [&](const std::string& rest) {

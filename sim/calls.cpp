@@ -204,11 +204,13 @@ void Service::hold(Held call, std::chrono::microseconds delay)
         return 0;
     };
     sd_event_source* timer = nullptr;
-    auto& one = held.emplace_back(std::move(call));
+    std::list<Held> one;
+    one.push_back(std::move(call));
     check(sd_event_add_time_relative(services.events, &timer, CLOCK_MONOTONIC,
                                      static_cast<uint64_t>(delay.count()),
-                                     accuracy, send, &one));
-    one.timer.reset(timer);
+                                     accuracy, send, &one.front()));
+    one.front().timer.reset(timer);
+    held.splice(held.end(), one);
 }
 
 /** sd-bus answers only what it receives, so the service calls itself. */

@@ -13,6 +13,18 @@
 
 namespace morvath::sim
 {
+namespace
+{
+
+EventLoop newEventLoop()
+{
+    sd_event* events = nullptr;
+    check(sd_event_new(&events), "sd_event_new");
+    return EventLoop(events);
+}
+
+} // namespace
+
 Platform::Platform(const Scenario& scenario, const std::string& busAddress) :
     Platform(scenario, {.busAddress = busAddress}, true)
 {}

@@ -25,11 +25,9 @@ class Descriptor
         number(std::exchange(other.number, -1))
     {}
 
-    ~Descriptor() { close(); }
+    ~Descriptor() { close(number); }
 
     int get() const noexcept { return number; }
-
-    void close() noexcept { ::close(std::exchange(number, -1)); }
 
   private:
     int number;

@@ -7,6 +7,7 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <system_error>
 #include <utility>
 
 namespace morvath::sim
@@ -62,16 +63,38 @@ int answering(sd_bus_error* error, const Action& action) noexcept
  * Throws std::system_error with the name of the operation when the result of
  * a libsystemd call is negative, otherwise returns the result.
  */
-int check(int result, const char* operation = "sd-bus");
+inline int check(int result, const char* operation = "sd-bus")
+{
+    if (result < 0)
+    {
+        throw std::system_error(-result, std::generic_category(), operation);
+    }
+    return result;
+}
 
 /** A connection; empty address: the bus of the environment. */
-Bus openBus(const std::string& address);
+inline Bus openBus(const std::string& address)
+{
+    constexpr auto connecting = "connecting to the bus";
+    sd_bus* bus = nullptr;
+    if (address.empty())
+    {
+        check(sd_bus_open(&bus), connecting);
+        return Bus(bus);
+    }
+    check(sd_bus_new(&bus));
+    Bus owned(bus);
+    check(sd_bus_set_address(bus, address.c_str()), connecting);
+    check(sd_bus_set_bus_client(bus, true));
+    check(sd_bus_start(bus), connecting);
+    return owned;
+}
 
-EventLoop newEventLoop();
-
-/** A connection to nobody: messages can be filled, but not sent. */
-Bus openNothing();
-
-Message newReply(sd_bus_message* call);
+inline Message newReply(sd_bus_message* call)
+{
+    sd_bus_message* reply = nullptr;
+    check(sd_bus_message_new_method_return(call, &reply));
+    return Message(reply);
+}
 
 } // namespace morvath::sim

@@ -45,7 +45,7 @@ bool isNumber(string_view text)
             text.find_first_not_of(inNumbers) == text.npos);
 }
 
-/** The name of a sample, or nothing for a line that is none. */
+/** The name of a sample, or nothing for any other line. */
 string_view sampleName(string_view line)
 {
     const auto* end = std::ranges::find_if_not(line, isNameCharacter);

@@ -19,7 +19,7 @@ using Seconds = std::chrono::duration<double>;
 /**
  * Completes what a reader wrote so far: whole lines only, the samples of a
  * metric together, the tables that are missing, and the scrape itself. Lines
- * that are no samples are left out: one of them would cost the whole scrape.
+ * that are not samples are left out: one of them would cost the whole scrape.
  */
 std::string expose(std::string_view text, Seconds duration, Format format);
 

@@ -12,7 +12,7 @@ namespace morvath::exporter
 class Reading
 {
   public:
-    /** Says on standard error when there can be none; it is over then. */
+    /** Says on standard error why there cannot be one; it is over then. */
     Reading(const char* program, Seconds limit);
     Reading(const Reading&) = delete;
     Reading& operator=(const Reading&) = delete;

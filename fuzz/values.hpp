@@ -8,7 +8,7 @@
 namespace morvath::fuzz
 {
 
-/** Ends the process for a failure of sd-bus, which is none of the library. */
+/** Ends the process when sd-bus fails, which is not the library's fault. */
 void check(int result);
 
 /** As "GetSubTree" answers: objects, their owners, the owners' interfaces. */

@@ -78,7 +78,7 @@
  *       a NULL where a text is needed, in any function, or a missing property
  *       whose value has to be converted
  *   std::invalid_argument, std::out_of_range
- *       a property that is to be a number is none, or does not fit
+ *       a property that should be a number is not one, or does not fit
  *   std::bad_alloc
  *       no memory, outside of code -2
  * Nothing leaks when one leaves. A table function that raises after it
@@ -262,7 +262,7 @@ int32_t getDbusInterface(const char *prefix, const char *root,
  * propertyNames. Costs one call for the list and one for each object.
  *
  * Texts are as they are, numbers are decimal, floating-point numbers have two
- * decimals ("nan", "-nan", "inf", "-inf" for what is no number), booleans are
+ * decimals ("nan", "-nan", "inf", "-inf" for what is not finite), booleans are
  * "1" and "0". Signed 16-bit numbers, lists and all other types give an empty
  * text. A property that the object lacks gives NULL; a name that begins with
  * "Name", in any case, then gives the last segment of the object's path
@@ -294,11 +294,11 @@ int32_t getDbusTableData(const char *rootPath, const char *interfaceName,
  *
  * Who the parts of the server are. The getters store a text to release with
  * free(), or leave the output alone when the platform publishes none: an empty
- * text, or one of more than 199 bytes, is none.
+ * text, or one of more than 199 bytes, counts as none.
  *
  * All return 0, or -1 when the call failed; outputs are untouched then. They
  * raise SdBusError without a connection, and the getters
- * std::bad_variant_access for a property that is no text.
+ * std::bad_variant_access for a property that is not a text.
  *
  * @code
  * char *serial = NULL;
@@ -440,7 +440,7 @@ int32_t getBiosHyperThreading(uint32_t *value);
  * Host power
  *
  * The functions raise SdBusError without a connection, and the getters
- * std::bad_variant_access for a property that is no text.
+ * std::bad_variant_access for a property that is not a text.
  *
  * @code
  * char *state = NULL;
@@ -460,7 +460,7 @@ int32_t getBiosHyperThreading(uint32_t *value);
  * of transition: the host is "PowerOn" until it is off, and "PowerOff" until
  * it is on.
  * @param[out] state  "PowerOn", "PoweringOn", "PoweringOff", "PowerOff" (also
- *                    for a state that is none of the others) or "Unknown" (no
+ *                    for any other state) or "Unknown" (no
  *                    state published); release it with free()
  * @return 0, or -1 when the call failed or the state has no dot
  */
@@ -656,7 +656,7 @@ typedef struct PcieInfoEntry
  * @param[out] outCount  the number of records is added
  * @return 0, -1 or -2
  * @throws SdBusError when a slot could not be read; see also "Exceptions" for
- *         a presence that is missing or no number
+ *         a presence that is missing or not a number
  */
 int32_t getPcieTableInfo(PcieInfoEntry **outArray, int32_t *outCount);
 
@@ -688,7 +688,7 @@ typedef struct NetAdapterInfoEntry
  * @param[out] outCount  the number of records is added
  * @return 0, -1 or -2
  * @throws SdBusError when an adapter could not be read; see also "Exceptions"
- *         for a number of ports that is missing or no number
+ *         for a number of ports that is missing or malformed
  */
 int32_t getNetAdapterTableInfo(NetAdapterInfoEntry **outArray,
                                int32_t *outCount);
@@ -726,7 +726,7 @@ typedef struct GpuInfoEntry
  * @param[out] outCount  the number of records is added
  * @return 0, -1 or -2
  * @throws SdBusError when a GPU could not be read; see also "Exceptions" for
- *         numbers that are missing or none
+ *         numbers that are missing or malformed
  */
 int32_t getGpuInfoEntry(GpuInfoEntry **outArray, int32_t *outCount);
 
@@ -771,7 +771,7 @@ typedef struct MemInfoEntry
  * @param[out] outCount  the number of records is added
  * @return 0, -1 or -2
  * @throws SdBusError when a module could not be read; see also "Exceptions"
- *         for words and numbers that are missing, and numbers that are none
+ *         for words and numbers that are missing, and malformed numbers
  */
 int32_t getMemoryTableInfo(MemInfoEntry **outArray, int32_t *outCount);
 
@@ -817,8 +817,8 @@ typedef struct CpuInfoEntry
  * @param[out] outCount  the number of records is added
  * @return 0, -1 or -2
  * @throws SdBusError when a processor could not be read; see also "Exceptions"
- *         for a location code or numbers that are missing, and numbers that
- *         are none
+ *         for a location code or numbers that are missing, and malformed
+ *         numbers
  */
 int32_t getCpuTableInfo(CpuInfoEntry **outArray, int32_t *outCount);
 
@@ -869,7 +869,7 @@ typedef struct BmcSensorEntry
  * @return 0, -1 or -2
  * @throws SdBusError when a sensor could not be read; see also "Exceptions"
  *         for a unit or the second alarm of a kind that is missing, and alarms
- *         that are no numbers
+ *         that are not numbers
  */
 int32_t getCommonSensorTableInfo(BmcSensorEntry **outArray, int32_t *outCount,
                                  const char *root, const char *interface);
@@ -938,10 +938,10 @@ typedef struct BmcNetworkInfoEntry
  * dot, so shows none.
  * @param[out] outArray  the records
  * @param[out] outCount  the number of records is added
- * @return 0, -1 or -2; addresses that cannot be listed are no failure
+ * @return 0, -1 or -2; addresses that cannot be listed are not a failure
  * @throws SdBusError when an interface or one of its addresses could not be
  *         read; see also "Exceptions" for a name, state, origin or prefix
- *         length that is missing, and numbers that are none
+ *         length that is missing, and malformed numbers
  */
 int32_t getNetworkTableInfo(BmcNetworkInfoEntry **outArray, int32_t *outCount);
 
@@ -985,7 +985,7 @@ typedef struct PortInfoEntry
  * @return 0, -1 or -2
  * @throws SdBusError when a port could not be read, with the outputs
  *         untouched; see also "Exceptions" for numbers that are missing or
- *         none
+ *         malformed
  */
 int32_t getNetPortTableInfo(PortInfoEntry **outArray, int32_t *outCount);
 
@@ -1035,7 +1035,7 @@ typedef struct HddInfoEntry
 /**
  * Reads all disks: first those on the bus, then every drive behind a RAID
  * controller. Drives of controllers are left out altogether when one of them
- * cannot be read; that is no error.
+ * cannot be read; that is not an error.
  * @param[out] outArray  the records; freed texts when a conversion raises,
  *                       with the array left to the caller
  * @param[out] outCount  set, not added to, and only when 0 is returned

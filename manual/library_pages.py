@@ -228,7 +228,7 @@ class LibraryPages:
 
 
 def snippets(families):
-    """The examples of the pages that are no programs, for a compiler."""
+    """The examples of the pages that are not whole programs, for a compiler."""
     pages = LibraryPages(None, families, None, [])
     parts = ["#include <morvath.h>\n\n#include <cstdio>\n#include <cstdlib>\n"
              "#include <cstring>\n"]

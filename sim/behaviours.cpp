@@ -113,7 +113,7 @@ void Service::set(std::string_view path, std::string_view interface,
         std::ranges::find(texts, asText(value)) == texts.end())
     {
         throw BusError("xyz.openbmc_project.sdbusplus.Error.InvalidEnumString",
-                       "The text is no member of the enumeration.");
+                       "The text is not a member of the enumeration.");
     }
     const auto keep = [&] { change(path, interface, property, value); };
     const auto* found = std::ranges::find_if(behaviours, [&](const auto& one) {

@@ -210,7 +210,7 @@ void Mapper::forEachBelow(std::string_view root, int32_t depth,
                           const auto& action) const
 {
     // Every character of a path sorts after the slash, so a subtree is one
-    // run of entries, and a name that only begins alike is no part of it.
+    // run of entries, and a name that only begins alike is not in it.
     const auto prefix = std::string(known(root)) + '/';
     for (auto object = index.lower_bound(prefix);
          object != index.end() && object->first.starts_with(prefix); ++object)
@@ -260,7 +260,7 @@ void Mapper::update()
             {
                 defined.emplace_back(path, one);
             }
-            // The bus's own services are no part of the platform.
+            // The bus's own services are not part of the platform.
             if (!service->name.starts_with("org.freedesktop."))
             {
                 list(path, *service, object.interfaces);

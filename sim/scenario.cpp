@@ -88,7 +88,7 @@ void readObjects(const Json& list, const SharedJson& document,
     {
         const auto& path = asText(member(entry, "path"));
         demand(seen.insert(path).second, entry,
-               "the object \"" + path + "\" stands here twice");
+               "duplicate object \"" + path + '"');
         const auto known = inherited.find(path);
         const auto isKnown = known != inherited.end();
         auto& object =
@@ -276,7 +276,7 @@ Object readObject(const Json& json, const SharedJson& document)
     {
         object.owners.push_back(readOwner(one, document));
         demand(names.insert(object.owners.back().service).second, one,
-               "the service stands here twice");
+               "duplicate service");
     }
     demand(!object.owners.empty(), services, "an object needs a service");
     return object;

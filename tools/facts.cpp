@@ -100,7 +100,7 @@ constexpr Fact all[]{
      "one to three IPv4 addresses"},
 };
 
-/** An empty text is no value. */
+/** An empty text counts as no value. */
 Value valueFrom(int32_t (*get)(char**))
 {
     char* text = nullptr;

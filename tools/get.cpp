@@ -14,7 +14,7 @@ namespace
 struct GetOptions
 {
     std::vector<const Fact*> facts;
-    /** Whatever there is: what the platform does not have is no failure. */
+    /** Whatever there is: what the platform does not have is not a failure. */
     bool all = false;
     bool asJson = false;
 };

@@ -63,7 +63,7 @@ cli::About about()
     };
 }
 
-/** Text that did not reach its destination is no success. */
+/** Text that did not reach its destination is a failure. */
 int flushed(int status)
 {
     if (std::fflush(stdout) == 0 && !std::ferror(stdout))

@@ -50,7 +50,7 @@ cli::Parameter segmentArgument(const std::string& name, std::string& segment,
         if (given.empty() || !std::ranges::all_of(given, isPathCharacter))
         {
             throw cli::Misuse(name + ": \"" + given +
-                              "\" is no segment of an object path");
+                              "\" is not a segment of an object path");
         }
         segment = given;
     };
@@ -97,7 +97,7 @@ std::optional<int64_t> codeIn(std::span<const std::string_view> words,
     return code && *code < std::ssize(words) ? code : std::nullopt;
 }
 
-/** Unsent when the value is none of those that the fact can have. */
+/** Unsent when it is not a value that the fact can have. */
 int32_t send(const Fact& fact, const std::string& value)
 {
     if (const auto* set = std::get_if<int32_t (*)(const char*)>(&fact.set))

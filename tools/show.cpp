@@ -75,7 +75,7 @@ int show(ShowOptions& options)
         throw cli::Misuse("--csv takes one table");
     }
     useBus();
-    // On any platform some kind of thing is missing, which is no failure if
+    // On any platform some kind of thing is missing, which is not a failure if
     // nobody asked for it.
     const auto absence = options.all ? Absence::emptyTable : Absence::failure;
     std::vector<TableReading> readings;

@@ -41,7 +41,7 @@ std::string defectOf(const Table& table, const std::exception& error)
     }
     if (dynamic_cast<const std::invalid_argument*>(&error))
     {
-        return "a property that is to be a number is none";
+        return "a property that should be a number is not one";
     }
     if (!dynamic_cast<const std::logic_error*>(&error))
     {
@@ -104,7 +104,7 @@ std::optional<double> numberIn(std::string_view text)
     double number = 0;
     const char* end = text.data() + text.size();
     const auto [stop, error] = std::from_chars(text.data(), end, number);
-    // A number is all digits; "nan" and "inf" are none.
+    // A number is all digits; "nan" and "inf" are not numbers.
     return error == std::errc() && stop == end && number - number == 0
                ? std::optional(number)
                : std::nullopt;
@@ -162,7 +162,7 @@ TableReading read(const Table& table, Absence absence,
     catch (const std::exception& error)
     {
         const auto reason = reasonOf(error);
-        // Otherwise it is no object that failed.
+        // Otherwise it was not an object that failed.
         if (lastFailure() || dynamic_cast<const std::logic_error*>(&error))
         {
             readOneByOne(reading, prepare);

@@ -34,7 +34,7 @@ enum class Form
     text,
     /** Texts, with "-" for none. */
     dashed,
-    /** Numbers as texts; anything else, such as "nan" and "-", is none. */
+    /** Numbers as texts; anything else, such as "nan" and "-", is missing. */
     number,
     /** The units of the column before, with which people read them. */
     unit,

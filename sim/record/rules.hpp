@@ -69,7 +69,7 @@ struct Rules
          "uniqueidentifier|ww[np]?n|worldwidename|macaddress|"
          "text84|text164)$"},
         {Kind::host, "(hostname|domainname|fqdn)$"},
-        // There may be names of hosts, too, but "0x50" is none.
+        // There may be names of hosts, too, but "0x50" is not one.
         {Kind::host, "(ntpservers|address|gateway)$",
          "^(0x.*|[^a-z]*|.*[^a-z0-9.-].*)$"},
     }};

@@ -133,7 +133,7 @@ void ReplyReader::enterVariant(const char* contents)
         sd_bus_message_enter_container(message, SD_BUS_TYPE_VARIANT, contents);
     if (result == -ENXIO)
     {
-        // What is no variant at all is no reply to the question.
+        // Anything but a variant does not answer the question.
         skip("v");
         // Raised by std::get(), which gives it the text that callers know.
         std::ignore = std::get<int>(std::variant<char, int>());

@@ -14,7 +14,7 @@ namespace morvath
 namespace
 {
 
-// What is longer is no text to the callers of the text getters.
+// Anything longer counts as no text for callers of the text getters.
 constexpr std::size_t longestText = 199;
 
 using Take = void(const BasicValue& held, void* output);

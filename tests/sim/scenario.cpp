@@ -25,12 +25,12 @@ constexpr auto mistakes = R"json(# ... => /
  => *: parse error at line 1, column 14: syntax error while parsing object key -
  unexpected ','; expected string literal
 # {"format": 1, ...} => /
-"a": {"b~/": [0, {"c": 1, "c": 2}]} => *a/b~0~1/1/c: the key stands here twice
+"a": {"b~/": [0, {"c": 1, "c": 2}]} => *a/b~0~1/1/c: duplicate key
 "fault": [] => *fault: no key 'fault'; did you mean 'faults'?
 "behaviours": ["host-power", "magic"] => *behaviours/1: there is no behaviour "magic"
 "extends": "none.json" => *extends: there is no file none.json
 "objects": [{"path": "/a", "services": [{"name": "x.y", "interfaces": {}}]}, {"path":
- "/a"}] => *objects/1: the object "/a" stands here twice
+ "/a"}] => *objects/1: duplicate object "/a"
 "objects": [{"path": "/a", "services": [{"interfaces": {}, "name":
  "xyz.openbmc_project.ObjectMapper"}]}]
  => *: the object mapper's name is taken by a service
@@ -41,7 +41,7 @@ constexpr auto mistakes = R"json(# ... => /
 {"path": "/a", "services": [{"name": ":1.7"}]}
  => */services/0/name: ":1.7" is not a name to ask the bus for
 {"path": "/a", "services": [{"name": "x.y", "interfaces": {}}, {"name": "x.y",
- "interfaces": {}}]} => */services/1: the service stands here twice
+ "interfaces": {}}]} => */services/1: duplicate service
 {"path": "/a", "services": [{"name": "x.y", "interfaces":
  {"org.freedesktop.DBus.Peer": {}}}]}
  => */services/0/interfaces/org.freedesktop.DBus.Peer: every object has the standard
@@ -99,11 +99,11 @@ constexpr auto mistakes = R"json(# ... => /
 # {"format": 1, "raid": {...}} => /raid/
 "controller": [] => *controller: no key 'controller'; did you mean 'controllers'?
 "controllers": [{"raid_id": 2}, {"raid_id": 2}]
- => *controllers/1/raid_id: the id stands here twice
+ => *controllers/1/raid_id: duplicate id
 "configuration": [{"vendor": "0x0000", "device": "0x0000", "subvendor": "0x0000",
  "subdevice": "0x0000", "outputs": ["", "", "", ""]}, {"vendor": "0x0000", "device":
  "0x0000", "subvendor": "0x0000", "subdevice": "0x0000", "outputs": ["", "", "", ""]}]
- => *configuration/1: the identifiers stand here twice
+ => *configuration/1: duplicate identifiers
 "texts": {"speed": {"256": ""}}
  => *texts/speed/256: must be the text of a code from 0 to 255
 "faults": [{"operation": "getDriveSpeed", "result": 1}]

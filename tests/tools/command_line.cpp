@@ -80,7 +80,7 @@ TEST(Usage, MisuseIsToldWithWhatWasPerhapsMeant)
         {"sensors --json --csv", "--csv excludes --json"},
         {"sensors --color red", "no when 'red'"},
         {"set lldp nic-0 port1 on",
-         "ADAPTER: \"nic-0\" is no segment of an object path"},
+         "ADAPTER: \"nic-0\" is not a segment of an object path"},
     };
     sim::Platform platform(sim::Scenario::standard());
     for (const auto& [arguments, error] : cases)

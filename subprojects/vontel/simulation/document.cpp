@@ -79,7 +79,7 @@ class DocumentBuilder
         std::unordered_set<std::string_view> keys;
         for (const auto& [key, value] : open.back()->items())
         {
-            demand(keys.insert(key).second, value, "the key stands here twice");
+            demand(keys.insert(key).second, value, "duplicate key");
         }
         return end_array();
     }

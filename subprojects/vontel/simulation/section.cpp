@@ -253,7 +253,7 @@ void readList(const Json& parent, const std::string& list, uint32_t raidId,
     {
         const auto& place = member(json, idField.key);
         const auto id = static_cast<uint32_t>(numberOf(place, idField.length));
-        demand(seen.insert(id).second, place, "the id stands here twice");
+        demand(seen.insert(id).second, place, "duplicate id");
         items.push_back({id, recordOf(list, raidId, json)});
         if (list == "controllers")
         {
@@ -278,7 +278,7 @@ void readConfiguration(const Json& list, Section& section)
         demand(texts.is_array() && texts.size() == outputs.size(), texts,
                "must have four texts");
         std::ranges::transform(texts, outputs.begin(), asText);
-        demand(isNew, entry, "the identifiers stand here twice");
+        demand(isNew, entry, "duplicate identifiers");
     }
 }
 

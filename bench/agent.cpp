@@ -7,11 +7,11 @@
 
 #include <array>
 #include <charconv>
+#include <concepts>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
 #include <string_view>
-#include <type_traits>
 #include <vector>
 
 // What a management agent reads in a round: sensors, memory, processors, disks
@@ -76,9 +76,7 @@ struct Render
                                        std::chars_format::fixed, 2);
         return {text.begin(), end.ptr};
     }
-    template <typename Number>
-    requires std::is_integral_v<Number> std::string
-    operator()(Number number) const
+    std::string operator()(std::integral auto number) const
     {
         return std::to_string(number);
     }

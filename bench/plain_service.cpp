@@ -152,7 +152,9 @@ int main(int argc, char** argv)
     while (sd_bus_wait(bus, UINT64_MAX) >= 0)
     {
         while (sd_bus_process(bus, nullptr) > 0)
-        {}
+        {
+            continue;
+        }
     }
     sd_bus_unref(bus);
     return 0;

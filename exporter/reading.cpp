@@ -82,7 +82,9 @@ Reading::~Reading()
     {
         kill(-reader, SIGKILL);
         while (waitpid(reader, nullptr, 0) < 0 && errno == EINTR)
-        {}
+        {
+            continue;
+        }
     }
     if (output >= 0)
     {

@@ -126,7 +126,9 @@ void serve(int listener)
     {
         const std::lock_guard lock(busy);
         while (sd_bus_process(bus, nullptr) > 0)
-        {}
+        {
+            continue;
+        }
     }
     sd_bus_flush_close_unref(bus);
 }

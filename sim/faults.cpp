@@ -18,7 +18,7 @@ constexpr std::string_view getAll = "GetAll";
 struct ConditionKey
 {
     std::string_view key;
-    std::string Condition::*field;
+    decltype(&Condition::service) field;
     const NameKind& kind;
     /** Whether a machine has what it names. */
     bool isOfMachine = true;

@@ -19,7 +19,7 @@ struct Condition
 {
     std::string service{};
     std::string path{};
-    std::string interface {};
+    std::string interface = {};
     std::string member{};
     std::string property{};
     uint32_t call = 0;

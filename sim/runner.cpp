@@ -121,7 +121,9 @@ siginfo_t nextSignal()
 {
     siginfo_t info{};
     while (sigwaitinfo(&watchedSignals, &info) < 0)
-    {}
+    {
+        continue;
+    }
     return info;
 }
 
@@ -222,7 +224,9 @@ int serve(const Scenario& scenario, const RunOptions& options,
                 scenario.services().size());
     std::fflush(stdout);
     while (nextSignal().si_signo == SIGCHLD)
-    {}
+    {
+        continue;
+    }
     if (isLost)
     {
         cli::complain(programName, "the bus went away");

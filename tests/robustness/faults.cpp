@@ -22,7 +22,7 @@ namespace morvath::tests::faults
 struct Kind
 {
     Json fault;
-    const char* Results::*results;
+    decltype(&Results::failed) results;
     /** A service that dies is gone for good. */
     bool isLasting = false;
     /** In microseconds, tried until one suffices; 0 is sd-bus's own. */
@@ -92,7 +92,9 @@ std::string resultOf(const Export& one, const Kind& kind, std::size_t call)
     std::istringstream words(one.results.*kind.results);
     std::string result;
     while (call-- > 0 && words >> result)
-    {}
+    {
+        continue;
+    }
     return result;
 }
 

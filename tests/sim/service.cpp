@@ -140,7 +140,9 @@ Json signalsDuring(const Client& client, const char* interface,
     const sim::Slot owner(slot);
     action();
     while (sd_bus_process(client.bus.get(), nullptr) > 0)
-    {}
+    {
+        continue;
+    }
     return signals;
 }
 

@@ -4,8 +4,6 @@
 #include <sdbusplus/message/types.hpp>
 #include <systemd/sd-bus.h>
 
-#include <type_traits>
-
 namespace sdbusplus::message::details
 {
 
@@ -33,12 +31,10 @@ inline void append(sd_bus_message* m, std::same_as<bool> auto value)
     sd_bus_message_append_basic(m, 'b', &word);
 }
 
-template <typename Number>
-requires(std::is_arithmetic_v<Number> &&
-         !std::is_same_v<Number, bool>) void append(sd_bus_message* m,
-                                                    Number value)
+template <Number T>
+void append(sd_bus_message* m, T value)
 {
-    sd_bus_message_append_basic(m, *signature<Number>::text, &value);
+    sd_bus_message_append_basic(m, *signature<T>::text, &value);
 }
 
 template <typename T>

@@ -4,8 +4,6 @@
 #include <sdbusplus/exception.hpp>
 #include <sdbusplus/message/types.hpp>
 
-#include <type_traits>
-
 namespace sdbusplus::message::details
 {
 
@@ -32,11 +30,10 @@ inline void read(sd_bus_message* m, bool& value)
     value = word != 0;
 }
 
-template <typename Number>
-requires(std::is_arithmetic_v<Number>) void read(sd_bus_message* m,
-                                                 Number& value)
+template <Number T>
+void read(sd_bus_message* m, T& value)
 {
-    read_basic(m, *signature<Number>::text, &value,
+    read_basic(m, *signature<T>::text, &value,
                "sd_bus_message_read_basic fundamental");
 }
 

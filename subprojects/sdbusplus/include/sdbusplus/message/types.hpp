@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <concepts>
 #include <cstdint>
 #include <string>
 #include <string_view>
 #include <tuple>
+#include <type_traits>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -12,6 +14,10 @@
 /** D-Bus signatures of C++ types, put together at compile time. */
 namespace sdbusplus::message::details
 {
+
+/** What sd-bus itself reads and writes, but for bool, which it has as int. */
+template <typename T>
+concept Number = std::is_arithmetic_v<T> && !std::same_as<T, bool>;
 
 template <char... Characters>
 struct chars

@@ -47,7 +47,7 @@ Section sectionOfEnvironment()
 }
 
 /** The section, after an operation was counted. */
-const Section& counted(const std::string& operation)
+const Section& counted(const char* operation)
 {
     if (!session)
     {
@@ -58,7 +58,7 @@ const Section& counted(const std::string& operation)
 }
 
 /** The result of an operation: a fault decides it, or else the action does. */
-int resultOf(const std::string& operation, const auto& action)
+int resultOf(const char* operation, const auto& action)
 {
     const auto& section = counted(operation);
     const auto call = session->calls[operation];

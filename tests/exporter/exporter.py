@@ -8,6 +8,7 @@ import json
 import os
 import re
 import resource
+import shutil
 import socket
 import subprocess
 import tempfile
@@ -169,15 +170,20 @@ class Faults(unittest.TestCase):
 
         def limit():
             resource.setrlimit(resource.RLIMIT_NPROC, (2, 2))
-        with (subprocess.Popen(["sleep", "1000"], **user) as other,
-              reading(GOOD, preexec_fn=limit, **user) as (server, folder)):
-            folder.chmod(0o755)
-            _, body = server.request()
-            self.assertIn(b"\nmorvath_scrape_success 0\n", body)
-            other.kill()
-            other.wait(PATIENCE)
-            _, body = server.request()
-            self.assertIn(b"\nmorvath_scrape_success 1\n", body)
+        with tempfile.TemporaryDirectory() as place:
+            # Where it was built the user may not be let in.
+            os.chmod(place, 0o755)
+            own = {"executable": shutil.copy(EXPORTER[0], place),
+                   "preexec_fn": limit, **user}
+            with (subprocess.Popen(["sleep", str(PATIENCE)], **user) as other,
+                  reading(GOOD, **own) as (server, folder)):
+                folder.chmod(0o755)
+                _, body = server.request()
+                self.assertIn(b"\nmorvath_scrape_success 0\n", body)
+                other.kill()
+                other.wait(PATIENCE)
+                _, body = server.request()
+                self.assertIn(b"\nmorvath_scrape_success 1\n", body)
 
     def test_scrapes_share_a_reading(self):
         script = ("echo x >>starts; echo 'morvath_x 1'\n"

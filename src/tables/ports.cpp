@@ -151,8 +151,9 @@ void free_port_entry_content(PortInfoEntry* one)
 
 int32_t setLldpEnalbed(const char* adapter, const char* port, int32_t enabled)
 {
-    const auto path = std::string(adapterRoot) + '/' + required(adapter) +
-                      "/NetworkPorts/" + required(port);
+    std::string path = adapterRoot;
+    path.append("/").append(required(adapter));
+    path.append("/NetworkPorts/").append(required(port));
     if (path.size() > longestPath)
     {
         // What callers know of too long a path, which never was cut off.

@@ -270,6 +270,40 @@ void Service::change(std::string_view path, std::string_view interface,
     }
 }
 
+bool listsLastFirst(sd_bus* bus)
+{
+    const auto publish = [bus](const char* interface) {
+        static constexpr sd_bus_vtable empty[]{SD_BUS_VTABLE_START(0),
+                                               SD_BUS_VTABLE_END};
+        sd_bus_slot* slot = nullptr;
+        check(sd_bus_add_object_vtable(bus, &slot, "/", interface, empty,
+                                       nullptr));
+        return Slot(slot);
+    };
+    const auto first = publish("morvath.First");
+    const auto last = publish("morvath.Last");
+    const auto keep = [](sd_bus_message* reply, void* xml, sd_bus_error*) {
+        const char* text = "none";
+        sd_bus_message_read(reply, "s", &text);
+        *static_cast<std::string*>(xml) = text;
+        return 0;
+    };
+    const char* self = nullptr;
+    check(sd_bus_get_unique_name(bus, &self));
+    std::string xml;
+    check(sd_bus_call_method_async(bus, nullptr, self, "/",
+                                   "org.freedesktop.DBus.Introspectable",
+                                   "Introspect", keep, &xml, ""));
+    while (xml.empty())
+    {
+        if (check(sd_bus_process(bus, nullptr)) == 0)
+        {
+            check(sd_bus_wait(bus, UINT64_MAX));
+        }
+    }
+    return xml.find("morvath.Last") < xml.find("morvath.First");
+}
+
 Slot Service::addTable(const std::string& path, const std::string& interface,
                        const sd_bus_vtable* table, void* userdata)
 {
@@ -289,12 +323,23 @@ void Service::registerAll(const std::string& path, Published& object)
     // are exchanged; sd-bus knows no object without one.
     auto presence = addTable(path, presenceInterface, hidden, nullptr);
     object.slots.clear();
+    std::vector<std::pair<const Interface*, Raw*>> tables;
     auto* raw = object.raw.data();
     for (const auto& interface : object.interfaces)
     {
-        object.slots.push_back(addTable(
-            path, interface.name, tableOf(interface, object.without), raw));
+        tables.emplace_back(&interface, raw);
         raw += 1 + interface.properties.size();
+    }
+    // So that a scenario has the same answers with each release of sd-bus.
+    static const auto isLastFirst = listsLastFirst(bus.get());
+    if (!isLastFirst)
+    {
+        std::ranges::reverse(tables);
+    }
+    for (const auto& [interface, values] : tables)
+    {
+        const auto* table = tableOf(*interface, object.without);
+        object.slots.push_back(addTable(path, interface->name, table, values));
     }
     if (object.interfaces.empty())
     {

@@ -87,6 +87,12 @@ struct Services
     void change(const Place& place, const Json& value) const;
 };
 
+/**
+ * Whether sd-bus names the interface of an object first that was registered
+ * last: release 257 does, 262 does not. Asks on a connection without a name.
+ */
+bool listsLastFirst(sd_bus* bus);
+
 /** A bus connection that owns a name and publishes objects. */
 class Service
 {

@@ -244,7 +244,7 @@ class Recorder
                                  "Introspect", "s", "");
             known.parse(xml.get_ref<const std::string&>());
         });
-        // What was registered last is introspected first.
+        // Scenarios have them the other way round.
         std::ranges::reverse(known.interfaces);
         for (const auto& name : names)
         {

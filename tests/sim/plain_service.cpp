@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstddef>
 #include <cstdlib>
@@ -78,11 +80,14 @@ class PlainService
   public:
     PlainService()
     {
-        for (const auto& [path, interface, entries] :
-             {Table{"/a/b", "x.First", first},
-              {"/a/b", "x.Empty", empty},
-              {"/a/b", "x.Last", last},
-              {"/a/b/c", "x.Last", last}})
+        std::array tables{
+            Table{"/a/b", "x.First", first}, Table{"/a/b", "x.Empty", empty},
+            Table{"/a/b", "x.Last", last}, Table{"/a/b/c", "x.Last", last}};
+        if (!sim::listsLastFirst(bus.get()))
+        {
+            std::ranges::reverse(tables);
+        }
+        for (const auto& [path, interface, entries] : tables)
         {
             sim::check(sd_bus_add_object_vtable(bus.get(), nullptr, path,
                                                 interface, entries, &values));

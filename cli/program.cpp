@@ -26,12 +26,15 @@ constexpr double longestWait = 24 * 60 * 60;
 
 using CommandOf = std::map<const CLI::App*, const Command*>;
 
-/** Terms below a title, with their meanings in one column. */
+/** Terms below a title, with their meanings in one column; nothing of none. */
 std::string listOf(const std::string& title, const Terms& terms)
 {
-    constexpr auto size = [](const Term& term) { return term.name.size(); };
-    const auto width = std::ranges::max(terms, {}, size).name.size();
-    auto text = title + ":\n";
+    std::size_t width = 0;
+    for (const auto& term : terms)
+    {
+        width = std::max(width, term.name.size());
+    }
+    auto text = terms.empty() ? "" : '\n' + title + ":\n";
     for (const auto& [name, meaning] : terms)
     {
         const std::string blanks(width - name.size() + 2, ' ');
@@ -40,29 +43,49 @@ std::string listOf(const std::string& title, const Terms& terms)
     return text;
 }
 
-/** Help within 80 columns, with the words that arguments take. */
-class Help : public CLI::Formatter
+/** Help within 80 columns; that of the parser is another in each version. */
+class Help : public CLI::FormatterBase
 {
   public:
-    Help(const CommandOf& commands, std::string end) :
+    Help(const CommandOf& commands, const Terms& exitStatuses) :
         commands(commands),
-        end(std::move(end))
-    {
-        label("SUBCOMMAND", "COMMAND");
-        label("Positionals", "Arguments");
-    }
+        exitStatuses(exitStatuses)
+    {}
 
-    std::string make_option_opts(const CLI::Option* option) const override
-    {
-        const auto hasValue =
-            option->get_type_size() > 0 && !option->get_positional();
-        return hasValue ? ' ' + option->get_type_name() : "";
-    }
-
-    std::string make_footer(const CLI::App* app) const override
+    std::string make_help(const CLI::App* app, std::string name,
+                          CLI::AppFormatMode) const override
     {
         const auto& command = *commands.at(app);
-        auto text = app->get_parent() ? command.notes : end;
+        auto usage = "Usage: " + name + " [OPTIONS]";
+        Terms arguments;
+        Terms options{{"-h,--help", "Print this help and exit"}};
+        Terms statuses;
+        if (!app->get_parent())
+        {
+            options.push_back({"--version", "Print the version and exit"});
+            statuses = exitStatuses;
+        }
+        for (const auto& parameter : command.parameters)
+        {
+            auto shown = parameter.names;
+            if (!isArgument(parameter))
+            {
+                shown += (parameter.value.empty() ? "" : " ") + parameter.value;
+                options.push_back({shown, parameter.meaning});
+                continue;
+            }
+            arguments.push_back({shown, parameter.meaning});
+            shown += parameter.isRepeated ? "..." : "";
+            usage += parameter.isRequired ? ' ' + shown : " [" + shown + ']';
+        }
+        if (!command.commands.empty())
+        {
+            usage += command.run ? " [COMMAND]" : " COMMAND";
+        }
+        auto text = command.meaning + '\n' + usage + '\n' +
+                    listOf("Arguments", arguments) +
+                    listOf("Options", options) +
+                    listOf("Commands", commandsOf(command));
         for (const auto& parameter : command.parameters)
         {
             const auto& words = parameter.words;
@@ -71,12 +94,13 @@ class Help : public CLI::Formatter
                 text += listOf(parameter.names, words);
             }
         }
-        return text.empty() || text.ends_with('\n') ? text : text + '\n';
+        return text + listOf("Exit status", statuses) +
+               (command.notes.empty() ? "" : '\n' + command.notes + '\n');
     }
 
   private:
     const CommandOf& commands;
-    std::string end;
+    const Terms& exitStatuses;
 };
 
 /** What a value is called in messages: "table" for TABLE. */
@@ -252,8 +276,7 @@ int run(const Command& program, const About& about, int argc, char** argv)
     app.set_help_flag("-h,--help", "Print this help and exit");
     app.set_version_flag("--version", program.name + ' ' + about.version,
                          "Print the version and exit");
-    app.formatter(std::make_shared<Help>(
-        commands, listOf("Exit status", about.exitStatuses)));
+    app.formatter(std::make_shared<Help>(commands, about.exitStatuses));
     add(app, program, commands);
     try
     {

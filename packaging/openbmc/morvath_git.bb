@@ -27,6 +27,8 @@ PACKAGECONFIG[tools] = "-Dtools=enabled,-Dtools=disabled,cli11"
 PACKAGECONFIG[vontel] = "-Dvontel=system,-Dvontel=simulated,libvontel"
 
 EXTRA_OEMESON = "-Dtests=disabled"
+# Newer linkers leave room for pages of 64 KiB, as much as the whole library.
+LDFLAGS:append:arm = " -Wl,-z,max-page-size=4096"
 
 PACKAGE_BEFORE_PN = "${PN}-exporter ${PN}-tools ${PN}-sim ${PN}-vontel ${PN}-zsh-completion"
 FILES:${PN}-exporter = "${bindir}/morvath-exporter ${systemd_system_unitdir} \

@@ -58,13 +58,8 @@ class Help : public CLI::FormatterBase
         const auto& command = *commands.at(app);
         auto usage = "Usage: " + name + " [OPTIONS]";
         Terms arguments;
-        Terms options{{"-h,--help", "Print this help and exit"}};
-        Terms statuses;
-        if (!app->get_parent())
-        {
-            options.push_back({"--version", "Print the version and exit"});
-            statuses = exitStatuses;
-        }
+        auto options = usualOptions(!app->get_parent());
+        options.front().name.insert(0, "-h,");
         for (const auto& parameter : command.parameters)
         {
             auto shown = parameter.names;
@@ -94,7 +89,9 @@ class Help : public CLI::FormatterBase
                 text += listOf(parameter.names, words);
             }
         }
-        return text + listOf("Exit status", statuses) +
+        return text +
+               listOf("Exit status",
+                      app->get_parent() ? Terms() : exitStatuses) +
                (command.notes.empty() ? "" : '\n' + command.notes + '\n');
     }
 
@@ -273,9 +270,7 @@ int run(const Command& program, const About& about, int argc, char** argv)
     }
     CLI::App app(program.meaning, program.name);
     CommandOf commands;
-    app.set_help_flag("-h,--help", "Print this help and exit");
-    app.set_version_flag("--version", program.name + ' ' + about.version,
-                         "Print the version and exit");
+    app.set_version_flag("--version", program.name + ' ' + about.version);
     app.formatter(std::make_shared<Help>(commands, about.exitStatuses));
     add(app, program, commands);
     try

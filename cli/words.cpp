@@ -2,6 +2,7 @@
 #include "cli/words.hpp"
 
 #include <algorithm>
+#include <iterator>
 #include <string_view>
 
 namespace morvath::cli
@@ -172,6 +173,16 @@ Terms commandsOf(const Command& command)
     return names;
 }
 
+Terms usualOptions(bool isProgram)
+{
+    Terms options{{"--help", "Print this help and exit"}};
+    if (isProgram)
+    {
+        options.push_back({"--version", "Print the version and exit"});
+    }
+    return options;
+}
+
 Terms optionsOf(const Command& command, bool isProgram)
 {
     Terms options;
@@ -182,11 +193,7 @@ Terms optionsOf(const Command& command, bool isProgram)
             options.push_back({name, parameter.meaning});
         }
     }
-    options.push_back({"--help", "Print this help and exit"});
-    if (isProgram)
-    {
-        options.push_back({"--version", "Print the version and exit"});
-    }
+    std::ranges::move(usualOptions(isProgram), std::back_inserter(options));
     return options;
 }
 

@@ -20,6 +20,8 @@ std::vector<std::string> namesOf(const Parameter& parameter);
 
 // What can be said at a place, with meanings.
 Terms commandsOf(const Command& command);
+/** Those that no command has to name itself. */
+Terms usualOptions(bool isProgram);
 Terms optionsOf(const Command& command, bool isProgram);
 
 /** What the value of a parameter is called; empty for a flag. */
